@@ -1,0 +1,26 @@
+# How this project's own code is compiled. Hosts get none of it.
+add_library(tamzo_settings INTERFACE)
+
+if(TAMZO_DEVELOPER)
+  target_compile_options(tamzo_settings INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+endif()
+if(TAMZO_SANITIZE)
+  target_compile_options(tamzo_settings INTERFACE
+    -fsanitize=${TAMZO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  target_link_options(tamzo_settings INTERFACE -fsanitize=${TAMZO_SANITIZE})
+endif()
+if(TAMZO_COVERAGE)
+  target_compile_options(tamzo_settings INTERFACE --coverage -g)
+  target_link_options(tamzo_settings INTERFACE --coverage)
+endif()
+
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+if(PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+endif()

@@ -1,0 +1,15 @@
+#include "sdk/TamzoHotspot360Info.h"
+
+#include "sdk/TextConversions.h"
+
+namespace tamzo {
+
+std::shared_ptr<TamzoHotspot360Info> TamzoHotspot360Info::initWithNode(DDXMLElement node) {
+  const bool holdsSomething = node.hasAttributes() || node.firstChildElement() ||
+                              !trimWhiteSpace(node.stringValue()).empty();
+  return holdsSomething
+             ? std::shared_ptr<TamzoHotspot360Info>(new TamzoHotspot360Info(std::move(node)))
+             : nullptr;
+}
+
+}  // namespace tamzo

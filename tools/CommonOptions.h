@@ -1,0 +1,28 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+
+namespace tamzo::command {
+
+/// The options that every subcommand takes.
+class CommonOptions {
+ public:
+  void addTo(CLI::App& command);
+
+  /// Sets the SDK's state, log and fetch limits from them. Throws CommandError for a bad value.
+  void apply() const;
+
+  const std::string& outputPath() const noexcept { return outputPath_; }
+
+ private:
+  std::string outputPath_;
+  std::optional<std::string> blockedCategories_;
+  std::optional<std::string> sessionId_;
+  std::optional<std::string> timeout_;
+  std::optional<std::string> maxBody_;
+  bool debug_ = false;
+};
+
+}  // namespace tamzo::command

@@ -1,0 +1,208 @@
+// Intake and dispatch: the entry, the loop that follows Wrappers, and how documents are queried.
+
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "sdk/TamzoLogger.h"
+#include "sdk/TamzoUrlReader.h"
+#include "sdk/TamzoVastAdHelper.h"
+#include "sdk/TextConversions.h"
+#include "sdk/TextSearch.h"
+#include "sdk/Utf8.h"
+#include "vast/TamzoVastAd.h"
+
+namespace tamzo {
+namespace {
+
+constexpr std::size_t kPrefixLength = 4;
+constexpr std::int32_t kLastPassToGoOn = 5;
+constexpr std::int32_t kWrapperLimitPass = 5;
+
+enum class From { never, init, parse };
+
+// The first four characters equal "http"; throws for a text that has fewer than four.
+bool isUrl(const Text& tag) {
+  if (isShorterThan(tag, kPrefixLength)) {
+    throw std::out_of_range("the tag has fewer than 4 characters");
+  }
+  return tag.view().starts_with("http");
+}
+
+}  // namespace
+
+std::shared_ptr<TamzoVastAd> TamzoVastAd::initWithVast(const Text& vast) {
+  std::shared_ptr<TamzoVastAd> ad;
+  try {
+    ad = std::make_shared<TamzoVastAd>();
+    const Text& response = vast;
+#define TAMZO_PROPERTY(type, name, setter, when, initial) \
+  if constexpr (From::when == From::init) ad->setter(initial);
+#include "vast/TamzoVastAdProperties.def"
+#undef TAMZO_PROPERTY
+    static_cast<void>(response);
+    ad->parseVast(replaceWithPattern("xmlns", vast));
+  } catch (const std::bad_alloc&) {
+    // Memory ran out before the loop, whose guard answers for everything after.
+    if (ad != nullptr) {
+      ad->setErrorCode(kException);
+    }
+  }
+  return ad;
+}
+
+void TamzoVastAd::parseVast(const Text& vast) {
+  const Text response = vast;  // a copy: `vast` may be one of the properties that are reset
+#define TAMZO_PROPERTY(type, name, setter, when, initial) \
+  if constexpr (From::when == From::parse) setter(initial);
+#include "vast/TamzoVastAdProperties.def"
+#undef TAMZO_PROPERTY
+  try {
+    followChain();
+  } catch (const std::exception& exception) {
+    TAMZO_LOG("%@", Text(std::string(exception.what()) + "\n" + TamzoLogger::callStackSymbols()));
+    setErrorCode(kException);
+  }
+}
+
+void TamzoVastAd::followChain() {
+  std::int32_t count = 0;
+  bool done = false;
+  do {
+    if (isImaEnabled()) {
+      break;
+    }
+    ++count;
+    const Text xml = isUrl(vastTagURI()) ? readTagURI() : vastTagURI();
+    if (!xml.hasCharacters()) {
+      TAMZO_LOG("empty vast string content!");
+      setErrorCode(kEmptyContent);
+      break;
+    }
+    const auto document = DDXMLDocument::initWithXMLString(xml, 0);
+    if (document == nullptr) {
+      TAMZO_LOG("XML is not VAST");
+      setErrorCode(kNotXml);
+      break;
+    }
+    TAMZO_LOG("VAST element is present");
+    const Text version = getVastVersion(*document);
+    setVpaidVastVersion(version);
+    if (!version.hasCharacters()) {
+      TAMZO_LOG("VAST version is absent");
+      setErrorCode(kBadVersion);
+      break;
+    }
+    TAMZO_LOG("VAST version is %@", version);
+    done = process(count, integerValue(version), *document);
+  } while (count <= kLastPassToGoOn && !done && errorCode() == kNoError);
+
+  // Exactly the fifth pass, and no other: a chain that ends there well counts as too long, one
+  // that ran all six passes does not.
+  if (count == kWrapperLimitPass && errorCode() == kNoError) {
+    setErrorCode(kWrapperLimit);
+  }
+}
+
+// The body behind the URL in `vastTagURI`, which is trimmed on the way; nil when it cannot be
+// fetched or is not UTF-8, "" when a host's reader threw.
+Text TamzoVastAd::readTagURI() {
+  Text xml = Text::literal("");
+  try {
+    if (isTamzoDebugEnabled) {
+      TamzoLogger::printLog(TamzoLogger::format("vastTagURI = %@", {vastTagURI()}));
+    }
+    setVastTagURI(vastTagURI().part(trimWhiteSpace(vastTagURI())));
+    const Text url = TamzoUrlReader::urlFromText(vastTagURI());
+    if (isTamzoDebugEnabled) {
+      TamzoLogger::printLog(TamzoLogger::format("url formed from vastTagURI = %@", {url}));
+    }
+    auto body = TamzoUrlReader::read(url);
+    xml = body && isUtf8(*body) ? Text(std::move(*body)) : Text();
+  } catch (const std::exception& exception) {
+    TAMZO_LOG("error: %@", Text(exception.what()));
+  }
+  return xml;
+}
+
+bool TamzoVastAd::process(std::int32_t pass, std::int32_t version, const DDXMLDocument& document) {
+  switch (version) {
+    case 2:
+      return processVASTVersion2(pass, document);
+    case 3:
+      return processVASTVersion3(pass, document);
+    case 4:
+      return processVASTVersion4(pass, document);
+    default:
+      TAMZO_LOG("VAST version is incompatible");
+      setErrorCode(kBadVersion);
+      return true;
+  }
+}
+
+Text TamzoVastAd::getVastVersion(const DDXMLDocument& document) {
+  const NodeList roots = document.nodesForXPath("/VAST");
+  return roots.empty() ? Text() : roots.at(0).attributeValue("version");
+}
+
+Text TamzoVastAd::replaceWithPattern(std::string_view word, const Text& forVastString) {
+  const std::string_view text = forVastString;
+  std::string cleaned;
+  std::size_t copied = 0;
+  for (TextMatch match = findAssignment(text, word, 0); match;
+       match = findAssignment(text, word, copied)) {
+    // Every line terminator is white space, so the shortest run always ends at the first of it.
+    std::size_t end = match.end;
+    while (end < text.size() && whiteSpaceAt(text, end) == 0) {
+      ++end;
+    }
+    if (end == text.size()) {
+      break;  // no white space in the rest of the text: nothing more can match
+    }
+    if (copied == 0) {
+      cleaned.reserve(text.size());
+    }
+    cleaned += text.substr(copied, match.begin - copied);
+    cleaned += word;
+    copied = end + whiteSpaceAt(text, end);
+  }
+  if (copied == 0) {
+    return forVastString;
+  }
+  cleaned += text.substr(copied);
+  return Text(std::move(cleaned));
+}
+
+Text TamzoVastAd::getSingleValueFromNode(const NodeList& nodes, const XPath& withKeyPath) {
+  const DDXMLElement match = nodes.firstMatch(withKeyPath);
+  return match ? match.stringValue() : Text::literal("");
+}
+
+NodeList TamzoVastAd::getArrayFromNode(const NodeList& nodes, const XPath& withKeyPath) {
+  return nodes.nodesUnderFirst(withKeyPath);
+}
+
+DDXMLElement TamzoVastAd::getNodeAsStringValue(const DDXMLElement& node,
+                                               std::string_view withKeyPath) {
+  return TamzoVastAdHelper::getFirstElement(node, withKeyPath);
+}
+
+Text TamzoVastAd::getVastTagURI(const NodeList& wrappers) {
+  return getSingleValueFromNode(wrappers, "VASTAdTagURI");
+}
+
+NodeList TamzoVastAd::getWrapperLinearNode(const NodeList& nodes) {
+  NodeList linears = nodes.nodesUnderFirst("Creatives/Creative/Linear");
+  return linears.empty() ? NodeList() : linears;
+}
+
+// A host may have taken the map away between two calls; the updaters write all the same.
+TrackerMap& TamzoVastAd::trackerMap() {
+  if (trackers() == nullptr) {
+    setTrackers(std::make_shared<TrackerMap>());
+  }
+  return *trackers();
+}
+
+}  // namespace tamzo

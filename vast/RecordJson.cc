@@ -1,0 +1,238 @@
+#include "vast/RecordJson.h"
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <variant>
+#include <vector>
+
+#include "vast/JsonWriter.h"
+
+namespace tamzo {
+namespace {
+
+// How each type that occurs in a record is written. A property of a new type needs one more
+// overload here, a property of a known one nothing at all.
+class RecordWriter {
+ public:
+  explicit RecordWriter(JsonLayout layout) : json_(layout == JsonLayout::indented) {}
+
+  void write(const TamzoVastAd& ad) {
+    json_.beginObject();
+#define TAMZO_PROPERTY(type, name, setter, when, initial) field(#name, ad.name());
+#include "vast/TamzoVastAdProperties.def"
+#undef TAMZO_PROPERTY
+    json_.endObject();
+  }
+
+  std::string take() { return json_.take(); }
+
+ private:
+  void write(const Text& text) { json_.value(text); }
+  void write(bool flag) { json_.value(flag); }
+  void write(std::int32_t number) { json_.value(number); }
+  void write(double number) { json_.value(number); }
+  void write(float number) { json_.value(number); }
+  void write(const MutableText& text) { json_.value(text.asText()); }
+
+  template <typename T>
+  void write(const std::optional<T>& value) {
+    if (value) {
+      write(*value);
+    } else {
+      json_.null();
+    }
+  }
+
+  template <typename T>
+  void field(std::string_view name, const T& value) {
+    json_.key(name);
+    write(value);
+  }
+
+  template <typename T>
+  void write(const std::vector<T>& entries) {
+    json_.beginArray();
+    for (const T& entry : entries) {
+      write(entry);
+    }
+    json_.endArray();
+  }
+
+  // Lists and records are held by shared handles, nil among them.
+  template <typename T>
+  void write(const std::shared_ptr<T>& shared) {
+    if (shared == nullptr) {
+      json_.null();
+    } else {
+      write(*shared);
+    }
+  }
+
+  void write(const TamzoAdDuration& duration) {
+    json_.beginObject();
+    field("text", duration.text());
+    json_.key("durationInSeconds");
+    json_.value(duration.durationInSeconds());
+    json_.endObject();
+  }
+
+  void write(const TamzoTrackerEvent& event) {
+    json_.beginObject();
+    field("url", event.url());
+    field("offset", event.offset());
+    json_.endObject();
+  }
+
+  void write(const TrackerMap& trackers) {
+    json_.beginObject();
+    for (const TrackerMap::Entry& entry : trackers) {
+      json_.key(entry.name.view());
+      write(entry.events);
+    }
+    json_.endObject();
+  }
+
+  void write(const TamzoMediaFile& file) {
+    json_.beginObject();
+    field("url", file.url);
+    field("id", file.id);
+    field("delivery", file.delivery);
+    field("type", file.type);
+    field("codec", file.codec);
+    field("apiFramework", file.apiFramework);
+    field("width", file.width);
+    field("height", file.height);
+    field("bitrate", file.bitrate);
+    field("minBitrate", file.minBitrate);
+    field("maxBitrate", file.maxBitrate);
+    field("fileSize", file.fileSize);
+    field("scalable", file.scalable);
+    field("maintainAspectRatio", file.maintainAspectRatio);
+    json_.endObject();
+  }
+
+  void write(const TamzoCompanion::StaticResource& resource) {
+    json_.beginObject();
+    field("creativeType", resource.creativeType);
+    field("url", resource.url);
+    json_.endObject();
+  }
+
+  void write(const TamzoCompanion& companion) {
+    json_.beginObject();
+    field("id", companion.id);
+    field("width", companion.width);
+    field("height", companion.height);
+    field("adSlotId", companion.adSlotId);
+    field("apiFramework", companion.apiFramework);
+    field("altText", companion.altText);
+    field("staticResources", companion.staticResources);
+    field("iframeResources", companion.iframeResources);
+    field("htmlResources", companion.htmlResources);
+    field("clickThrough", companion.clickThrough);
+    field("clickTracking", companion.clickTracking);
+    field("trackers", companion.trackers);
+    json_.endObject();
+  }
+
+  void write(const TamzoCompanionAd& ad) {
+    json_.beginObject();
+    field("companions", ad.companions());
+    json_.endObject();
+  }
+
+  void write(const TamzoMeasurementProviderModel::JavaScriptResource& resource) {
+    json_.beginObject();
+    field("url", resource.url);
+    field("apiFramework", resource.apiFramework);
+    field("browserOptional", resource.browserOptional);
+    json_.endObject();
+  }
+
+  void write(const TamzoMeasurementProviderModel::ExecutableResource& resource) {
+    json_.beginObject();
+    field("url", resource.url);
+    field("apiFramework", resource.apiFramework);
+    field("type", resource.type);
+    json_.endObject();
+  }
+
+  void write(const TamzoMeasurementProviderModel& provider) {
+    json_.beginObject();
+    field("vendor", provider.vendor());
+    field("javaScriptResources", provider.javaScriptResources());
+    field("executableResources", provider.executableResources());
+    field("verificationParameters", provider.verificationParameters());
+    field("trackers", provider.trackers());
+    json_.endObject();
+  }
+
+  void writeXmlOf(const DDXMLElement& node) {
+    json_.beginObject();
+    field("xml", node.XMLString());
+    json_.endObject();
+  }
+
+  void write(const TamzoCard& card) { writeXmlOf(card.node()); }
+  void write(const TamzoHotspot360Info& spot) { writeXmlOf(spot.node()); }
+
+  void write(const IconMap& icons) {
+    json_.beginObject();
+    for (const auto& [name, element] : icons) {
+      json_.key(name);
+      json_.beginObject();
+      field("xml", element.XMLString());
+      field("text", element.stringValue());
+      json_.endObject();
+    }
+    json_.endObject();
+  }
+
+  void write(const TamzoVpaidXML& vpaid) {
+    json_.beginObject();
+    field("vastVersion", vpaid.vastVersion());
+    json_.endObject();
+  }
+
+  void write(const TamzoExtraActions::JsonValue& value) {
+    json_.raw(value->dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+  }
+
+  void write(const DDXMLElement& icon) {
+    json_.beginObject();
+    json_.key("icon");
+    json_.beginObject();
+    field("program", icon.attributeValue("program"));
+    field("xml", icon.XMLString());
+    json_.endObject();
+    json_.endObject();
+  }
+
+  void write(const TamzoExtraActions& actions) {
+    if (actions.isNil()) {
+      json_.null();
+      return;
+    }
+    if (!actions.isList()) {
+      write(actions.value());
+      return;
+    }
+    json_.beginArray();
+    for (const TamzoExtraActions::Entry& entry : *actions.list()) {
+      std::visit([this](const auto& either) { write(either); }, entry);
+    }
+    json_.endArray();
+  }
+
+  JsonWriter json_;
+};
+
+}  // namespace
+
+std::string recordAsJson(const TamzoVastAd& ad, JsonLayout layout) {
+  RecordWriter writer(layout);
+  writer.write(ad);
+  return writer.take();
+}
+
+}  // namespace tamzo

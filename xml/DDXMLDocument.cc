@@ -1,0 +1,28 @@
+#include "xml/DDXMLDocument.h"
+
+#include <stdexcept>
+
+#include "xml/XmlParser.h"
+#include "xml/XmlTree.h"
+
+namespace tamzo {
+
+std::shared_ptr<DDXMLDocument> DDXMLDocument::initWithXMLString(const Text& text, unsigned options,
+                                                                XmlError* error) {
+  if (options != 0) {
+    throw std::invalid_argument("initWithXMLString: options are reserved");
+  }
+  auto tree = parseXml(text.view(), error);
+  return tree == nullptr ? nullptr
+                         : std::shared_ptr<DDXMLDocument>(new DDXMLDocument(std::move(tree)));
+}
+
+NodeList DDXMLDocument::nodesForXPath(const XPath& path, XmlError* error) const {
+  return DDXMLElement(tree_->documentNode(), tree_).nodesForXPath(path, error);
+}
+
+DDXMLElement DDXMLDocument::rootElement() const {
+  return {xmlDocGetRootElement(tree_->doc()), tree_};
+}
+
+}  // namespace tamzo

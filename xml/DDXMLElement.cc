@@ -1,0 +1,219 @@
+#include "xml/DDXMLElement.h"
+
+#include <libxml/tree.h>
+#include <libxml/xmlIO.h>
+#include <libxml/xmlsave.h>
+
+#include <new>
+#include <vector>
+
+#include "xml/NodeList.h"
+#include "xml/StringValue.h"
+#include "xml/XPathQuery.h"
+#include "xml/XmlTree.h"
+
+namespace tamzo {
+namespace {
+
+bool isNamed(const xmlNs* ns, const xmlChar* localName, std::string_view name) noexcept {
+  if (ns == nullptr || ns->prefix == nullptr) {
+    return std::string_view(asChars(localName)) == name;
+  }
+  const std::string_view prefix(asChars(ns->prefix));
+  return name.size() > prefix.size() && name.starts_with(prefix) && name[prefix.size()] == ':' &&
+         name.substr(prefix.size() + 1) == asChars(localName);
+}
+
+xmlAttr* findAttribute(const xmlNode* node, std::string_view name) noexcept {
+  if (node == nullptr || node->type != XML_ELEMENT_NODE) {
+    return nullptr;
+  }
+  for (xmlAttr* attribute = node->properties; attribute != nullptr; attribute = attribute->next) {
+    if (isNamed(attribute->ns, attribute->name, name)) {
+      return attribute;
+    }
+  }
+  return nullptr;
+}
+
+xmlNode* firstElementFrom(xmlNode* node) noexcept {
+  while (node != nullptr && node->type != XML_ELEMENT_NODE) {
+    node = node->next;
+  }
+  return node;
+}
+
+int appendTo(void* out, const char* bytes, int count) noexcept {
+  try {
+    static_cast<std::string*>(out)->append(bytes, static_cast<std::size_t>(count));
+    return count;
+  } catch (const std::bad_alloc&) {
+    return -1;
+  }
+}
+
+struct CloseOutput {
+  void operator()(xmlOutputBuffer* output) const noexcept { xmlOutputBufferClose(output); }
+};
+
+}  // namespace
+
+Text DDXMLElement::name() const {
+  if (node_ == nullptr || node_->name == nullptr) {
+    return {};
+  }
+  const bool mayHavePrefix = node_->type == XML_ELEMENT_NODE || node_->type == XML_ATTRIBUTE_NODE;
+  if (mayHavePrefix && node_->ns != nullptr && node_->ns->prefix != nullptr) {
+    return Text(std::string(asChars(node_->ns->prefix)) + ":" + asChars(node_->name));
+  }
+  return Text::sharing(asChars(node_->name), tree_);
+}
+
+Text DDXMLElement::stringValue() const {
+  return node_ == nullptr ? Text() : stringValueOf(node_, tree_);
+}
+
+DDXMLElement DDXMLElement::attributeForName(std::string_view name) const {
+  xmlAttr* attribute = findAttribute(node_, name);
+  // An attribute begins as every node does; libxml2 takes one for the other everywhere.
+  return attribute == nullptr ? DDXMLElement()
+                              : DDXMLElement(reinterpret_cast<xmlNode*>(attribute), tree_);
+}
+
+Text DDXMLElement::attributeValue(std::string_view name) const {
+  const xmlAttr* attribute = findAttribute(node_, name);
+  return attribute == nullptr ? Text()
+                              : stringValueOf(reinterpret_cast<const xmlNode*>(attribute), tree_);
+}
+
+namespace {
+
+Text serialize(xmlDoc* doc, xmlNode* node) {
+  std::string xml;
+  std::unique_ptr<xmlOutputBuffer, CloseOutput> output(
+      xmlOutputBufferCreateIO(appendTo, nullptr, &xml, nullptr));
+  if (output == nullptr) {
+    throw std::bad_alloc();
+  }
+  xmlNodeDumpOutput(output.get(), doc, node, 0, 0, "UTF-8");
+  xmlOutputBufferFlush(output.get());
+  const bool isWhole = output->error == 0;
+  output.reset();
+  if (!isWhole) {
+    throw std::bad_alloc();
+  }
+  return Text(std::move(xml));
+}
+
+struct FreeNode {
+  void operator()(xmlNode* node) const noexcept { xmlFreeNode(node); }
+};
+
+// Puts the text of every entity reference among the children of `parent` in its place. Recursion
+// is as deep as the tree.
+void expandEntities(xmlNode* parent, const std::shared_ptr<const XmlTree>& tree) {
+  for (xmlNode* child = parent->children; child != nullptr;) {
+    xmlNode* next = child->next;
+    if (child->type == XML_ELEMENT_NODE) {
+      for (xmlAttr* attribute = child->properties; attribute; attribute = attribute->next) {
+        expandEntities(reinterpret_cast<xmlNode*>(attribute), tree);
+      }
+      expandEntities(child, tree);
+    } else if (child->type == XML_ENTITY_REF_NODE) {
+      const std::string text(entityTextOf(child));
+      xmlNode* replacement =
+          xmlNewDocText(tree->doc(), reinterpret_cast<const xmlChar*>(text.c_str()));
+      if (replacement == nullptr) {
+        throw std::bad_alloc();
+      }
+      xmlReplaceNode(child, replacement);
+      xmlFreeNode(child);
+    }
+    child = next;
+  }
+}
+
+}  // namespace
+
+Text DDXMLElement::XMLString() const {
+  return node_ == nullptr ? Text() : serialize(tree_->doc(), node_);
+}
+
+Text DDXMLElement::XMLStringWithoutEntities() const {
+  if (node_ == nullptr || node_->type != XML_ELEMENT_NODE || tree_->doc()->intSubset == nullptr) {
+    return XMLString();
+  }
+  // The copy hangs below a node of its own, so that its own attributes are reached too.
+  const std::unique_ptr<xmlNode, FreeNode> holder(
+      xmlNewDocNode(tree_->doc(), nullptr, reinterpret_cast<const xmlChar*>("holder"), nullptr));
+  xmlNode* copy = xmlDocCopyNode(node_, tree_->doc(), 1);
+  if (holder == nullptr || copy == nullptr) {
+    xmlFreeNode(copy);
+    throw std::bad_alloc();
+  }
+  xmlAddChild(holder.get(), copy);
+  expandEntities(holder.get(), tree_);
+  return serialize(tree_->doc(), copy);
+}
+
+NodeList DDXMLElement::nodesForXPath(const XPath& path, XmlError* error) const {
+  if (node_ == nullptr) {
+    return {};
+  }
+  NodeList list(tree_);
+  if (path.isChildPath()) {
+    auto append = [&list](xmlNode* node) {
+      list.append(node);
+      return false;
+    };
+    walkChildPath(path.isAbsolute() ? tree_->documentNode() : node_, path.steps(), append);
+    return list;
+  }
+  std::vector<xmlNode*> found;
+  if (!evaluateXPath(*tree_, node_, path, found, error)) {
+    return {};
+  }
+  for (xmlNode* node : found) {
+    list.append(node);
+  }
+  return list;
+}
+
+DDXMLElement DDXMLElement::firstNodeForXPath(const XPath& path) const {
+  if (node_ == nullptr) {
+    return {};
+  }
+  if (!path.isChildPath()) {
+    const NodeList all = nodesForXPath(path);
+    return all.empty() ? DDXMLElement() : all.at(0);
+  }
+  xmlNode* first = nullptr;
+  auto keep = [&first](xmlNode* node) {
+    first = node;
+    return true;
+  };
+  walkChildPath(path.isAbsolute() ? tree_->documentNode() : node_, path.steps(), keep);
+  return first == nullptr ? DDXMLElement() : DDXMLElement(first, tree_);
+}
+
+DDXMLElement DDXMLElement::firstChildElement() const {
+  if (node_ == nullptr || node_->type != XML_ELEMENT_NODE) {
+    return {};
+  }
+  xmlNode* child = firstElementFrom(node_->children);
+  return child == nullptr ? DDXMLElement() : DDXMLElement(child, tree_);
+}
+
+DDXMLElement DDXMLElement::nextSiblingElement() const {
+  if (node_ == nullptr) {
+    return {};
+  }
+  xmlNode* sibling = firstElementFrom(node_->next);
+  return sibling == nullptr ? DDXMLElement() : DDXMLElement(sibling, tree_);
+}
+
+bool DDXMLElement::hasAttributes() const noexcept {
+  return node_ != nullptr && node_->type == XML_ELEMENT_NODE && node_->properties != nullptr;
+}
+
+}  // namespace tamzo

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace tamzo {
+
+/// An XPath 1.0 expression, told apart once: a path of plain child names ("Icons/Icon",
+/// "/VAST/Ad"), which is walked over the tree, or anything else, which libxml2 evaluates. For a
+/// literal the telling apart happens when the program is compiled.
+///
+/// Holds a view of the text it was made from, which must outlive it.
+class XPath {
+ public:
+  template <std::size_t N>
+  consteval XPath(const char (&literal)[N])  // NOLINT(google-explicit-constructor)
+      : XPath(std::string_view(literal, N - 1)) {}
+
+  explicit constexpr XPath(std::string_view text) noexcept : text_(text) {
+    isAbsolute_ = !text.empty() && text.front() == '/';
+    steps_ = isAbsolute_ ? text.substr(1) : text;
+    isChildPath_ = isPathOfNames(steps_);
+    firstStepHash_ = hashOfName(firstStep(steps_));
+  }
+
+  constexpr std::string_view text() const noexcept { return text_; }
+
+  /// True for names joined by "/", with or without a leading "/".
+  constexpr bool isChildPath() const noexcept { return isChildPath_; }
+  constexpr bool isAbsolute() const noexcept { return isAbsolute_; }
+  /// The path without a leading "/".
+  constexpr std::string_view steps() const noexcept { return steps_; }
+  /// `hashOfName` of the first step.
+  constexpr std::uint32_t firstStepHash() const noexcept { return firstStepHash_; }
+
+  static constexpr std::string_view firstStep(std::string_view steps) noexcept {
+    return steps.substr(0, steps.find('/'));
+  }
+
+  /// FNV-1a; good enough for buckets whose chains are never searched on insertion.
+  static constexpr std::uint32_t hashOfName(std::string_view name) noexcept {
+    std::uint32_t hash = 2166136261U;
+    for (const char c : name) {
+      hash = (hash ^ static_cast<std::uint8_t>(c)) * 16777619U;
+    }
+    return hash;
+  }
+
+ private:
+  // ASCII names only; a path with other letters is left to libxml2, which knows which are letters.
+  static constexpr bool startsName(char c) noexcept {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+  }
+  static constexpr bool continuesName(char c) noexcept {
+    return startsName(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+  }
+  static constexpr bool isPathOfNames(std::string_view steps) noexcept {
+    bool atStart = true;
+    for (const char c : steps) {
+      if (atStart ? !startsName(c) : (c != '/' && !continuesName(c))) {
+        return false;
+      }
+      atStart = !atStart && c == '/';
+    }
+    return !atStart;
+  }
+
+  std::string_view text_;
+  std::string_view steps_;
+  std::uint32_t firstStepHash_ = 0;
+  bool isAbsolute_ = false;
+  bool isChildPath_ = false;
+};
+
+}  // namespace tamzo

@@ -1,0 +1,273 @@
+#include "xml/XmlParser.h"
+
+#include <libxml/SAX2.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
+
+#include <climits>
+#include <cstring>
+#include <new>
+#include <string>
+#include <unordered_map>
+
+#include "xml/TagSize.h"
+#include "xml/XmlTree.h"
+
+namespace tamzo {
+namespace {
+
+// What libxml2 accepts is not always what it reads in time linear in its size. These bounds close
+// the gaps; no ad response comes near any of them.
+
+// libxml2 looks a prefix up in all the declarations in scope, one after another.
+constexpr int kMaxNamespacesInScope = 256;
+// Declarations in a DTD are chained in lists that are searched whenever one is added.
+constexpr int kMaxDeclarations = 256;
+// What all entity references of a document stand for together.
+constexpr std::size_t kMaxExpandedBytes = std::size_t{8} << 20U;
+// An entity that refers to an entity that refers to an entity …
+constexpr int kMaxEntityNesting = 40;
+
+/// Watches one parse and stops it where it leaves the bounds.
+class Guard {
+ public:
+  static Guard& of(void* context) noexcept {
+    return *static_cast<Guard*>(static_cast<xmlParserCtxt*>(context)->_private);
+  }
+
+  explicit Guard(xmlParserCtxt* parser) noexcept : parser_(parser) {}
+
+  void stop(const char* reason) {
+    if (reason_.empty()) {
+      reason_ = reason;
+    }
+    stopped_ = true;
+    xmlStopParser(parser_);
+  }
+
+  void failed(const xmlError* error) {
+    if (error->code == XML_ERR_NO_MEMORY) {
+      ranOutOfMemory_ = true;
+    }
+    // libxml2 would read on to the end to find more errors, at seconds a megabyte in places. One
+    // is enough.
+    if (error->level == XML_ERR_FATAL) {
+      if (reason_.empty() && error->message != nullptr) {
+        reason_ = "line " + std::to_string(error->line) + ": " + error->message;
+        while (!reason_.empty() && reason_.back() == '\n') {
+          reason_.pop_back();
+        }
+      }
+      stopped_ = true;
+      xmlStopParser(parser_);
+    }
+  }
+
+  void declared() {
+    if (++declarations_ > kMaxDeclarations) {
+      stop("too many declarations in the document type");
+    }
+  }
+
+  void referred(const xmlEntity* entity) {
+    expandedBytes_ += expandedSize(entity, 0);
+    if (expandedBytes_ > kMaxExpandedBytes) {
+      stop("entities stand for too much text");
+    }
+  }
+
+  void setRanOutOfMemory() noexcept { ranOutOfMemory_ = true; }
+  bool ranOutOfMemory() const noexcept { return ranOutOfMemory_; }
+  bool stopped() const noexcept { return stopped_; }
+  const std::string& reason() const noexcept { return reason_; }
+
+ private:
+  std::size_t expandedSize(const xmlEntity* entity, int nesting);
+
+  xmlParserCtxt* parser_;
+  std::string reason_;
+  std::unordered_map<const xmlEntity*, std::size_t> expandedSizes_;
+  std::size_t expandedBytes_ = 0;
+  int declarations_ = 0;
+  bool ranOutOfMemory_ = false;
+  bool stopped_ = false;
+};
+
+std::size_t Guard::expandedSize(const xmlEntity* entity, int nesting) {
+  if (entity->etype != XML_INTERNAL_GENERAL_ENTITY || entity->content == nullptr) {
+    return 0;
+  }
+  if (nesting > kMaxEntityNesting) {
+    return kMaxExpandedBytes + 1;
+  }
+  if (const auto known = expandedSizes_.find(entity); known != expandedSizes_.end()) {
+    return known->second;
+  }
+  const std::string_view content(asChars(entity->content));
+  std::size_t size = content.size();
+  for (std::size_t at = content.find('&');
+       at != std::string_view::npos && size <= kMaxExpandedBytes; at = content.find('&', at + 1)) {
+    const std::size_t end = content.find(';', at);
+    if (end == std::string_view::npos) {
+      break;
+    }
+    const std::string name(content.substr(at + 1, end - at - 1));
+    const auto* inner =
+        xmlGetDocEntity(parser_->myDoc, reinterpret_cast<const xmlChar*>(name.c_str()));
+    if (inner != nullptr) {
+      size += expandedSize(inner, nesting + 1);
+    }
+  }
+  expandedSizes_.emplace(entity, size);
+  return size;
+}
+
+// Callbacks stand between C frames of libxml2, which an exception must not cross. The only one
+// that can arise here is std::bad_alloc.
+template <typename Work>
+void guarded(void* context, Work work) noexcept {
+  try {
+    work(Guard::of(context));
+  } catch (...) {
+    Guard::of(context).setRanOutOfMemory();
+    xmlStopParser(static_cast<xmlParserCtxt*>(context));
+  }
+}
+
+void onError(void* context, xmlError* error) {
+  guarded(context, [&](Guard& guard) { guard.failed(error); });
+}
+
+void onStartElement(void* context, const xmlChar* localName, const xmlChar* prefix,
+                    const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
+                    int attributeCount, int defaultedCount, const xmlChar** attributes) {
+  xmlSAX2StartElementNs(context, localName, prefix, uri, namespaceCount, namespaces, attributeCount,
+                        defaultedCount, attributes);
+  // nsNr counts a prefix and an address for every declaration.
+  if (static_cast<xmlParserCtxt*>(context)->nsNr > 2 * kMaxNamespacesInScope) {
+    guarded(context, [](Guard& guard) { guard.stop("too many namespace declarations"); });
+  }
+}
+
+xmlEntity* onGetEntity(void* context, const xmlChar* name) {
+  xmlEntity* entity = xmlSAX2GetEntity(context, name);
+  if (entity != nullptr) {
+    guarded(context, [&](Guard& guard) { guard.referred(entity); });
+  }
+  return entity;
+}
+
+void onEntityDecl(void* context, const xmlChar* name, int type, const xmlChar* publicId,
+                  const xmlChar* systemId, xmlChar* content) {
+  if (type == XML_INTERNAL_PARAMETER_ENTITY || type == XML_EXTERNAL_PARAMETER_ENTITY) {
+    // A kilobyte of these keeps libxml2 busy for minutes.
+    guarded(context, [](Guard& guard) { guard.stop("a parameter entity"); });
+    return;
+  }
+  xmlSAX2EntityDecl(context, name, type, publicId, systemId, content);
+  guarded(context, [](Guard& guard) { guard.declared(); });
+}
+
+void onAttributeDecl(void* context, const xmlChar* element, const xmlChar* name, int type,
+                     int defaultKind, const xmlChar* defaultValue, xmlEnumeration* values) {
+  xmlSAX2AttributeDecl(context, element, name, type, defaultKind, defaultValue, values);
+  guarded(context, [&](Guard& guard) {
+    guard.declared();
+    if (defaultValue != nullptr) {
+      // Every element of that name would carry a copy of it.
+      guard.stop("an attribute with a default value");
+    }
+  });
+}
+
+void onElementDecl(void* context, const xmlChar* name, int type, xmlElementContent* content) {
+  xmlSAX2ElementDecl(context, name, type, content);
+  guarded(context, [](Guard& guard) { guard.declared(); });
+}
+
+void onNotationDecl(void* context, const xmlChar* name, const xmlChar* publicId,
+                    const xmlChar* systemId) {
+  xmlSAX2NotationDecl(context, name, publicId, systemId);
+  guarded(context, [](Guard& guard) { guard.declared(); });
+}
+
+void watch(xmlParserCtxt* parser, Guard& guard) noexcept {
+  parser->_private = &guard;
+  xmlSAXHandler& sax = *parser->sax;
+  sax.serror = onError;
+  sax.startElementNs = onStartElement;
+  sax.getEntity = onGetEntity;
+  sax.entityDecl = onEntityDecl;
+  sax.attributeDecl = onAttributeDecl;
+  sax.elementDecl = onElementDecl;
+  sax.notationDecl = onNotationDecl;
+}
+
+struct FreeParser {
+  void operator()(xmlParserCtxt* parser) const noexcept { xmlFreeParserCtxt(parser); }
+};
+struct FreeDoc {
+  void operator()(xmlDoc* doc) const noexcept { xmlFreeDoc(doc); }
+};
+
+void initLibraryOnce() {
+  static const bool done = [] {
+    xmlInitParser();
+    return true;
+  }();
+  static_cast<void>(done);
+}
+
+std::shared_ptr<const XmlTree> refuse(XmlError* error, std::string_view reason) {
+  if (error != nullptr) {
+    error->message = reason;
+  }
+  return nullptr;
+}
+
+// IGNORE_ENC: the text is UTF-8 whatever its declaration says. COMPACT: short texts need no
+// allocation of their own.
+constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING |
+                         XML_PARSE_COMPACT | XML_PARSE_IGNORE_ENC;
+
+}  // namespace
+
+std::shared_ptr<const XmlTree> parseXml(std::string_view text, XmlError* error) {
+  if (text.empty() || text.size() > static_cast<std::size_t>(INT_MAX)) {
+    return refuse(error, text.empty() ? "the text is empty" : "the text is too long");
+  }
+  // libxml2 takes NUL for the end of its input, and for UTF-16 when it stands at the start.
+  if (std::memchr(text.data(), '\0', text.size()) != nullptr) {
+    return refuse(error, "a NUL character");
+  }
+  if (hasOversizedTag(text)) {
+    return refuse(error, "an element with too many attributes");
+  }
+  initLibraryOnce();
+  xmlResetLastError();
+
+  const std::unique_ptr<xmlParserCtxt, FreeParser> parser(
+      xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())));
+  if (parser == nullptr) {
+    throw std::bad_alloc();
+  }
+  Guard guard(parser.get());
+  watch(parser.get(), guard);
+  xmlCtxtUseOptions(parser.get(), kOptions);
+  xmlParseDocument(parser.get());
+  std::unique_ptr<xmlDoc, FreeDoc> doc(parser->myDoc);
+  parser->myDoc = nullptr;
+
+  const xmlError* last = xmlGetLastError();
+  if (guard.ranOutOfMemory() || (last != nullptr && last->code == XML_ERR_NO_MEMORY)) {
+    throw std::bad_alloc();
+  }
+  if (doc == nullptr || parser->wellFormed == 0 || guard.stopped()) {
+    return refuse(error, guard.reason().empty() ? "no XML" : guard.reason());
+  }
+  auto tree = std::make_shared<const XmlTree>(doc.get());
+  static_cast<void>(doc.release());
+  return tree;
+}
+
+}  // namespace tamzo
