@@ -57,7 +57,7 @@ struct Tags {
 };
 
 Tags tagsOf(const DDXMLElement& element) {
-  const Text whole = element.XMLStringWithoutEntities();
+  const Text whole = element.XMLStringStandingAlone();
   const std::string_view xml = whole.view();
   std::string_view open = xml.substr(0, endOfStartTag(xml));
   const bool isEmptyTag = open.ends_with("/>");
@@ -115,7 +115,7 @@ class Writer {
   DDXMLElement extensions() const { return inline_.firstNodeForXPath("Extensions"); }
   DDXMLElement creatives() const { return inline_.firstNodeForXPath("Creatives"); }
 
-  void copy(const DDXMLElement& element) { out_ += element.XMLStringWithoutEntities().view(); }
+  void copy(const DDXMLElement& element) { out_ += element.XMLStringStandingAlone().view(); }
 
   void copyAll(const NodeList& elements) {
     for (const DDXMLElement& element : elements) {
@@ -262,53 +262,80 @@ class Writer {
   std::string out_;
 };
 
+// Follows markup from the front to the back and knows what each character is part of.
+class MarkupCursor {
+ public:
+  enum class Where { content, tag, quoted, cdata, comment };
+
+  Where where() const noexcept { return where_; }
+
+  /// Steps over the first character of `rest`.
+  void step(std::string_view rest) noexcept {
+    const char c = rest.front();
+    switch (where_) {
+      case Where::content:
+        if (c == '<') {
+          where_ = rest.starts_with("<![CDATA[") ? Where::cdata
+                   : rest.starts_with("<!--")    ? Where::comment
+                                                 : Where::tag;
+        }
+        break;
+      case Where::tag:
+        if (c == '"' || c == '\'') {
+          quote_ = c;
+          where_ = Where::quoted;
+        } else if (c == '>') {
+          where_ = Where::content;
+        }
+        break;
+      case Where::quoted:
+        where_ = c == quote_ ? Where::tag : Where::quoted;
+        break;
+      case Where::cdata:
+        where_ = rest.starts_with("]]>") ? Where::content : Where::cdata;
+        break;
+      case Where::comment:
+        where_ = rest.starts_with("-->") ? Where::content : Where::comment;
+        break;
+    }
+  }
+
+ private:
+  Where where_ = Where::content;
+  char quote_ = '\0';
+};
+
+// "=" in other words of the same meaning, so that no "xmlns" stands right before it.
+std::string_view disguisedEquals(MarkupCursor::Where where) noexcept {
+  switch (where) {
+    case MarkupCursor::Where::cdata:
+      return "]]><![CDATA[=";
+    case MarkupCursor::Where::content:
+    case MarkupCursor::Where::quoted:
+      return "&#61;";
+    case MarkupCursor::Where::tag:
+    case MarkupCursor::Where::comment:
+      break;
+  }
+  return " =";
+}
+
 // The parser collapses "xmlns=" in every response before it reads it. Written in other ways of the
 // same meaning, declarations and texts of the fetched documents come through unharmed.
 std::string withoutXmlnsAssignments(std::string xml) {
-  TextMatch match = findAssignment(xml, "xmlns", 0);
-  if (!match) {
-    return xml;
-  }
-  constexpr std::string_view kOpenCData = "<![CDATA[";
-  constexpr std::string_view kCloseCData = "]]>";
-  constexpr std::string_view kOpenComment = "<!--";
-  constexpr std::string_view kCloseComment = "-->";
   const std::string_view text = xml;
   std::string out;
-  enum class Where { content, tag, cdata, comment } where = Where::content;
-  char quote = '\0';
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const std::string_view rest = text.substr(at);
-    if (match && at + 1 == match.end) {
-      if (where == Where::cdata) {
-        out += "]]><![CDATA[=";
-      } else if (where == Where::comment || (where == Where::tag && quote == '\0')) {
-        out += " =";
-      } else {
-        out += "&#61;";
-      }
-      match = findAssignment(text, "xmlns", at + 1);
-      continue;
+  std::size_t at = 0;
+  MarkupCursor cursor;
+  while (const TextMatch match = findAssignment(text, "xmlns", at)) {
+    for (; at + 1 < match.end; ++at) {
+      cursor.step(text.substr(at));
+      out += text[at];
     }
-    out += text[at];
-    if (where == Where::content && rest.starts_with(kOpenCData)) {
-      where = Where::cdata;
-    } else if (where == Where::content && rest.starts_with(kOpenComment)) {
-      where = Where::comment;
-    } else if (where == Where::content && text[at] == '<') {
-      where = Where::tag;
-    } else if ((where == Where::cdata && rest.starts_with(kCloseCData)) ||
-               (where == Where::comment && rest.starts_with(kCloseComment))) {
-      where = Where::content;
-    } else if (where == Where::tag && quote != '\0') {
-      quote = text[at] == quote ? '\0' : quote;
-    } else if (where == Where::tag && (text[at] == '"' || text[at] == '\'')) {
-      quote = text[at];
-    } else if (where == Where::tag && text[at] == '>') {
-      where = Where::content;
-    }
+    out += disguisedEquals(cursor.where());
+    at = match.end;
   }
-  return out;
+  return at == 0 ? xml : out.append(text.substr(at));
 }
 
 }  // namespace

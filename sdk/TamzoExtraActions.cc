@@ -1,36 +1,82 @@
 #include "sdk/TamzoExtraActions.h"
 
+#include <mutex>
 #include <nlohmann/json.hpp>
 #include <utility>
 
 #include "sdk/JsonDepth.h"
 
 namespace tamzo {
+namespace {
+
+// Decoding costs many times what reading the text out of its document does.
+constexpr std::size_t kMaxJsonBytes = std::size_t{1} << 20U;
+
+}  // namespace
+
+struct TamzoExtraActions::Content {
+  Text json;
+  std::once_flag isDecoded;
+  List<Entry> list;
+  JsonValue value;
+
+  void decode();
+};
+
+void TamzoExtraActions::Content::decode() {
+  if (json.isNil() || json.view().size() > kMaxJsonBytes || !isShallowJson(json)) {
+    return;
+  }
+  nlohmann::json decoded = nlohmann::json::parse(json.view(), nullptr, /*allow_exceptions=*/false);
+  json = Text();
+  if (decoded.is_discarded()) {
+    return;
+  }
+  if (!decoded.is_array()) {
+    value = std::make_shared<const nlohmann::json>(std::move(decoded));
+    return;
+  }
+  auto entries = makeList<Entry>();
+  entries->reserve(decoded.size());
+  for (nlohmann::json& entry : decoded) {
+    entries->emplace_back(std::make_shared<const nlohmann::json>(std::move(entry)));
+  }
+  list = std::move(entries);
+}
+
 TamzoExtraActions TamzoExtraActions::makeEmptyList() {
   TamzoExtraActions actions;
-  actions.list_ = makeList<Entry>();
+  actions.content_ = std::make_shared<Content>();
+  actions.content_->list = makeList<Entry>();
   return actions;
 }
 
-TamzoExtraActions TamzoExtraActions::fromJson(std::string_view text) {
-  if (!isShallowJson(text)) {
-    return {};
-  }
-  nlohmann::json decoded = nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
-  if (decoded.is_discarded()) {
-    return {};
-  }
+TamzoExtraActions TamzoExtraActions::fromJson(Text text) {
   TamzoExtraActions actions;
-  if (!decoded.is_array()) {
-    actions.value_ = std::make_shared<const nlohmann::json>(std::move(decoded));
-    return actions;
-  }
-  actions.list_ = makeList<Entry>();
-  actions.list_->reserve(decoded.size());
-  for (nlohmann::json& entry : decoded) {
-    actions.list_->emplace_back(std::make_shared<const nlohmann::json>(std::move(entry)));
-  }
+  actions.content_ = std::make_shared<Content>();
+  actions.content_->json = std::move(text);
   return actions;
+}
+
+const TamzoExtraActions::Content* TamzoExtraActions::decoded() const {
+  if (content_ != nullptr) {
+    std::call_once(content_->isDecoded, [this] { content_->decode(); });
+  }
+  return content_.get();
+}
+
+bool TamzoExtraActions::isNil() const { return list() == nullptr && value() == nullptr; }
+
+const List<TamzoExtraActions::Entry>& TamzoExtraActions::list() const {
+  static const List<Entry> none;
+  const Content* content = decoded();
+  return content == nullptr ? none : content->list;
+}
+
+const TamzoExtraActions::JsonValue& TamzoExtraActions::value() const {
+  static const JsonValue none;
+  const Content* content = decoded();
+  return content == nullptr ? none : content->value;
 }
 
 }  // namespace tamzo

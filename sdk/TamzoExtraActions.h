@@ -2,18 +2,18 @@
 
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
-#include <string_view>
 #include <variant>
 
 #include "sdk/List.h"
 #include "xml/DDXMLElement.h"
 #include "xml/Export.h"
+#include "xml/Text.h"
 
 namespace tamzo {
 
 /// The extra actions of an ad: nil, a list whose entries are Icon elements and decoded JSON values
 /// side by side, or, where the ad server sent JSON that is no list, that one value. A shared
-/// handle: copies see the same list.
+/// handle: copies see the same list. Reading one from several threads is safe.
 class TAMZO_EXPORT TamzoExtraActions {
  public:
   using JsonValue = std::shared_ptr<const nlohmann::json>;
@@ -24,21 +24,24 @@ class TAMZO_EXPORT TamzoExtraActions {
 
   static TamzoExtraActions makeEmptyList();
 
-  /// Decodes JSON, top-level scalars allowed. Nil when the text is malformed; nesting deeper than
-  /// 512 counts as malformed.
-  static TamzoExtraActions fromJson(std::string_view text);
+  /// What a JSON text holds, top-level scalars allowed. Nil when the text is malformed; nesting
+  /// deeper than 512 and more than a megabyte count as malformed. The text is decoded when it is
+  /// first asked for: a vendor block may overwrite it before.
+  static TamzoExtraActions fromJson(Text text);
 
-  bool isNil() const noexcept { return list_ == nullptr && value_ == nullptr; }
-  bool isList() const noexcept { return list_ != nullptr; }
+  bool isNil() const;
+  bool isList() const { return list() != nullptr; }
 
   /// The entries; null unless this is a list.
-  const List<Entry>& list() const noexcept { return list_; }
+  const List<Entry>& list() const;
   /// The decoded value; null unless this is JSON that is no list.
-  const JsonValue& value() const noexcept { return value_; }
+  const JsonValue& value() const;
 
  private:
-  List<Entry> list_;
-  JsonValue value_;
+  struct Content;
+  const Content* decoded() const;
+
+  std::shared_ptr<Content> content_;
 };
 
 }  // namespace tamzo

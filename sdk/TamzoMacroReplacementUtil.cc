@@ -1,7 +1,9 @@
 #include "sdk/TamzoMacroReplacementUtil.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <array>
-#include <cstdio>
 #include <ctime>
 #include <optional>
 #include <random>
@@ -80,9 +82,8 @@ std::string timestamp(const Hooks& hooks) {
   std::tm utc{};
   gmtime_r(&seconds, &utc);
   std::array<char, 64> text{};
-  const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &utc);
-  std::snprintf(text.data() + length, text.size() - length, ".%03d+00:00", millis);
-  return encodeUriComponent(text.data());
+  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &utc);
+  return encodeUriComponent(fmt::format("{}.{:03}+00:00", text.data(), millis));
 }
 
 // Eight digits.

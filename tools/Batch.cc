@@ -109,8 +109,11 @@ bool isBlank(std::string_view line) {
 }
 
 Source sourceOfLines() {
+  std::ios::sync_with_stdio(false);
   auto number = std::make_shared<std::size_t>(0);
-  return [number]() -> std::optional<Work> {
+  std::optional<Work> failure =
+      Work([] { return refuse(nullptr, "standard input cannot be read"); });
+  return [number, failure]() mutable -> std::optional<Work> {
     std::string line;
     while (std::getline(std::cin, line)) {
       if (++*number == 1) {
@@ -126,7 +129,8 @@ Source sourceOfLines() {
         };
       }
     }
-    return std::nullopt;
+    // A read error ends the stream as its end does, but is no end to keep quiet about.
+    return std::cin.bad() ? std::exchange(failure, std::nullopt) : std::nullopt;
   };
 }
 
@@ -134,7 +138,8 @@ Source sourceOfLines() {
 /// pieces a thread are under way at once, so a long stream takes no more memory than a short one.
 class OrderedWork {
  public:
-  OrderedWork(Source source, unsigned threads) : source_(std::move(source)), window_(threads * 4) {
+  OrderedWork(Source source, unsigned threads)
+      : source_(std::move(source)), window_(std::size_t{threads} * 4) {
     reader_ = std::thread([this] { read(); });
     for (unsigned i = 0; i < threads; ++i) {
       workers_.emplace_back([this] { work(); });

@@ -79,6 +79,9 @@ void CommonOptions::addTo(CLI::App& command) {
 }
 
 void CommonOptions::apply() const {
+  if (outputPath_ && outputPath_->empty()) {
+    throw CommandError("-o takes the name of a file");
+  }
   requireUtf8("--blocked-categories", blockedCategories_);
   requireUtf8("--session-id", sessionId_);
   TamzoUrlReader::Limits limits;

@@ -14,10 +14,11 @@ class CommonOptions {
   /// Sets the SDK's state, log and fetch limits from them. Throws CommandError for a bad value.
   void apply() const;
 
-  const std::string& outputPath() const noexcept { return outputPath_; }
+  /// "" for standard output.
+  std::string outputPath() const { return outputPath_.value_or(""); }
 
  private:
-  std::string outputPath_;
+  std::optional<std::string> outputPath_;
   std::optional<std::string> blockedCategories_;
   std::optional<std::string> sessionId_;
   std::optional<std::string> timeout_;

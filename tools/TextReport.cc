@@ -17,7 +17,7 @@ namespace {
 
 // A longer cell is written whole, but does not widen its column.
 constexpr std::size_t kWidestColumn = 48;
-constexpr std::size_t kLabelWidth = 20;
+constexpr std::size_t kLabelWidth = 23;
 
 using Row = std::vector<std::string>;
 

@@ -3,11 +3,14 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <exception>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
 #include "sdk/TamzoAssetsManager.h"
+#include "sdk/Utf8.h"
 #include "tools/Batch.h"
 #include "tools/CommandError.h"
 #include "tools/CommonOptions.h"
@@ -24,7 +27,13 @@ constexpr unsigned kMostThreads = 256;
 
 // A text that begins with "http" is the parser's to fetch; anything else names a file.
 Text responseOf(const std::string& input) {
-  return input.starts_with("http") ? Text(input) : Text(readInput(input));
+  if (!input.starts_with("http")) {
+    return Text(readInput(input));
+  }
+  if (!isUtf8(input)) {
+    throw CommandError(input + ": is not UTF-8 text");
+  }
+  return Text(input);
 }
 
 std::shared_ptr<TamzoVastAd> parseInput(const std::string& input) {
@@ -112,7 +121,7 @@ struct Page {
 struct BatchCommand {
   CommonOptions common;
   std::vector<std::string> paths;
-  std::string threads;
+  std::optional<std::string> threads;
 
   void addTo(CLI::App& app) {
     CLI::App* command =
@@ -135,20 +144,50 @@ struct BatchCommand {
 
  private:
   unsigned threadCount() const {
-    if (threads.empty()) {
+    if (!threads) {
       return std::max(1U, std::thread::hardware_concurrency());
     }
     unsigned count = 0;
-    const char* end = threads.data() + threads.size();
-    const auto [parsed, error] = std::from_chars(threads.data(), end, count);
+    const char* end = threads->data() + threads->size();
+    const auto [parsed, error] = std::from_chars(threads->data(), end, count);
     if (error != std::errc() || parsed != end || count == 0 || count > kMostThreads) {
-      throw CommandError("-j takes a whole number from 1 to 256, not \"" + threads + "\"");
+      throw CommandError("-j takes a whole number from 1 to 256, not \"" + *threads + "\"");
     }
     return count;
   }
 };
 
+// What CLI11 would pass over or say in words that do not name the culprit.
+void checkArguments(int argc, char** argv) {
+  if (argc > 1 && *argv[1] != '-') {
+    const std::string_view name = argv[1];
+    if (name != "parse" && name != "page" && name != "batch") {
+      throw CommandError("there is no command \"" + std::string(name) +
+                         "\"; take parse, page or batch");
+    }
+  }
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    if (argument.starts_with("--") && argument.ends_with("=")) {
+      throw CommandError(std::string(argument.substr(0, argument.size() - 1)) + " takes a value");
+    }
+  }
+}
+
+// Names the first argument that nothing took.
+void refuseExtras(const std::vector<std::string>& extras) {
+  for (const std::string& extra : extras) {
+    if (extra.starts_with("-") && extra != "-") {
+      throw CommandError("unknown option " + extra + " (see tamzo-vast --help)");
+    }
+  }
+  if (!extras.empty()) {
+    throw CommandError("one input at a time: \"" + extras.front() + "\" is one too many");
+  }
+}
+
 int runCommand(int argc, char** argv) {
+  checkArguments(argc, argv);
   CLI::App app("What the SDK's VAST parser makes of an ad server's response.", "tamzo-vast");
   app.require_subcommand(1);
   app.set_version_flag("--version", kVersion);
@@ -161,6 +200,7 @@ int runCommand(int argc, char** argv) {
   batch.addTo(app);
   for (CLI::App* command : app.get_subcommands({})) {
     command->set_version_flag("--version", kVersion);
+    command->allow_extras();
   }
   try {
     app.parse(argc, argv);
@@ -169,6 +209,7 @@ int runCommand(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     throw CommandError(std::string(error.what()) + " (see tamzo-vast --help)");
   }
+  refuseExtras(app.remaining(true));
   if (app.got_subcommand("parse")) {
     return parse.run();
   }

@@ -53,7 +53,8 @@ std::shared_ptr<TamzoVastAd> TamzoVastAd::initWithVast(const Text& vast) {
 }
 
 void TamzoVastAd::parseVast(const Text& vast) {
-  const Text response = vast;  // a copy: `vast` may be one of the properties that are reset
+  // A copy: `vast` may be one of the properties that are reset.
+  const Text response = vast;  // NOLINT(performance-unnecessary-copy-initialization)
 #define TAMZO_PROPERTY(type, name, setter, when, initial) \
   if constexpr (From::when == From::parse) setter(initial);
 #include "vast/TamzoVastAdProperties.def"

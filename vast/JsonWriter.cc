@@ -78,6 +78,8 @@ void JsonWriter::floating(Float number) {
     value(std::string_view("nan"));
   } else if (std::isinf(number)) {
     value(std::string_view(number > 0 ? "inf" : "-inf"));
+  } else if (number == 0 && std::signbit(number)) {
+    raw("-0.0");  // many readers take "-0" for an integer, which has no negative zero
   } else {
     raw(fmt::format("{}", number));
   }

@@ -139,10 +139,11 @@ Text DDXMLElement::XMLString() const {
   return node_ == nullptr ? Text() : serialize(tree_->doc(), node_);
 }
 
-Text DDXMLElement::XMLStringWithoutEntities() const {
-  if (node_ == nullptr || node_->type != XML_ELEMENT_NODE || tree_->doc()->intSubset == nullptr) {
+Text DDXMLElement::XMLStringStandingAlone() const {
+  if (node_ == nullptr || node_->type != XML_ELEMENT_NODE) {
     return XMLString();
   }
+  // A copy brings the declarations of its prefixes with it.
   // The copy hangs below a node of its own, so that its own attributes are reached too.
   const std::unique_ptr<xmlNode, FreeNode> holder(
       xmlNewDocNode(tree_->doc(), nullptr, reinterpret_cast<const xmlChar*>("holder"), nullptr));

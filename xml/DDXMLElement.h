@@ -53,9 +53,9 @@ class TAMZO_EXPORT DDXMLElement {
   /// written as references.
   Text XMLString() const;
 
-  /// As XMLString, with every entity reference replaced by the text that it stands for, so that
-  /// the markup can be read without this document's declarations.
-  Text XMLStringWithoutEntities() const;
+  /// As XMLString, but able to stand alone: every namespace prefix in it is declared, and what an
+  /// entity reference stands for is written in its place.
+  Text XMLStringStandingAlone() const;
 
   /// The nodes that an XPath 1.0 expression finds from this node, in document order: an empty list
   /// when it finds none, a nil list when the expression is malformed or gives no nodes (a number,

@@ -21,6 +21,8 @@ namespace {
 
 // libxml2 looks a prefix up in all the declarations in scope, one after another.
 constexpr int kMaxNamespacesInScope = 256;
+// Names are kept in a dictionary that stops growing; past this it is searched ever more slowly.
+constexpr int kMaxNames = 16'384;
 // Declarations in a DTD are chained in lists that are searched whenever one is added.
 constexpr int kMaxDeclarations = 256;
 // What all entity references of a document stand for together.
@@ -138,15 +140,27 @@ void onError(void* context, xmlError* error) {
   guarded(context, [&](Guard& guard) { guard.failed(error); });
 }
 
+void checkNames(void* context) {
+  if (xmlDictSize(static_cast<xmlParserCtxt*>(context)->dict) > kMaxNames) {
+    guarded(context, [](Guard& guard) { guard.stop("too many different names"); });
+  }
+}
+
 void onStartElement(void* context, const xmlChar* localName, const xmlChar* prefix,
                     const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
                     int attributeCount, int defaultedCount, const xmlChar** attributes) {
   xmlSAX2StartElementNs(context, localName, prefix, uri, namespaceCount, namespaces, attributeCount,
                         defaultedCount, attributes);
+  checkNames(context);
   // nsNr counts a prefix and an address for every declaration.
   if (static_cast<xmlParserCtxt*>(context)->nsNr > 2 * kMaxNamespacesInScope) {
     guarded(context, [](Guard& guard) { guard.stop("too many namespace declarations"); });
   }
+}
+
+void onProcessingInstruction(void* context, const xmlChar* target, const xmlChar* data) {
+  xmlSAX2ProcessingInstruction(context, target, data);
+  checkNames(context);
 }
 
 xmlEntity* onGetEntity(void* context, const xmlChar* name) {
@@ -196,6 +210,7 @@ void watch(xmlParserCtxt* parser, Guard& guard) noexcept {
   xmlSAXHandler& sax = *parser->sax;
   sax.serror = onError;
   sax.startElementNs = onStartElement;
+  sax.processingInstruction = onProcessingInstruction;
   sax.getEntity = onGetEntity;
   sax.entityDecl = onEntityDecl;
   sax.attributeDecl = onAttributeDecl;

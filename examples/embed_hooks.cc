@@ -1,0 +1,119 @@
+// How an app puts its own pieces in place of the SDK's defaults: what reads URLs, where log lines
+// go, which categories are blocked, the session, the clock of macros, and the page template.
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "examples/expect.h"
+#include "sdk/TamzoAssetsManager.h"
+#include "sdk/TamzoLogger.h"
+#include "sdk/TamzoMacroReplacementUtil.h"
+#include "sdk/TamzoState.h"
+#include "sdk/TamzoUrlReader.h"
+#include "vast/TamzoVastAd.h"
+
+namespace {
+
+// A table stands in for the platform's HTTP client here.
+using Bodies = std::map<std::string, std::string, std::less<>>;
+
+void readUrlsWith(Bodies bodies) {
+  tamzo::TamzoUrlReader::setReader(
+      [bodies = std::move(bodies)](const tamzo::Text& url) -> std::optional<std::string> {
+        const auto found = bodies.find(url.view());
+        if (found == bodies.end()) {
+          return std::nullopt;  // a failed read: the ad ends with error 301
+        }
+        return found->second;
+      });
+}
+
+class LogLines {
+ public:
+  void add(std::string_view line) {
+    const std::lock_guard lock(mutex_);  // lines may come from several threads at once
+    lines_.emplace_back(line);
+  }
+  std::size_t count() const {
+    const std::lock_guard lock(mutex_);
+    return lines_.size();
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::vector<std::string> lines_;
+};
+
+void logTo(LogLines& lines) {
+  tamzo::TamzoLogger::setSink([&lines](std::string_view line) { lines.add(line); });
+  tamzo::isTamzoDebugEnabled = true;
+}
+
+void setState() {
+  tamzo::TamzoState::Source source;
+  source.blockedAdCategories = [] { return tamzo::Text::literal("IAB7-39,IAB25-3"); };
+  source.sessionId = [] { return tamzo::Text::literal("session-42"); };
+  tamzo::TamzoState::setSource(std::move(source));
+}
+
+void fixMacros() {
+  tamzo::TamzoMacroReplacementUtil::Hooks hooks;
+  hooks.now = [] { return std::chrono::system_clock::time_point(std::chrono::seconds(0)); };
+  hooks.random = [](std::uint32_t bound) { return bound / 2; };
+  tamzo::TamzoMacroReplacementUtil::setHooks(std::move(hooks));
+}
+
+void useOwnTemplate() {
+  tamzo::TamzoAssetsManager::setVpaidWrapperSource(
+      [] { return tamzo::Text::literal("<p>session [{{VAST_TAG}}] url {{IS_TAG_A_URL}}</p>"); });
+}
+
+// What was set refers to objects of this program, so it is taken back before they go.
+void takeHooksBack() {
+  tamzo::isTamzoDebugEnabled = false;
+  tamzo::TamzoUrlReader::setReader({});
+  tamzo::TamzoLogger::setSink({});
+  tamzo::TamzoState::setSource({});
+  tamzo::TamzoMacroReplacementUtil::setHooks({});
+  tamzo::TamzoAssetsManager::setVpaidWrapperSource({});
+}
+
+const char* const kWrapper = R"(<VAST version="4.2"><Ad id="w"><Wrapper>
+  <VASTAdTagURI>https://ads.example/next?t=[TIMESTAMP]&amp;s=[TAMZO_SESSION_ID]</VASTAdTagURI>
+</Wrapper></Ad></VAST>)";
+
+const char* const kGamblingAd = R"(<VAST version="4.2"><Ad><InLine>
+  <Category authority="iabtechlab.com">IAB7-39</Category>
+</InLine></Ad></VAST>)";
+
+}  // namespace
+
+int main() {
+  const std::string next =
+      "https://ads.example/next?t=1970-01-01T00%3A00%3A00.000%2B00%3A00&s=%5BTAMZO_SESSION_ID%5D";
+  LogLines lines;
+  readUrlsWith({{next, kGamblingAd}});
+  logTo(lines);
+  setState();
+  fixMacros();
+  useOwnTemplate();
+
+  const auto blocked = tamzo::TamzoVastAd::initWithVast(kWrapper);
+  expect(blocked->errorCode() == tamzo::kCategoryBlocked, "the Wrapper's ad was read and blocked");
+  expect(lines.count() > 0, "the sink was given lines");
+
+  const auto page = blocked->getVideoWAPView();
+  expect(page.view().find("&s=session-42]") != std::string_view::npos, "the session is filled in");
+  expect(page.view().find("url true") != std::string_view::npos, "the tag is a URL");
+
+  readUrlsWith({});
+  const auto unread = tamzo::TamzoVastAd::initWithVast(kWrapper);
+  expect(unread->errorCode() == tamzo::kEmptyContent, "a read that fails ends with 301");
+  takeHooksBack();
+}

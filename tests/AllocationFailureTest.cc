@@ -1,0 +1,307 @@
+// Memory that runs out at one point of a parse, for every point there is: in C++ and in libxml2.
+//
+// An executable of its own, since it replaces the global operator new, and since libxml2 takes
+// other allocation functions only before its first call.
+
+#include <execinfo.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <libxml/parser.h>
+#include <libxml/xmlmemory.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <new>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "sdk/TamzoAssetsManager.h"
+#include "sdk/TamzoLogger.h"
+#include "sdk/TamzoMacroReplacementUtil.h"
+#include "sdk/TamzoUrlReader.h"
+#include "vast/RecordJson.h"
+#include "vast/TamzoVastAd.h"
+
+namespace {
+
+/// Counts allocations while it is armed, and makes one of them, or it and all that follow, fail.
+struct Injector {
+  bool isArmed = false;
+  bool forGood = false;
+  long count = 0;
+  long failing = 0;
+  bool hasFailed = false;
+  std::array<void*, 48> stack{};
+  int depth = 0;
+
+  bool failsNow() noexcept {
+    if (!isArmed) {
+      return false;
+    }
+    ++count;
+    if (count != failing && !(forGood && count > failing)) {
+      return false;
+    }
+    if (!hasFailed) {
+      hasFailed = true;
+      isArmed = false;  // finding the stack may allocate
+      depth = backtrace(stack.data(), static_cast<int>(stack.size()));
+      isArmed = true;
+    }
+    return true;
+  }
+};
+Injector cpp;
+Injector libxml;
+
+void* allocate(std::size_t size) noexcept {
+  return cpp.failsNow() ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
+void* xmlMalloc_(std::size_t size) { return libxml.failsNow() ? nullptr : std::malloc(size); }
+void* xmlRealloc_(void* block, std::size_t size) {
+  return libxml.failsNow() ? nullptr : std::realloc(block, size);
+}
+char* xmlStrdup_(const char* text) { return libxml.failsNow() ? nullptr : ::strdup(text); }
+
+}  // namespace
+
+// Inlined, g++ would take the pairs of them for mismatched ones.
+#define REPLACED __attribute__((noinline))
+
+REPLACED void* operator new(std::size_t size) {
+  if (void* block = allocate(size)) {
+    return block;
+  }
+  throw std::bad_alloc();
+}
+REPLACED void* operator new[](std::size_t size) { return operator new(size); }
+REPLACED void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return allocate(size);
+}
+REPLACED void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return allocate(size);
+}
+REPLACED void operator delete(void* block) noexcept { std::free(block); }
+REPLACED void operator delete[](void* block) noexcept { std::free(block); }
+REPLACED void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+REPLACED void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+REPLACED void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
+REPLACED void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
+
+#undef REPLACED
+
+namespace tamzo::testing {
+namespace {
+
+std::string seed(const std::string& name) {
+  std::ifstream file(std::filesystem::path(TAMZO_FUZZ_SEEDS) / name, std::ios::binary);
+  EXPECT_TRUE(file) << name;
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+std::string stackOf(const Injector& injector) {
+  std::string text;
+  char** symbols = backtrace_symbols(injector.stack.data(), injector.depth);
+  for (int i = 0; symbols != nullptr && i < injector.depth; ++i) {
+    text += std::string("  ") + symbols[i] + "\n";
+  }
+  std::free(symbols);
+  return text;
+}
+
+/// Keeps what is written to standard error while it lives.
+class StandardError {
+ public:
+  StandardError() : file_(std::tmpfile()), saved_(dup(STDERR_FILENO)) {
+    std::fflush(stderr);
+    dup2(fileno(file_), STDERR_FILENO);
+    current = this;
+    previous_ = std::set_terminate([] {
+      // Shows which allocation it was, where it can be seen.
+      cpp.isArmed = libxml.isArmed = false;
+      current->restore();
+      const Injector& injector = cpp.hasFailed ? cpp : libxml;
+      std::fprintf(stderr, "the failure of allocation %ld ended the program:\n%s", injector.failing,
+                   stackOf(injector).c_str());
+      std::abort();
+    });
+  }
+  StandardError(const StandardError&) = delete;
+  StandardError& operator=(const StandardError&) = delete;
+  ~StandardError() {
+    std::set_terminate(previous_);
+    restore();
+    std::fclose(file_);
+  }
+
+  std::string take() {
+    restore();
+    std::string text;
+    std::rewind(file_);
+    for (int c = std::fgetc(file_); c != EOF; c = std::fgetc(file_)) {
+      text += static_cast<char>(c);
+    }
+    return text;
+  }
+
+ private:
+  void restore() {
+    if (saved_ >= 0) {
+      std::fflush(stderr);
+      dup2(saved_, STDERR_FILENO);
+      close(saved_);
+      saved_ = -1;
+    }
+  }
+
+  static inline StandardError* current = nullptr;
+
+  std::FILE* file_;
+  int saved_;
+  std::terminate_handler previous_ = nullptr;
+};
+
+struct Case {
+  const char* name;
+  const char* seed;
+  bool isLogged;
+};
+
+void PrintTo(const Case& each, std::ostream* out) { *out << each.name; }
+
+class AllocationFailure : public ::testing::TestWithParam<Case> {
+ protected:
+  AllocationFailure() {
+    std::string all = seed(GetParam().seed);
+    for (std::size_t end = all.find('\f'); end != std::string::npos; end = all.find('\f')) {
+      documents_.push_back(all.substr(0, end));
+      all.erase(0, end + 1);
+    }
+    documents_.push_back(all);
+    TamzoUrlReader::setReader([this](const Text&) {
+      ++fetches_;
+      return fetches_ < documents_.size() ? std::optional<std::string>(documents_[fetches_])
+                                          : std::nullopt;
+    });
+    TamzoLogger::setSink([](std::string_view) {});
+    isTamzoDebugEnabled = GetParam().isLogged;
+    response_ = Text(documents_[0]);
+    // Once undisturbed, for the record to compare with and for what is set up at first use.
+    const auto ad = TamzoVastAd::initWithVast(response_);
+    whole_ = recordAsJson(*ad);
+    wholeCode_ = ad->errorCode();
+  }
+  ~AllocationFailure() override {
+    isTamzoDebugEnabled = false;
+    TamzoLogger::setSink({});
+    TamzoUrlReader::setReader({});
+  }
+
+  /// One parse with `injector` armed. What came of it, where it is none of what it may be.
+  std::string parseWith(Injector& injector) {
+    fetches_ = 0;
+    std::shared_ptr<TamzoVastAd> ad;
+    std::string escaped;
+    injector.isArmed = true;
+    try {
+      ad = TamzoVastAd::initWithVast(response_);
+    } catch (const std::exception& exception) {
+      injector.isArmed = false;
+      escaped = std::string("an exception escaped: ") + exception.what();
+    }
+    injector.isArmed = false;
+    if (!escaped.empty() || ad == nullptr || ad->errorCode() == kException) {
+      if (ad != nullptr) {
+        static_cast<void>(recordAsJson(*ad));
+      }
+      return escaped;
+    }
+    if (ad->errorCode() != wholeCode_) {
+      return "error " + std::to_string(ad->errorCode());
+    }
+    const std::string record = recordAsJson(*ad);
+    return record == whole_ ? "" : "another record:\n" + record + "\ninstead of\n" + whole_;
+  }
+
+  /// Fails each allocation of a parse in turn.
+  void failEach(Injector& injector, bool forGood) {
+    StandardError output;
+    std::string report;
+    std::size_t wrong = 0;
+    long failing = 1;
+    for (;; ++failing) {
+      injector = Injector();
+      injector.failing = failing;
+      injector.forGood = forGood;
+      const std::string outcome = parseWith(injector);
+      if (!injector.hasFailed) {
+        EXPECT_EQ(outcome, "") << "with no failure at all";
+        break;
+      }
+      if (!outcome.empty() && ++wrong <= kMostReported) {
+        report += "allocation " + std::to_string(failing) + ": " + outcome + "\n" +
+                  stackOf(injector) + "\n";
+      }
+    }
+    const std::string written = output.take();
+    EXPECT_EQ(wrong, 0U) << "of " << failing - 1 << " points\n" << report;
+    EXPECT_EQ(written, "");
+    EXPECT_GT(failing, 20) << "hardly anything was allocated: is the injector in place?";
+    RecordProperty("points", std::to_string(failing - 1));
+  }
+
+ private:
+  static constexpr std::size_t kMostReported = 5;
+
+  std::vector<std::string> documents_;
+  std::size_t fetches_ = 0;
+  Text response_;
+  std::string whole_;
+  int wholeCode_ = 0;
+};
+
+TEST_P(AllocationFailure, OfCpp) { failEach(cpp, false); }
+TEST_P(AllocationFailure, OfCppForGood) { failEach(cpp, true); }
+TEST_P(AllocationFailure, OfLibxml2) { failEach(libxml, false); }
+TEST_P(AllocationFailure, OfLibxml2ForGood) { failEach(libxml, true); }
+
+std::string nameOf(const ::testing::TestParamInfo<Case>& info) { return info.param.name; }
+
+INSTANTIATE_TEST_SUITE_P(
+    Responses, AllocationFailure,
+    ::testing::Values(Case{"Everything2", "response/everything-v2.xml", false},
+                      Case{"Everything3", "response/everything-v3.xml", false},
+                      Case{"Everything4", "response/everything-v4.xml", false},
+                      Case{"Everything4Logged", "response/everything-v4.xml", true},
+                      Case{"Chain", "chain/wrapper-inline", false},
+                      Case{"VpaidChain", "chain/vpaid-behind-wrappers", false},
+                      Case{"VpaidChainWithEntities", "chain/vpaid-with-entities", false},
+                      Case{"Entities", "response/entities.xml", false},
+                      Case{"NotXml", "response/not-xml", false}),
+    nameOf);
+
+}  // namespace
+}  // namespace tamzo::testing
+
+int main(int argc, char** argv) {
+  // The stack's unwinder sets itself up at first use.
+  std::array<void*, 4> stack{};
+  backtrace(stack.data(), static_cast<int>(stack.size()));
+  if (xmlMemSetup(std::free, xmlMalloc_, xmlRealloc_, xmlStrdup_) != 0) {
+    std::fprintf(stderr, "libxml2 does not take other allocation functions\n");
+    return 1;
+  }
+  ::testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,225 @@
+// The one document that a JavaScript VPAID unit sees: a whole chain, merged, and read back here by
+// the parser itself.
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/support/SdkFixture.h"
+
+namespace tamzo::testing {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+const std::string kUnit =
+    "<MediaFiles><MediaFile type='application/javascript' apiFramework='VPAID'>unit.js"
+    "</MediaFile></MediaFiles>";
+
+class VpaidXml : public SdkTest {
+ protected:
+  VpaidXml() {
+    TamzoUrlReader::setReader([this](const Text& url) -> std::optional<std::string> {
+      const auto found = web_.find(std::string(url.view()));
+      return found == web_.end() ? std::nullopt : std::optional(found->second);
+    });
+  }
+
+  static std::string wrapper(const std::string& next, const std::string& inside,
+                             const std::string& attributes = "version='3.0'") {
+    return "<VAST " + attributes + "><Ad id='outer'><Wrapper><VASTAdTagURI>http://ads.example/" +
+           next + "</VASTAdTagURI>" + inside + "</Wrapper></Ad></VAST>";
+  }
+  static std::string inlineAd(const std::string& inside, const std::string& linear,
+                              const std::string& attributes = "version='3.0'") {
+    return "<VAST " + attributes + "><Ad id='inner'><InLine>" + inside +
+           "<Creatives><Creative id='c'><Linear>" + linear + kUnit +
+           "</Linear></Creative></Creatives></InLine></Ad></VAST>";
+  }
+  static std::string linear(const std::string& inside) {
+    return "<Creatives><Creative><Linear>" + inside + "</Linear></Creative></Creatives>";
+  }
+
+  // Parses a chain, the InLine last, and then what it was merged into.
+  void merge(const std::string& response) {
+    ad_ = TamzoVastAd::initWithVast(response);
+    ASSERT_EQ(ad_->errorCode(), 0);
+    ASSERT_TRUE(ad_->jsVPaidPresent());
+    ASSERT_TRUE(ad_->vastTagURI().view().starts_with("<VAST")) << ad_->vastTagURI();
+    merged_ = parseDocument(std::string(ad_->vastTagURI().view()));
+    ASSERT_NE(merged_, nullptr);
+    again_ = TamzoVastAd::initWithVast(ad_->vastTagURI());
+    ASSERT_EQ(again_->errorCode(), 0) << ad_->vastTagURI();
+  }
+
+  Texts found(const char* path) const {
+    Texts texts;
+    for (const DDXMLElement& node : merged_->nodesForXPath(XPath(path))) {
+      texts.emplace_back(node.stringValue().view());
+    }
+    return texts;
+  }
+  static Texts urls(const TamzoVastAd& ad, std::string_view name) {
+    Texts texts;
+    if (const TrackerList events = ad.trackers()->find(name)) {
+      for (const auto& event : *events) {
+        texts.emplace_back(std::string(event->url().view()) + "@" +
+                           std::string(event->offset().view()));
+      }
+    }
+    return texts;
+  }
+
+  std::map<std::string, std::string> web_;
+  std::shared_ptr<TamzoVastAd> ad_;
+  std::shared_ptr<DDXMLDocument> merged_;
+  std::shared_ptr<TamzoVastAd> again_;
+};
+
+TEST_F(VpaidXml, HasTheVersionOfTheInLineAndTheIdOfTheOutermostAd) {
+  web_["http://ads.example/2"] = inlineAd("", "", "version='4.2'");
+  merge(wrapper("2", ""));
+  EXPECT_EQ(merged_->rootElement().attributeValue("version"), Text("4.2"));
+  EXPECT_EQ(merged_->nodesForXPath("/VAST/Ad").size(), 1U);
+  EXPECT_EQ(again_->adID(), Text("outer"));
+  EXPECT_EQ(again_->vpaidVastVersion(), ad_->vpaidVastVersion());
+  EXPECT_TRUE(merged_->nodesForXPath("/VAST/Ad/Wrapper").empty());
+}
+
+TEST_F(VpaidXml, ReadsBackWithTheTrackersOfTheWholeChainInOrder) {
+  const auto part = [](const std::string& n) {
+    return "<Impression>i" + n + "</Impression><Error>e" + n + "</Error>" +
+           linear("<TrackingEvents><Tracking event='start'>s" + n +
+                  "</Tracking><Tracking event='progress' offset='00:00:0" + n + "'>p" + n +
+                  "</Tracking></TrackingEvents><VideoClicks><ClickTracking>c" + n +
+                  "</ClickTracking></VideoClicks>");
+  };
+  web_["http://ads.example/2"] = wrapper("3", part("2"));
+  web_["http://ads.example/3"] =
+      inlineAd("<Impression>i3</Impression><Error>e3</Error>",
+               "<TrackingEvents><Tracking event='start'>s3</Tracking></TrackingEvents>"
+               "<VideoClicks><ClickThrough>t3</ClickThrough><ClickTracking>c3</ClickTracking>"
+               "</VideoClicks><Duration>00:00:30</Duration>");
+  merge(wrapper("2", part("1")));
+  EXPECT_EQ(urls(*again_, "Impression"), (Texts{"i1@", "i2@", "i3@"}));
+  EXPECT_EQ(urls(*again_, "start"), (Texts{"s1@", "s2@", "s3@"}));
+  EXPECT_EQ(urls(*again_, "progress"), (Texts{"p1@1", "p2@2"}));
+  EXPECT_EQ(urls(*again_, "ClickTracking"), (Texts{"c1@", "c2@", "c3@"}));
+  for (const char* name : {"Impression", "start", "progress", "ClickTracking"}) {
+    EXPECT_EQ(urls(*again_, name), urls(*ad_, name)) << name << " as the chain itself gave it";
+  }
+  EXPECT_EQ(found("/VAST/Ad/InLine/Error"), (Texts{"e1", "e2", "e3"}));
+  EXPECT_EQ(found("/VAST/Ad/InLine/Creatives/Creative/Linear/VideoClicks/ClickThrough"),
+            Texts{"t3"});
+  EXPECT_EQ(found("/VAST/Ad/InLine/Creatives/Creative/Linear/Duration"), Texts{"00:00:30"});
+  EXPECT_EQ(found("/VAST/Ad/InLine/Creatives/Creative/Linear/MediaFiles/MediaFile"),
+            Texts{"unit.js"});
+}
+
+TEST_F(VpaidXml, ReadsBackWithTheExtensionsAndCompanionsOfTheChain) {
+  const auto extensions = [](const std::string& n) {
+    return "<Extensions><Extension type='v'><Tamzo><TrackId>t" + n + "</TrackId><NielsenKey>k" + n +
+           "</NielsenKey></Tamzo></Extension><Extension><AdVerifications>"
+           "<Verification vendor='v" +
+           n + "'/></AdVerifications></Extension></Extensions>";
+  };
+  const std::string companion =
+      "<Creatives><Creative><CompanionAds><Companion id='k1' width='1' height='1'/>"
+      "</CompanionAds></Creative></Creatives>";
+  web_["http://ads.example/2"] = inlineAd(extensions("2"), "");
+  merge(wrapper("2", extensions("1") + companion));
+  EXPECT_EQ(again_->trackId(), Text("t2")) << "the innermost is written last";
+  EXPECT_EQ(again_->trackId(), ad_->trackId());
+  EXPECT_EQ(again_->nielsenKey(), ad_->nielsenKey());
+  ASSERT_EQ(ad_->measurementProviderList()->size(), 2U);
+  ASSERT_EQ(again_->measurementProviderList()->size(), 2U);
+  for (std::size_t i = 0; i < 2; ++i) {
+    EXPECT_EQ((*again_->measurementProviderList())[i]->vendor(),
+              (*ad_->measurementProviderList())[i]->vendor());
+  }
+  EXPECT_EQ(ad_->companionAds()->size(), 1U);
+  EXPECT_EQ(again_->companionAds()->size(), 1U);
+}
+
+TEST_F(VpaidXml, ReadsBackWithWhatVersion4Adds) {
+  const std::string attributes = "version='4.0'";
+  const std::string viewable =
+      "<ViewableImpression><Viewable>v1</Viewable><NotViewable>n1</NotViewable>"
+      "</ViewableImpression>";
+  web_["http://ads.example/2"] =
+      inlineAd("<Category>IAB1</Category><Expires>60</Expires>",
+               "<Icons><Icon program='inner'/></Icons><Duration>00:00:30</Duration>", attributes);
+  merge(wrapper("2", viewable, attributes));
+  EXPECT_EQ(urls(*again_, "Viewable"), Texts{"v1@"});
+  EXPECT_EQ(urls(*again_, "NotViewable"), Texts{"n1@"});
+  EXPECT_EQ(again_->expires(), 60.0);
+  EXPECT_EQ(again_->categoryArray()->size(), 1U);
+  EXPECT_EQ(again_->extraActions().list()->size(), 1U);
+  EXPECT_EQ(again_->duration()->durationInSeconds(), 30);
+  EXPECT_EQ(again_->mediaFiles()->size(), 1U);
+}
+
+TEST_F(VpaidXml, SpecialCharactersComeThrough) {
+  const std::string odd = "a&amp;b&lt;c&gt;&quot;d&quot; '&#9;&#10;\xC3\xA4\xF0\x9F\x98\x80";
+  web_["http://ads.example/2"] = inlineAd("<Impression><![CDATA[i?a=1&b=<2>]]></Impression>", "");
+  std::string response = wrapper("2", "<Impression>o?a=1&amp;b=2</Impression>");
+  response.replace(response.find("id='outer'"), 10, "id=\"" + odd + "\"");
+  merge(response);
+  EXPECT_EQ(again_->adID(), Text("a&b<c>\"d\" '\t\n\xC3\xA4\xF0\x9F\x98\x80"));
+  EXPECT_EQ(urls(*again_, "Impression"), (Texts{"o?a=1&b=2@", "i?a=1&b=<2>@"}));
+}
+
+TEST_F(VpaidXml, DeclaredEntitiesAreWrittenOut) {
+  web_["http://ads.example/2"] =
+      "<!DOCTYPE VAST [<!ENTITY host 'cdn.example?a&amp;b'>]>" +
+      inlineAd("<Impression>http://&host;/i</Impression>",
+               "<TrackingEvents><Tracking event='&host;'>&host;</Tracking></TrackingEvents>");
+  merge("<!DOCTYPE VAST [<!ENTITY host 'outer.example'>]>" +
+        wrapper("2", "<Impression>&host;</Impression>"));
+  EXPECT_EQ(urls(*again_, "Impression"), (Texts{"outer.example@", "http://cdn.example?a&b/i@"}));
+  EXPECT_EQ(urls(*again_, "cdn.example?a&b"), Texts{"cdn.example?a&b@"});
+}
+
+TEST_F(VpaidXml, NamespacesAndTextsThatLookLikeThemSurviveTheCleanUp) {
+  web_["http://ads.example/2"] = inlineAd(
+      "<Impression>i?xmlns=1 2</Impression><Impression><![CDATA[j?xmlns=1 2]]></Impression>"
+      "<Extensions><Extension><o:Own xmlns:o='urn:o' o:a='xmlns=1 2'/>"
+      "<Other xmlns='urn:other' b='1'><In/></Other><!-- xmlns=1 2 --></Extension></Extensions>",
+      "<TrackingEvents><Tracking event='start' note='XMLNS=&apos;x&apos; y'>s</Tracking>"
+      "</TrackingEvents>");
+  merge(wrapper("2", ""));
+  EXPECT_EQ(TamzoVastAd::replaceWithPattern("xmlns", ad_->vastTagURI()), ad_->vastTagURI());
+  EXPECT_EQ(urls(*again_, "Impression"), (Texts{"i?xmlns=1 2@", "j?xmlns=1 2@"}));
+  EXPECT_EQ(urls(*again_, "start"), Texts{"s@"});
+  EXPECT_EQ(merged_->nodesForXPath("//*[namespace-uri()='urn:other']").size(), 2U);
+  EXPECT_EQ(merged_->nodesForXPath("//*[namespace-uri()='urn:o']").size(), 1U);
+  EXPECT_EQ(found("//@note"), Texts{"XMLNS='x' y"});
+}
+
+TEST_F(VpaidXml, OnlyTheWrappersOfOneParseAreMerged) {
+  web_["http://ads.example/2"] = inlineAd("", "");
+  const std::string response = wrapper("2", "<Impression>o</Impression>");
+  const auto ad = TamzoVastAd::initWithVast(response);
+  ad->parseVast(response);
+  const auto merged = parseDocument(std::string(ad->vastTagURI().view()));
+  EXPECT_EQ(merged->nodesForXPath("/VAST/Ad/InLine/Impression").size(), 1U);
+}
+
+TEST_F(VpaidXml, IsADocumentWhateverItIsGiven) {
+  const auto wrapperRecord = TamzoVpaidXML::initWithVpaidWrapperNode(NodeList());
+  EXPECT_TRUE(wrapperRecord->vastVersion().isNil());
+  for (const Text& id : {Text(), Text(""), Text("1")}) {
+    const Text document = wrapperRecord->createInlineVast(NodeList(), id);
+    ASSERT_TRUE(document.hasCharacters());
+    const auto parsed = parseDocument(std::string(document.view()));
+    EXPECT_EQ(parsed->rootElement().attributeValue("version"), Text("2.0"));
+    EXPECT_EQ(parsed->nodesForXPath("/VAST/Ad").at(0).attributeValue("id"), id);
+  }
+}
+
+}  // namespace
+}  // namespace tamzo::testing
