@@ -445,13 +445,13 @@ string distinctAttributeNames(size_t bytes) {
   return inLineWith(series(bytes, [](size_t i) { return "<e" + attributes(i * 8, 8) + "/>"; }));
 }
 string longName(size_t bytes) { return inLineWith("<" + string(bytes, 'n') + "/>"); }
-string depth256(size_t bytes) {
-  // VAST, Ad and InLine, and a chain down to the deepest elements.
-  return inLineWith(nested("<e>", repeat("<e/>", bytes), "</e>", 252));
+// VAST, Ad and InLine, a chain down, and many elements at the depth given.
+string depthOf(size_t depth, size_t bytes) {
+  return inLineWith(nested("<e>", repeat("<e/>", bytes), "</e>", depth - 4));
 }
-string depth257(size_t bytes) {
-  return inLineWith(nested("<e>", repeat("<e/>", bytes), "</e>", 254));
-}
+string depth256(size_t bytes) { return depthOf(256, bytes); }
+string depth257(size_t bytes) { return depthOf(257, bytes); }
+string depth258(size_t bytes) { return depthOf(258, bytes); }
 string deepChains(size_t bytes) {
   return inLineWith(repeat(nested("<e>", "", "</e>", 250), bytes));
 }
@@ -551,7 +551,7 @@ constexpr std::array kShapes{
     SHAPE("many: Extension", extensions, 0),
     SHAPE("many: vendor blocks", vendorBlocks, 0),
     SHAPE("many: vendor blocks in one Extension", vendorBlocksInOneExtension, 0),
-    SHAPE("many: vendor children", vendorChildren, 0),
+    SHAPE("many: vendor children", vendorChildren, 101),
     SHAPE("many: vendor children of one name", vendorChildrenOfOneName, 0),
     SHAPE("many: vendor blocks with web settings", vendorSettings, 0),
     SHAPE("many: Card", cards, 0),
@@ -621,11 +621,12 @@ constexpr std::array kShapes{
     SHAPE("wrong: unclosed instruction", unclosedInstruction, 101),
     SHAPE("wrong: unclosed attribute", unclosedAttribute, 101),
     SHAPE("wrong: at the end", wrongAtTheEnd, 101),
-    SHAPE("names: distinct elements", distinctElementNames, 0),
-    SHAPE("names: distinct attributes", distinctAttributeNames, 0),
+    SHAPE("names: distinct elements", distinctElementNames, 101),
+    SHAPE("names: distinct attributes", distinctAttributeNames, 101),
     SHAPE("names: one long", longName, 101),
     SHAPE("depth: 256", depth256, 0),
-    SHAPE("depth: 258", depth257, 101),
+    SHAPE("depth: 257", depth257, 0),
+    SHAPE("depth: 258", depth258, 101),
     SHAPE("depth: 253, again and again", deepChains, 0),
     SHAPE("depth: unbounded", depthUnbounded, 101),
     SHAPE("json: 512 deep", json512, 0),

@@ -12,6 +12,35 @@ namespace {
 // Decoding costs many times what reading the text out of its document does.
 constexpr std::size_t kMaxJsonBytes = std::size_t{1} << 20U;
 
+// Takes a value apart from the inside out. Destroying one whole makes nlohmann-json allocate, in a
+// place where running out of memory ends the program. Recursion is bounded by the nesting.
+void dismantle(nlohmann::json& value) noexcept {
+  if (auto* array = value.get_ptr<nlohmann::json::array_t*>()) {
+    for (; !array->empty(); array->pop_back()) {
+      dismantle(array->back());
+    }
+  } else if (auto* object = value.get_ptr<nlohmann::json::object_t*>()) {
+    for (; !object->empty(); object->erase(object->begin())) {
+      dismantle(object->begin()->second);
+    }
+  }
+}
+
+struct Json {
+  nlohmann::json value;
+
+  explicit Json(nlohmann::json&& taken) noexcept : value(std::move(taken)) {}
+  Json(const Json&) = delete;
+  Json& operator=(const Json&) = delete;
+  ~Json() { dismantle(value); }
+};
+
+TamzoExtraActions::JsonValue share(nlohmann::json&& value) {
+  auto owner = std::make_shared<const Json>(std::move(value));
+  const nlohmann::json* itself = &owner->value;
+  return {std::move(owner), itself};
+}
+
 }  // namespace
 
 struct TamzoExtraActions::Content {
@@ -27,19 +56,19 @@ void TamzoExtraActions::Content::decode() {
   if (json.isNil() || json.view().size() > kMaxJsonBytes || !isShallowJson(json)) {
     return;
   }
-  nlohmann::json decoded = nlohmann::json::parse(json.view(), nullptr, /*allow_exceptions=*/false);
-  json = Text();
+  Json whole(nlohmann::json::parse(json.view(), nullptr, /*allow_exceptions=*/false));
+  nlohmann::json& decoded = whole.value;
   if (decoded.is_discarded()) {
     return;
   }
   if (!decoded.is_array()) {
-    value = std::make_shared<const nlohmann::json>(std::move(decoded));
+    value = share(std::move(decoded));
     return;
   }
   auto entries = makeList<Entry>();
   entries->reserve(decoded.size());
   for (nlohmann::json& entry : decoded) {
-    entries->emplace_back(std::make_shared<const nlohmann::json>(std::move(entry)));
+    entries->emplace_back(share(std::move(entry)));
   }
   list = std::move(entries);
 }

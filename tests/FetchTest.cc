@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,7 +42,16 @@ std::string gzipOfHundredThousand() {
       "\x1F\x8B\x08\x00\x00\x00\x00\x00\x02\x03\xED\xC1\x31\x01\x00\x00\x00\xC2\xA0\xAC\xEB\x5F"
       "\xC2\x1A\x1E\x40\x01");
   packed.resize(123, '\0');
-  return packed + bytes("\xAF\x06\x87\xFA\xE2\x1B\xA0\x86\x01\x00");
+  packed += bytes("\xAF\x06\x87\xFA\xE2\x1B\xA0\x86\x01\x00");
+  return packed;
+}
+
+std::string join(std::initializer_list<std::string_view> parts) {
+  std::string all;
+  for (const std::string_view part : parts) {
+    all += part;
+  }
+  return all;
 }
 
 class Fetch : public SdkTest {
@@ -63,7 +73,7 @@ class Fetch : public SdkTest {
   void redirect(const std::string& from, const std::string& to,
                 const std::string& status = "302 Found") {
     server_.on(from, [=](const Exchange& exchange) {
-      exchange.respond("elsewhere", status, {"Location: " + to});
+      exchange.respond("elsewhere", status, {join({"Location: ", to})});
     });
   }
 
@@ -188,7 +198,7 @@ TEST_F(Fetch, WhatIsNoHttpUrlIsNotAsked) {
 
 TEST_F(Fetch, ABodyThatIsCutOffIsNoBody) {
   server_.on("/length", [](const Exchange& exchange) {
-    exchange.send("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n" + kInline.substr(0, 100));
+    exchange.send("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\nonly the front of it");
   });
   server_.on("/chunk", [](const Exchange& exchange) {
     exchange.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nFF\r\nshort");
@@ -247,13 +257,13 @@ TEST_F(Fetch, EndlessHeadersAreGivenUp) {
   server_.on("/headers", [&](const Exchange& exchange) {
     exchange.send("HTTP/1.1 200 OK\r\n");
     int sent = 0;
-    while (sent++ < 100'000 && exchange.send("X-More: " + std::string(1000, 'x') + "\r\n")) {
+    while (sent++ < 100'000 && exchange.send(join({"X-More: ", std::string(1000, 'x'), "\r\n"}))) {
     }
     exchange.send("Content-Length: 2\r\n\r\nok");
   });
   EXPECT_EQ(read("/headers"), std::nullopt);
   server_.on("/some", [](const Exchange& exchange) {
-    exchange.respond("ok", "200 OK", {"X-Some: " + std::string(20'000, 'x')});
+    exchange.respond("ok", "200 OK", {join({"X-Some: ", std::string(20'000, 'x')})});
   });
   EXPECT_EQ(read("/some"), "ok");
 }
@@ -305,11 +315,12 @@ TEST_F(Fetch, BodiesEndAsTheirErrorCode) {
       {"a page", "<html><body>no ad<br></body></html>", kNotXml},
       {"Latin-1", "<VAST version='3.0'><!-- \xE4 --></VAST>", kEmptyContent},
       {"UTF-16", bytes("\xFF\xFE<\0a\0/\0>\0"), kEmptyContent},
-      {"a cut character", kInline + "\xE2\x82", kEmptyContent},
+      {"a cut character", join({kInline, "\xE2\x82"}), kEmptyContent},
       {"a surrogate", "<VAST version='3.0'><!-- \xED\xA0\x80 --></VAST>", kEmptyContent},
-      {"a byte order mark", "\xEF\xBB\xBF" + kInline, 0},
-      {"another encoding's name", "<?xml version='1.0' encoding='ISO-8859-1'?>" + kInline, 0},
-      {"a NUL", "<VAST version='3.0'/>" + bytes("\0"), kNotXml},
+      {"a byte order mark", join({"\xEF\xBB\xBF", kInline}), 0},
+      {"another encoding's name", join({"<?xml version='1.0' encoding='ISO-8859-1'?>", kInline}),
+       0},
+      {"a NUL", join({"<VAST version='3.0'/>", bytes("\0")}), kNotXml},
       {"a URL", server_.url("/ad"), kNotXml},
   };
   for (const Row& row : rows) {
@@ -323,9 +334,9 @@ TEST_F(Fetch, FailedReadsEndAsEmptyContent) {
   redirect("/loop", "/loop");
   limit(0.2);
   for (const char* path : {"/unknown", "/never", "/loop"}) {
-    const auto ad = TamzoVastAd::initWithVast(
-        "<VAST version='3.0'><Ad id='outer'><Wrapper><Impression>i</Impression><VASTAdTagURI>" +
-        server_.url(path) + "</VASTAdTagURI></Wrapper></Ad></VAST>");
+    const auto ad = TamzoVastAd::initWithVast(join(
+        {"<VAST version='3.0'><Ad id='outer'><Wrapper><Impression>i</Impression><VASTAdTagURI>",
+         server_.url(path), "</VASTAdTagURI></Wrapper></Ad></VAST>"}));
     EXPECT_EQ(ad->errorCode(), kEmptyContent) << path;
     EXPECT_EQ(ad->adID(), Text("outer")) << path;
     EXPECT_EQ(ad->vastTagURI(), Text(server_.url(path)));
@@ -334,7 +345,7 @@ TEST_F(Fetch, FailedReadsEndAsEmptyContent) {
 
 TEST_F(Fetch, AHostsReaderTakesThePlaceOfTheDefaultAndGivesItBack) {
   server_.serve("/x", "from the network");
-  TamzoUrlReader::setReader([](const Text& url) { return "host " + std::string(url.view()); });
+  TamzoUrlReader::setReader([](const Text& url) { return join({"host ", url.view()}); });
   EXPECT_EQ(TamzoUrlReader::read("any text"), "host any text");
   EXPECT_TRUE(server_.requests().empty());
   TamzoUrlReader::setReader({});

@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,13 @@
 #include "tests/support/HttpServer.h"
 #include "tests/support/SdkFixture.h"
 #include "vast/RecordJson.h"
+
+namespace tamzo::bench {
+
+// Found by GoogleTest, which would print the bytes of the shape.
+static void PrintTo(const HostileShape& shape, std::ostream* out) { *out << shape.name; }
+
+}  // namespace tamzo::bench
 
 namespace tamzo::testing {
 namespace {

@@ -37,7 +37,7 @@ std::string repeat(const std::string& text, int times) {
 class XmlGuards : public ::testing::Test {
  protected:
   ~XmlGuards() override {
-    EXPECT_LT(std::chrono::steady_clock::now() - start_, std::chrono::seconds(5));
+    EXPECT_LT(std::chrono::steady_clock::now() - start_, std::chrono::seconds(20));
   }
 
  private:
@@ -120,21 +120,17 @@ TEST_F(XmlGuards, ParameterEntitiesAreRefused) {
   EXPECT_EQ(parse("<!DOCTYPE a [" + doubling + " %p39;]><a/>"), nullptr);
 }
 
-TEST_F(XmlGuards, DefaultAttributesAreRefusedAndOthersMayBeDeclared) {
-  EXPECT_EQ(parse("<!DOCTYPE a [<!ATTLIST a b CDATA 'default'>]><a/>"), nullptr);
-  EXPECT_EQ(parse("<!DOCTYPE a [<!ATTLIST a b CDATA #FIXED 'fixed'>]><a/>"), nullptr);
-  EXPECT_EQ(parse("<!DOCTYPE a [<!ATTLIST a xmlns CDATA 'urn:x'>]><a/>"), nullptr);
-  const auto document = parse("<!DOCTYPE a [<!ATTLIST a b CDATA #IMPLIED c ID #REQUIRED>]><a/>");
-  ASSERT_NE(document, nullptr);
-  EXPECT_FALSE(document->rootElement().hasAttributes());
+TEST_F(XmlGuards, AttributeDeclarationsAreRefused) {
+  for (const char* declared : {"'default'", "#FIXED 'fixed'", "#IMPLIED", "#REQUIRED"}) {
+    const std::string xml = std::string("<!DOCTYPE a [<!ATTLIST a b CDATA ") + declared + ">]><a/>";
+    EXPECT_EQ(parse(xml), nullptr) << declared;
+  }
+  EXPECT_NE(parse("<!DOCTYPE a [<!ELEMENT a ANY>]><a/>"), nullptr);
 }
 
 TEST_F(XmlGuards, DeclarationsAreBounded) {
-  for (const auto& [front, back] :
-       std::vector<std::pair<std::string, std::string>>{{"<!ENTITY e", " 'x'>"},
-                                                        {"<!ELEMENT e", " ANY>"},
-                                                        {"<!NOTATION e", " SYSTEM 'x'>"},
-                                                        {"<!ATTLIST a e", " CDATA #IMPLIED>"}}) {
+  for (const auto& [front, back] : std::vector<std::pair<std::string, std::string>>{
+           {"<!ENTITY e", " 'x'>"}, {"<!ELEMENT e", " ANY>"}, {"<!NOTATION e", " SYSTEM 'x'>"}}) {
     for (const auto& [count, isAccepted] :
          std::vector<std::pair<int, bool>>{{100, true}, {5000, false}}) {
       std::string declarations;

@@ -50,6 +50,9 @@ BatchAnswer parse(const json& id, std::string vast) {
 }
 
 BatchAnswer answerFile(const std::string& path) {
+  if (path.empty()) {
+    return refuse(json(path), "a PATH is empty");
+  }
   try {
     return parse(json(path), readInput(path));
   } catch (const CommandError& error) {

@@ -121,6 +121,8 @@ Text TamzoVastAd::readTagURI() {
     }
     auto body = TamzoUrlReader::read(url);
     xml = body && isUtf8(*body) ? Text(std::move(*body)) : Text();
+  } catch (const std::bad_alloc&) {
+    throw;  // no failure of the fetch
   } catch (const std::exception& exception) {
     TAMZO_LOG("error: %@", Text(exception.what()));
   }

@@ -193,6 +193,9 @@ void TamzoVastAd::updateAllCompanionNodes(const NodeList& nodes) {
 }
 
 void TamzoVastAd::updateCompanion(const NodeList& companions) {
+  if (companionAds() == nullptr) {
+    setCompanionAds(makeList<std::shared_ptr<TamzoCompanionAd>>());
+  }
   companionAds()->push_back(TamzoCompanionAd::initWithNode(companions));
 }
 

@@ -82,6 +82,9 @@ void TamzoVastAd::updateOMVerificationResources(const NodeList& nodes, float vas
       vastVerrsion < kFirstWithOwnVerifications
           ? nodes.nodesUnderFirst("Extensions/Extension/AdVerifications")
           : nodes.nodesUnderFirst("AdVerifications");
+  if (measurementProviderList() == nullptr) {
+    setMeasurementProviderList(makeList<std::shared_ptr<TamzoMeasurementProviderModel>>());
+  }
   for (const DDXMLElement& verification : adVerifications.nodesUnderFirst("Verification")) {
     const auto provider = TamzoMeasurementProviderModel::init();
     measurementProviderList()->push_back(
@@ -144,6 +147,9 @@ void TamzoVastAd::updateCategory(const NodeList& nodes) {
   const NodeList categories = getArrayFromNode(nodes, "Category");
   if (categories.empty()) {
     return;
+  }
+  if (categoryArray() == nullptr) {
+    setCategoryArray(makeList<Text>());
   }
   for (const DDXMLElement& category : categories) {
     categoryArray()->push_back(category.stringValue());

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "xml/NodeList.h"
+#include "xml/QuietLibrary.h"
 #include "xml/StringValue.h"
 #include "xml/XPathQuery.h"
 #include "xml/XmlTree.h"
@@ -90,6 +91,7 @@ namespace {
 
 Text serialize(xmlDoc* doc, xmlNode* node) {
   std::string xml;
+  const QuietLibrary quiet;
   std::unique_ptr<xmlOutputBuffer, CloseOutput> output(
       xmlOutputBufferCreateIO(appendTo, nullptr, &xml, nullptr));
   if (output == nullptr) {

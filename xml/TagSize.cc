@@ -10,6 +10,12 @@ namespace {
 constexpr std::size_t kBlock = 4096;
 constexpr std::size_t kMaxAttributes = 800;
 
+// False for a comment, a CDATA section, a processing instruction and an end tag.
+bool startsTag(std::string_view text, std::size_t lessThan) noexcept {
+  const char next = lessThan + 1 < text.size() ? text[lessThan + 1] : '\0';
+  return next != '!' && next != '?' && next != '/';
+}
+
 // Counts the "=" outside quotes from the "<" at the front to the ">" that ends the tag.
 std::size_t attributesOfTag(std::string_view tag) noexcept {
   std::size_t count = 0;
@@ -37,7 +43,7 @@ bool hasOversizedTag(std::string_view text) noexcept {
     }
     const std::size_t begin = text.rfind('<', block);
     const std::size_t end = std::min(text.find('<', block), text.size());
-    if (begin != std::string_view::npos &&
+    if (begin != std::string_view::npos && startsTag(text, begin) &&
         attributesOfTag(text.substr(begin, end - begin)) > kMaxAttributes) {
       return true;
     }

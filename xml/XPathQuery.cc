@@ -7,6 +7,8 @@
 #include <new>
 #include <string>
 
+#include "xml/QuietLibrary.h"
+
 namespace tamzo {
 namespace {
 
@@ -37,6 +39,7 @@ std::string describe(int code) {
 bool evaluateXPath(const XmlTree& tree, xmlNode* context, const XPath& path,
                    std::vector<xmlNode*>& found, XmlError* error) {
   const std::string expression(path.text());
+  const QuietLibrary quiet;
   const std::unique_ptr<xmlXPathContext, FreeContext> evaluation(xmlXPathNewContext(tree.doc()));
   if (evaluation == nullptr) {
     throw std::bad_alloc();
