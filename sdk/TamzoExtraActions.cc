@@ -56,9 +56,12 @@ void TamzoExtraActions::Content::decode() {
   if (json.isNil() || json.view().size() > kMaxJsonBytes || !isShallowJson(json)) {
     return;
   }
-  Json whole(nlohmann::json::parse(json.view(), nullptr, /*allow_exceptions=*/false));
+  // What json::parse does, but into a value that is dismantled when the text turns out malformed.
+  Json whole{nlohmann::json()};
   nlohmann::json& decoded = whole.value;
-  if (decoded.is_discarded()) {
+  nlohmann::detail::json_sax_dom_parser<nlohmann::json> builder(decoded,
+                                                                /*allow_exceptions_=*/false);
+  if (!nlohmann::json::sax_parse(json.view(), &builder)) {
     return;
   }
   if (!decoded.is_array()) {

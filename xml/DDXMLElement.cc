@@ -111,6 +111,39 @@ struct FreeNode {
   void operator()(xmlNode* node) const noexcept { xmlFreeNode(node); }
 };
 
+bool sameText(const xmlChar* a, const xmlChar* b) noexcept {
+  return a == nullptr || b == nullptr ? a == b : xmlStrEqual(a, b) == 1;
+}
+
+// True when nothing of the first tree is missing in the second. libxml2 leaves parts of a copy out
+// when memory runs out, and says nothing. Recursion is as deep as the tree.
+bool isWholeCopy(const xmlNode* original, const xmlNode* copy) noexcept {
+  for (; original != nullptr && copy != nullptr; original = original->next, copy = copy->next) {
+    if (original->type != copy->type || !sameText(original->name, copy->name)) {
+      return false;
+    }
+    if (original->type == XML_ATTRIBUTE_NODE) {
+      // An attribute has no content of its own, and its layout ends before that of an element.
+      if (!isWholeCopy(original->children, copy->children)) {
+        return false;
+      }
+      continue;
+    }
+    if (original->type == XML_ENTITY_REF_NODE) {
+      continue;  // refers to the declaration, which is not copied
+    }
+    const bool isElement = original->type == XML_ELEMENT_NODE;
+    if (isElement ? (original->ns == nullptr) != (copy->ns == nullptr) ||
+                        !isWholeCopy(reinterpret_cast<const xmlNode*>(original->properties),
+                                     reinterpret_cast<const xmlNode*>(copy->properties)) ||
+                        !isWholeCopy(original->children, copy->children)
+                  : !sameText(original->content, copy->content)) {
+      return false;
+    }
+  }
+  return original == nullptr && copy == nullptr;
+}
+
 // Puts the text of every entity reference among the children of `parent` in its place. Recursion
 // is as deep as the tree.
 void expandEntities(xmlNode* parent, const std::shared_ptr<const XmlTree>& tree) {
@@ -125,7 +158,8 @@ void expandEntities(xmlNode* parent, const std::shared_ptr<const XmlTree>& tree)
       const std::string text(entityTextOf(child));
       xmlNode* replacement =
           xmlNewDocText(tree->doc(), reinterpret_cast<const xmlChar*>(text.c_str()));
-      if (replacement == nullptr) {
+      if (replacement == nullptr || replacement->content == nullptr) {
+        xmlFreeNode(replacement);
         throw std::bad_alloc();
       }
       xmlReplaceNode(child, replacement);
@@ -150,7 +184,11 @@ Text DDXMLElement::XMLStringStandingAlone() const {
   const std::unique_ptr<xmlNode, FreeNode> holder(
       xmlNewDocNode(tree_->doc(), nullptr, reinterpret_cast<const xmlChar*>("holder"), nullptr));
   xmlNode* copy = xmlDocCopyNode(node_, tree_->doc(), 1);
-  if (holder == nullptr || copy == nullptr) {
+  const bool isWhole = copy != nullptr && (node_->ns == nullptr) == (copy->ns == nullptr) &&
+                       isWholeCopy(reinterpret_cast<const xmlNode*>(node_->properties),
+                                   reinterpret_cast<const xmlNode*>(copy->properties)) &&
+                       isWholeCopy(node_->children, copy->children);
+  if (holder == nullptr || !isWhole) {
     xmlFreeNode(copy);
     throw std::bad_alloc();
   }

@@ -153,8 +153,14 @@ void onStartElement(void* context, const xmlChar* localName, const xmlChar* pref
   xmlSAX2StartElementNs(context, localName, prefix, uri, namespaceCount, namespaces, attributeCount,
                         defaultedCount, attributes);
   checkNames(context);
+  // A namespace that found no memory is passed over in silence, and the element would match paths
+  // that it must not.
+  const xmlParserCtxt& parser = *static_cast<xmlParserCtxt*>(context);
+  if (uri != nullptr && parser.node != nullptr && parser.node->ns == nullptr) {
+    guarded(context, [](Guard& guard) { guard.setRanOutOfMemory(); });
+  }
   // nsNr counts a prefix and an address for every declaration.
-  if (static_cast<xmlParserCtxt*>(context)->nsNr > 2 * kMaxNamespacesInScope) {
+  if (parser.nsNr > 2 * kMaxNamespacesInScope) {
     guarded(context, [](Guard& guard) { guard.stop("too many namespace declarations"); });
   }
 }
@@ -180,7 +186,13 @@ void onEntityDecl(void* context, const xmlChar* name, int type, const xmlChar* p
     return;
   }
   xmlSAX2EntityDecl(context, name, type, publicId, systemId, content);
-  guarded(context, [](Guard& guard) { guard.declared(); });
+  const bool isKept = xmlGetDocEntity(static_cast<xmlParserCtxt*>(context)->myDoc, name) != nullptr;
+  guarded(context, [&](Guard& guard) {
+    if (!isKept) {
+      guard.setRanOutOfMemory();
+    }
+    guard.declared();
+  });
 }
 
 // Attribute declarations are read in time quadratic in their length before any callback sees them,
