@@ -9,7 +9,8 @@
 namespace tamzo {
 namespace {
 
-constexpr std::size_t kFew = 16;
+// Up to here comparing is faster than hashing: names mostly differ in length or at the front.
+constexpr std::size_t kFew = 48;
 
 // The text as a polynomial over the integers modulo a prime of 61 bits, at a point that is drawn
 // once per process: two different keys collide with a chance of about their length in 2^58.

@@ -211,8 +211,11 @@ std::string replaceAll(std::string_view text, Filler& filler) {
     out += text.substr(0, open);
     text.remove_prefix(open);
     // The name runs to the first character that no macro's name has.
-    const std::size_t end = text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ", 1);
-    const bool isBracketed = !text.empty() && end != std::string_view::npos && text[end] == ']';
+    std::size_t end = 1;
+    while (end < text.size() && text[end] >= 'A' && text[end] <= 'Z') {
+      ++end;
+    }
+    const bool isBracketed = end < text.size() && text[end] == ']';
     const std::string* value = isBracketed ? filler.find(text.substr(1, end - 1)) : nullptr;
     if (value != nullptr) {
       out += *value;

@@ -56,6 +56,7 @@ bool isPlainLetter(char c) noexcept {
 
 TextMatch findAssignment(std::string_view text, std::string_view word, std::size_t from) noexcept {
   const bool canSkip = word.size() >= 2 && isPlainLetter(word[0]) && isPlainLetter(word[1]);
+  const std::uint8_t first = word.empty() ? 0 : lower(word[0]);
   std::size_t checkedTo = canSkip ? from : text.size();
   for (std::size_t at = from; at < text.size(); ++at) {
     if (at == checkedTo) {
@@ -64,6 +65,9 @@ TextMatch findAssignment(std::string_view text, std::string_view word, std::size
         at += kBlock;
       }
       checkedTo = at + kBlock;
+    }
+    if (canSkip && lower(text[at]) != first) {
+      continue;
     }
     const std::size_t end = matchAssignment(text, word, at);
     if (end != std::string_view::npos) {

@@ -12,7 +12,7 @@ std::shared_ptr<DDXMLDocument> DDXMLDocument::initWithXMLString(const Text& text
   if (options != 0) {
     throw std::invalid_argument("initWithXMLString: options are reserved");
   }
-  auto tree = parseXml(text.view(), error);
+  auto tree = parseXml(text, error);
   return tree == nullptr ? nullptr
                          : std::shared_ptr<DDXMLDocument>(new DDXMLDocument(std::move(tree)));
 }

@@ -18,7 +18,7 @@ namespace {
 
 bool isNamed(const xmlNs* ns, const xmlChar* localName, std::string_view name) noexcept {
   if (ns == nullptr || ns->prefix == nullptr) {
-    return std::string_view(asChars(localName)) == name;
+    return isText(localName, name);
   }
   const std::string_view prefix(asChars(ns->prefix));
   return name.size() > prefix.size() && name.starts_with(prefix) && name[prefix.size()] == ':' &&
@@ -180,6 +180,7 @@ Text DDXMLElement::XMLStringStandingAlone() const {
     return XMLString();
   }
   // A copy brings the declarations of its prefixes with it.
+  const QuietLibrary quiet;
   // The copy hangs below a node of its own, so that its own attributes are reached too.
   const std::unique_ptr<xmlNode, FreeNode> holder(
       xmlNewDocNode(tree_->doc(), nullptr, reinterpret_cast<const xmlChar*>("holder"), nullptr));

@@ -4,7 +4,7 @@ namespace tamzo {
 
 Text::Text(std::string_view characters) : Text(std::string(characters)) {}
 
-Text::Text(std::string&& characters) {
+Text::Text(std::string&& characters) : isTerminated_(true) {
   if (characters.empty()) {
     view_ = "";
     return;

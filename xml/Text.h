@@ -38,12 +38,12 @@ class TAMZO_EXPORT Text {
   /// A text of static storage duration: nothing is copied, nothing is counted.
   template <std::size_t N>
   static Text literal(const char (&characters)[N]) noexcept {
-    return Text(std::string_view(characters, N - 1), nullptr);
+    return Text(std::string_view(characters, N - 1), nullptr, true);
   }
 
   /// A view into memory that `owner` keeps alive. The memory must not change any more.
   static Text sharing(std::string_view characters, std::shared_ptr<const void> owner) noexcept {
-    return characters.empty() ? literal("") : Text(characters, std::move(owner));
+    return characters.empty() ? literal("") : Text(characters, std::move(owner), false);
   }
 
   /// A part of this text, sharing its characters. `part` must lie within `view()`.
@@ -63,6 +63,9 @@ class TAMZO_EXPORT Text {
   }
   operator std::string_view() const noexcept { return view(); }  // NOLINT
 
+  /// True when a NUL is known to follow the characters, as after those of a string.
+  bool isTerminated() const noexcept { return isTerminated_; }
+
   /// True when both are the very same object (both nil, or the same characters in memory).
   bool isSameObject(const Text& other) const noexcept {
     return owner_ == other.owner_ && view_.data() == other.view_.data() &&
@@ -80,14 +83,15 @@ class TAMZO_EXPORT Text {
  private:
   friend class MutableText;
 
-  Text(std::string_view characters, std::shared_ptr<const void> owner) noexcept
-      : view_(characters), owner_(std::move(owner)) {}
+  Text(std::string_view characters, std::shared_ptr<const void> owner, bool isTerminated) noexcept
+      : view_(characters), owner_(std::move(owner)), isTerminated_(isTerminated) {}
 
   // A growable text has no fixed view: it is read through its owner, a std::string.
   bool isGrowable() const noexcept { return view_.data() == nullptr && owner_ != nullptr; }
 
   std::string_view view_;
   std::shared_ptr<const void> owner_;
+  bool isTerminated_ = false;
 };
 
 /// A shared handle to a text that grows. `asText()` is the same object seen as a Text: what is
@@ -109,7 +113,9 @@ class TAMZO_EXPORT MutableText {
   void appendString(std::string_view more);
 
   /// The same object as a Text, nil when this is nil.
-  Text asText() const noexcept { return Text(std::string_view(), characters_); }
+  Text asText() const noexcept {
+    return Text(std::string_view(), characters_, characters_ != nullptr);
+  }
 
   friend bool operator==(const MutableText& a, const MutableText& b) noexcept {
     return a.isNil() == b.isNil() && a.view() == b.view();

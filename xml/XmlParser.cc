@@ -195,27 +195,25 @@ void onEntityDecl(void* context, const xmlChar* name, int type, const xmlChar* p
   });
 }
 
-// Attribute declarations are read in time quadratic in their length before any callback sees them,
-// and a default value is copied into every element of its name. No ad server sends any.
+// Attribute declarations, content models and notations are read in time quadratic in their length
+// before any callback sees them, and a default value is copied into every element of its name. No
+// ad server sends any: entities are all that a document type may declare.
 void onInternalSubset(void* context, const xmlChar* name, const xmlChar* publicId,
                       const xmlChar* systemId) {
   const xmlParserInput& input = *static_cast<xmlParserCtxt*>(context)->input;
   const std::string_view rest(asChars(input.cur), static_cast<std::size_t>(input.end - input.cur));
-  if (rest.find("<!ATTLIST") != std::string_view::npos) {
-    guarded(context, [](Guard& guard) { guard.stop("an attribute declaration"); });
-    return;
+  for (const char* declaration : {"<!ATTLIST", "<!ELEMENT", "<!NOTATION"}) {
+    if (rest.find(declaration) != std::string_view::npos) {
+      guarded(context, [](Guard& guard) { guard.stop("a declaration other than of an entity"); });
+      return;
+    }
   }
   xmlSAX2InternalSubset(context, name, publicId, systemId);
 }
 
-void onElementDecl(void* context, const xmlChar* name, int type, xmlElementContent* content) {
-  xmlSAX2ElementDecl(context, name, type, content);
-  guarded(context, [](Guard& guard) { guard.declared(); });
-}
-
-void onNotationDecl(void* context, const xmlChar* name, const xmlChar* publicId,
-                    const xmlChar* systemId) {
-  xmlSAX2NotationDecl(context, name, publicId, systemId);
+void onUnparsedEntityDecl(void* context, const xmlChar* name, const xmlChar* publicId,
+                          const xmlChar* systemId, const xmlChar* notation) {
+  xmlSAX2UnparsedEntityDecl(context, name, publicId, systemId, notation);
   guarded(context, [](Guard& guard) { guard.declared(); });
 }
 
@@ -228,8 +226,7 @@ void watch(xmlParserCtxt* parser, Guard& guard) noexcept {
   sax.processingInstruction = onProcessingInstruction;
   sax.getEntity = onGetEntity;
   sax.entityDecl = onEntityDecl;
-  sax.elementDecl = onElementDecl;
-  sax.notationDecl = onNotationDecl;
+  sax.unparsedEntityDecl = onUnparsedEntityDecl;
 }
 
 struct FreeParser {
@@ -238,6 +235,22 @@ struct FreeParser {
 struct FreeDoc {
   void operator()(xmlDoc* doc) const noexcept { xmlFreeDoc(doc); }
 };
+
+// Makes `text` the parser's input without copying it; it must be followed by a NUL.
+void readFrom(xmlParserCtxt* parser, std::string_view text) {
+  xmlParserInput* input = xmlNewInputStream(parser);
+  if (input == nullptr) {
+    throw std::bad_alloc();
+  }
+  input->base = reinterpret_cast<const xmlChar*>(text.data());
+  input->cur = input->base;
+  input->end = input->base + text.size();
+  input->length = static_cast<int>(text.size());
+  if (inputPush(parser, input) < 0) {
+    xmlFreeInputStream(input);
+    throw std::bad_alloc();
+  }
+}
 
 void initLibraryOnce() {
   static const bool done = [] {
@@ -261,7 +274,8 @@ constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNI
 
 }  // namespace
 
-std::shared_ptr<const XmlTree> parseXml(std::string_view text, XmlError* error) {
+std::shared_ptr<const XmlTree> parseXml(const Text& given, XmlError* error) {
+  const std::string_view text = given;
   if (text.empty() || text.size() > static_cast<std::size_t>(INT_MAX)) {
     return refuse(error, text.empty() ? "the text is empty" : "the text is too long");
   }
@@ -272,15 +286,17 @@ std::shared_ptr<const XmlTree> parseXml(std::string_view text, XmlError* error) 
   if (hasOversizedTag(text)) {
     return refuse(error, "an element with too many attributes");
   }
+  // libxml2 reads up to a NUL. Most texts end with one and are read where they are.
+  const std::string copy(given.isTerminated() ? std::string_view() : text);
   initLibraryOnce();
   const QuietLibrary quiet;
   xmlResetLastError();
 
-  const std::unique_ptr<xmlParserCtxt, FreeParser> parser(
-      xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())));
+  const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlNewParserCtxt());
   if (parser == nullptr) {
     throw std::bad_alloc();
   }
+  readFrom(parser.get(), given.isTerminated() ? text : copy);
   Guard guard(parser.get());
   watch(parser.get(), guard);
   xmlCtxtUseOptions(parser.get(), kOptions);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 
 #include "xml/DDXMLElement.h"
 
@@ -11,6 +10,6 @@ class XmlTree;
 
 /// Builds the tree of `text`; null, with the reason in `error`, when there is none to build.
 /// Throws std::bad_alloc when memory runs out.
-std::shared_ptr<const XmlTree> parseXml(std::string_view text, XmlError* error);
+std::shared_ptr<const XmlTree> parseXml(const Text& text, XmlError* error);
 
 }  // namespace tamzo

@@ -27,10 +27,24 @@ inline const char* asChars(const xmlChar* text) noexcept {
   return reinterpret_cast<const char*>(text);
 }
 
+/// True when the NUL-terminated `text` equals `name`, which holds no NUL. Most comparisons end at
+/// the first character, so no call is made before it.
+inline bool isText(const xmlChar* text, std::string_view name) noexcept {
+  const char* chars = asChars(text);
+  if (name.empty() || chars[0] != name[0]) {
+    return name.empty() && chars[0] == '\0';
+  }
+  for (std::size_t i = 1; i < name.size(); ++i) {
+    if (chars[i] != name[i]) {
+      return false;
+    }
+  }
+  return chars[name.size()] == '\0';
+}
+
 /// True for an element of that name in no namespace.
 inline bool isElementNamed(const xmlNode* node, std::string_view name) noexcept {
-  return node->type == XML_ELEMENT_NODE && node->ns == nullptr &&
-         std::string_view(asChars(node->name)) == name;
+  return node->type == XML_ELEMENT_NODE && node->ns == nullptr && isText(node->name, name);
 }
 
 }  // namespace tamzo
