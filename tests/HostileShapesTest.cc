@@ -217,9 +217,10 @@ INSTANTIATE_TEST_SUITE_P(All, HostileShapesTest,
 TEST(HostileShapesTableTest, EveryCheckBelongsToAShape) {
   for (const auto& [name, check] : checks()) {
     const auto shapes = bench::hostileShapes();
-    EXPECT_TRUE(std::any_of(shapes.begin(), shapes.end(), [&](const HostileShape& shape) {
-      return shape.name == name;
-    })) << name;
+    EXPECT_TRUE(
+        std::any_of(shapes.begin(), shapes.end(),
+                    [&wanted = name](const HostileShape& shape) { return shape.name == wanted; }))
+        << name;
   }
 }
 
