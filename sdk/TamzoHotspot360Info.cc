@@ -7,9 +7,10 @@ namespace tamzo {
 std::shared_ptr<TamzoHotspot360Info> TamzoHotspot360Info::initWithNode(DDXMLElement node) {
   const bool holdsSomething = node.hasAttributes() || node.firstChildElement() ||
                               !trimWhiteSpace(node.stringValue()).empty();
-  return holdsSomething
-             ? std::shared_ptr<TamzoHotspot360Info>(new TamzoHotspot360Info(std::move(node)))
-             : nullptr;
+  if (!holdsSomething) {
+    return nullptr;
+  }
+  return std::shared_ptr<TamzoHotspot360Info>(new TamzoHotspot360Info(std::move(node)));
 }
 
 }  // namespace tamzo

@@ -13,8 +13,11 @@ std::shared_ptr<DDXMLDocument> DDXMLDocument::initWithXMLString(const Text& text
     throw std::invalid_argument("initWithXMLString: options are reserved");
   }
   auto tree = parseXml(text, error);
-  return tree == nullptr ? nullptr
-                         : std::shared_ptr<DDXMLDocument>(new DDXMLDocument(std::move(tree)));
+  // No conditional expression around `new`: clang 14 frees twice when what follows it throws.
+  if (tree == nullptr) {
+    return nullptr;
+  }
+  return std::shared_ptr<DDXMLDocument>(new DDXMLDocument(std::move(tree)));
 }
 
 NodeList DDXMLDocument::nodesForXPath(const XPath& path, XmlError* error) const {
