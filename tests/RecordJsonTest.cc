@@ -5,6 +5,7 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
+#include "tests/support/PropertyNames.h"
 #include "tests/support/SdkFixture.h"
 #include "vast/RecordJson.h"
 
@@ -14,81 +15,6 @@ namespace {
 using nlohmann::ordered_json;
 
 using RecordJsonTest = SdkTest;
-
-// The stable names, in their stable order. Written out here on purpose: a renamed or moved property
-// must fail a test.
-const std::vector<std::string> kKeys = {"adID",
-                                        "vastTagURI",
-                                        "clickThrough",
-                                        "duration",
-                                        "skipOffsetMillis",
-                                        "errorCode",
-                                        "bid",
-                                        "trackers",
-                                        "trackersOffset",
-                                        "companionAds",
-                                        "mediaFiles",
-                                        "iconMap",
-                                        "cards",
-                                        "analytics",
-                                        "analyticsKey",
-                                        "analyticsData",
-                                        "moatVastIds",
-                                        "moatViewImpressionStr",
-                                        "nielsenKey",
-                                        "nielsenUrl",
-                                        "nielsenCI",
-                                        "nielsenCA",
-                                        "nielsenPlacementId",
-                                        "nielsenCreativeId",
-                                        "viewabilityAction",
-                                        "extraActions",
-                                        "VideoPlacementType",
-                                        "isCoppaEnabled",
-                                        "invalidCachedOfferIds",
-                                        "gratificationInfo",
-                                        "gratificationTime",
-                                        "webViewBaseUrl",
-                                        "comScoreCreativeId",
-                                        "comScoreCampaignId",
-                                        "comScorePlacementId",
-                                        "overlayDimensionRatioNode",
-                                        "overlayUrl",
-                                        "vastResponseStr",
-                                        "is360Video",
-                                        "isImaEnabled",
-                                        "hotspotList",
-                                        "vpaidXml",
-                                        "vpaidVastVersion",
-                                        "measurementProviderList",
-                                        "canZoom",
-                                        "canOpenExternal",
-                                        "canAutoPlay",
-                                        "canScroll",
-                                        "shouldAskPermission",
-                                        "canReplay",
-                                        "isOMIDEnable",
-                                        "expires",
-                                        "categoryArray",
-                                        "trackId",
-                                        "serverUA",
-                                        "deviceIP",
-                                        "omidPartner",
-                                        "playerCapability",
-                                        "inventoryState",
-                                        "GDPRConsentInfo",
-                                        "vastVersions",
-                                        "apiFrameworks",
-                                        "verificationVendors",
-                                        "univversalIDRegistry",
-                                        "universalIDValue",
-                                        "supportedExtension",
-                                        "mimeType",
-                                        "clickType",
-                                        "clientUA",
-                                        "jsVPaidPresent",
-                                        "flashVPaidPresent",
-                                        "vPaidHTML"};
 
 std::string property(const TamzoVastAd& ad, const std::string& name) {
   return ordered_json::parse(recordAsJson(ad)).at(name).dump();
@@ -102,20 +28,20 @@ std::string written(const TamzoVastAd& ad, const std::string& name, const std::s
 }
 
 TEST_F(RecordJsonTest, EveryPropertyIsThereInTheOrderOfItsTable) {
-  ASSERT_EQ(kKeys.size(), 72U);
+  ASSERT_EQ(kPropertyNames.size(), 72U);
   for (const JsonLayout layout : {JsonLayout::compact, JsonLayout::indented}) {
     const auto record = ordered_json::parse(recordAsJson(*TamzoVastAd::initWithVast(""), layout));
     std::vector<std::string> keys;
     for (const auto& [key, value] : record.items()) {
       keys.push_back(key);
     }
-    EXPECT_EQ(keys, kKeys);
+    EXPECT_EQ(keys, kPropertyNames);
   }
 }
 
 TEST_F(RecordJsonTest, AFreshRecordHasItsInitialValues) {
   ordered_json expected = ordered_json::object();
-  for (const std::string& key : kKeys) {
+  for (const std::string& key : kPropertyNames) {
     expected[key] = nullptr;
   }
   for (const char* list : {"trackersOffset", "companionAds", "mediaFiles", "extraActions",
