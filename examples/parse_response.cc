@@ -16,6 +16,6 @@ int main(int argc, char** argv) {
     return 1;
   }
   for (const auto& media : *ad->mediaFiles()) {
-    std::cout << media->type.view() << ' ' << media->url.view() << '\n';
+    std::cout << media->type().view() << ' ' << media->url().view() << '\n';
   }
 }

@@ -38,9 +38,9 @@ std::vector<std::string> urlsFor(const tamzo::TamzoVastAd& ad, std::string_view 
 std::shared_ptr<tamzo::TamzoMediaFile> pickMedia(const tamzo::TamzoVastAd& ad, int kilobits) {
   std::shared_ptr<tamzo::TamzoMediaFile> best;
   for (const auto& file : *ad.mediaFiles()) {
-    const bool isMp4 = file->type.view() == "video/mp4";
-    const bool fits = file->bitrate.value_or(0) <= kilobits;
-    if (isMp4 && fits && (!best || file->width.value_or(0) > best->width.value_or(0))) {
+    const bool isMp4 = file->type().view() == "video/mp4";
+    const bool fits = file->bitrate().value_or(0) <= kilobits;
+    if (isMp4 && fits && (!best || file->width().value_or(0) > best->width().value_or(0))) {
       best = file;
     }
   }
@@ -55,10 +55,11 @@ std::string bannerFor(const tamzo::TamzoVastAd& ad, int width, int height) {
   if (best == nullptr) {
     return "";
   }
-  if (!best->htmlResources.empty()) {
-    return std::string(best->htmlResources.front().view());
+  if (const auto markup = best->htmlResources(); !markup.empty()) {
+    return std::string(markup.front().view());
   }
-  return best->staticResources.empty() ? "" : std::string(best->staticResources.front().url.view());
+  const auto images = best->staticResources();
+  return images.empty() ? "" : std::string(images.front().url.view());
 }
 
 // Icons and the ad server's own actions stand side by side; where the server sent JSON that is no
@@ -130,8 +131,8 @@ int main(int argc, char** argv) {
          "the URLs of an event");
   expect(urlsFor(*ad, "rewind").empty(), "an event that no document names");
 
-  expect(pickMedia(*ad, 1000)->width == 640, "the file for a slow line");
-  expect(pickMedia(*ad, 9000)->width == 1920, "the file for a fast one");
+  expect(pickMedia(*ad, 1000)->width() == 640, "the file for a slow line");
+  expect(pickMedia(*ad, 9000)->width() == 1920, "the file for a fast one");
   expect(bannerFor(*ad, 320, 300).starts_with("<img"), "the largest companion that fits");
   expect(bannerFor(*ad, 320, 50) == "https://cdn.example/300x50.png", "the one for a small slot");
   expect(bannerFor(*ad, 100, 50).empty(), "none for a tiny one");

@@ -12,7 +12,7 @@ namespace {
 void useRecord(TamzoVastAd& ad) {
   if (const auto companions = ad.getMostSuitableCompanion()) {
     const TamzoCompanion* best = companions->bestForSlot(320, 250);
-    require(best == nullptr || (best->width.value() <= 320 && best->height.value() <= 250),
+    require(best == nullptr || (best->width().value() <= 320 && best->height().value() <= 250),
             "the best companion does not fit the slot");
   }
   const Text page = ad.getVideoWAPView();

@@ -327,7 +327,8 @@ std::string withoutXmlnsAssignments(std::string xml) {
   std::string out;
   std::size_t at = 0;
   MarkupCursor cursor;
-  while (const TextMatch match = findAssignment(text, "xmlns", at)) {
+  const AssignmentSearch search("xmlns");
+  while (const TextMatch match = search.find(text, at)) {
     for (; at + 1 < match.end; ++at) {
       cursor.step(text.substr(at));
       out += text[at];

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -16,13 +16,8 @@ namespace tamzo {
 /// Holds views: the characters of a key must outlive the index.
 class TAMZO_EXPORT KeyIndex {
  public:
-  KeyIndex() noexcept;
-  KeyIndex(KeyIndex&&) noexcept;
-  KeyIndex& operator=(KeyIndex&&) noexcept;
-  ~KeyIndex();
-
   std::optional<std::size_t> find(std::string_view key) const;
-  /// Enters the key, or changes its position.
+  /// Enters the key, or changes its position. Nothing is changed when memory runs out.
   void set(std::string_view key, std::size_t position);
 
  private:
@@ -30,10 +25,20 @@ class TAMZO_EXPORT KeyIndex {
     std::string_view key;
     std::size_t position;
   };
-  struct Hashed;
+  // An entry by its number in `entries_`, and as much of its hash as finds the slot again in a
+  // larger table.
+  struct Slot {
+    std::uint32_t hash;
+    std::uint32_t entry;
+  };
+  static constexpr std::uint32_t kFree = UINT32_MAX;
 
-  std::vector<Entry> few_;
-  std::unique_ptr<Hashed> hashed_;
+  const Entry* findEntry(std::string_view key, std::uint32_t hash) const noexcept;
+  static void enter(std::vector<Slot>& slots, Slot slot) noexcept;
+  void growTable();
+
+  std::vector<Entry> entries_;
+  std::vector<Slot> slots_;  // empty while there are few entries
 };
 
 }  // namespace tamzo

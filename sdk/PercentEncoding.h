@@ -5,7 +5,7 @@
 
 namespace tamzo {
 
-inline bool isAsciiAlphanumeric(char c) noexcept {
+constexpr bool isAsciiAlphanumeric(char c) noexcept {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
@@ -13,9 +13,8 @@ inline bool isAsciiAlphanumeric(char c) noexcept {
 inline void appendPercentEncoded(std::string& out, char c) {
   constexpr char kDigits[] = "0123456789ABCDEF";
   const auto byte = static_cast<std::uint8_t>(c);
-  out += '%';
-  out += kDigits[byte >> 4U];
-  out += kDigits[byte & 15U];
+  const char escape[] = {'%', kDigits[byte >> 4U], kDigits[byte & 15U]};
+  out.append(escape, sizeof escape);
 }
 
 }  // namespace tamzo

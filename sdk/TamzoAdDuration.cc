@@ -10,7 +10,8 @@ namespace tamzo {
 namespace {
 
 bool isAllDigits(std::string_view text) noexcept {
-  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+  return !text.empty() &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
 // Whole seconds of a clock time; 0 for a text that is none.

@@ -204,28 +204,37 @@ class Filler {
   std::unordered_map<std::string_view, std::string> values_;
 };
 
-std::string replaceAll(std::string_view text, Filler& filler) {
+// The name runs to the first character that no macro's name has.
+std::size_t endOfName(std::string_view text, std::size_t begin) noexcept {
+  while (begin < text.size() && text[begin] >= 'A' && text[begin] <= 'Z') {
+    ++begin;
+  }
+  return begin;
+}
+
+std::size_t findBracket(std::string_view text, std::size_t from) noexcept {
+  return from < text.size() && text[from] == '[' ? from : text.find('[', from);
+}
+
+// The very same text where it holds no macro.
+Text replaceAll(const Text& given, Filler& filler) {
+  const std::string_view text = given;
   std::string out;
-  while (!text.empty()) {
-    const std::size_t open = std::min(text.find('['), text.size());
-    out += text.substr(0, open);
-    text.remove_prefix(open);
-    // The name runs to the first character that no macro's name has.
-    std::size_t end = 1;
-    while (end < text.size() && text[end] >= 'A' && text[end] <= 'Z') {
-      ++end;
-    }
+  std::size_t copied = 0;
+  std::size_t end = 0;
+  for (std::size_t open = text.find('['); open != std::string_view::npos;
+       open = findBracket(text, end)) {
+    end = endOfName(text, open + 1);
     const bool isBracketed = end < text.size() && text[end] == ']';
-    const std::string* value = isBracketed ? filler.find(text.substr(1, end - 1)) : nullptr;
+    const std::string* value =
+        isBracketed ? filler.find(text.substr(open + 1, end - open - 1)) : nullptr;
     if (value != nullptr) {
+      out += text.substr(copied, open - copied);
       out += *value;
-      text.remove_prefix(end + 1);
-    } else if (!text.empty()) {
-      out += text.front();
-      text.remove_prefix(1);
+      copied = end + 1;
     }
   }
-  return out;
+  return copied == 0 ? given : Text(std::move(out += text.substr(copied)));
 }
 
 }  // namespace
@@ -237,11 +246,8 @@ Text TamzoMacroReplacementUtil::replaceVASTMacros(const Text& text, const TamzoV
   if (hooks->replace) {
     return hooks->replace(text, fromVast);
   }
-  if (text.view().find('[') == std::string_view::npos) {
-    return text;
-  }
   Filler filler(fromVast, *hooks);
-  return Text(replaceAll(text, filler));
+  return replaceAll(text, filler);
 }
 
 }  // namespace tamzo

@@ -11,8 +11,9 @@
 
 namespace tamzo {
 
-/// One Verification element of IAB VAST's AdVerifications: who measures, and with what. Texts are
-/// nil, and flags absent, where the document has none.
+/// One Verification element of IAB VAST's AdVerifications: who measures, and with what. Each getter
+/// reads the element when it is called; texts are nil, and flags absent, where it has none.
+/// Immutable: any number of threads may read it.
 class TAMZO_EXPORT TamzoMeasurementProviderModel {
  public:
   struct JavaScriptResource {
@@ -26,33 +27,26 @@ class TAMZO_EXPORT TamzoMeasurementProviderModel {
     Text type;
   };
 
+  /// Of no element.
   static std::shared_ptr<TamzoMeasurementProviderModel> init() {
     return std::make_shared<TamzoMeasurementProviderModel>();
   }
 
-  /// Reads the first element of `verification`, a list of one Verification element, into a new
-  /// record. Never null.
+  /// A new record of the first element of `verification`, a list of one Verification element.
+  /// Never null.
   std::shared_ptr<TamzoMeasurementProviderModel> createMeasurementProviderFromXML(
       const NodeList& verification) const;
 
-  const Text& vendor() const noexcept { return vendor_; }
-  const std::vector<JavaScriptResource>& javaScriptResources() const noexcept {
-    return javaScriptResources_;
-  }
-  const std::vector<ExecutableResource>& executableResources() const noexcept {
-    return executableResources_;
-  }
+  Text vendor() const;
+  std::vector<JavaScriptResource> javaScriptResources() const;
+  std::vector<ExecutableResource> executableResources() const;
   /// For the vendor's script, as it stands.
-  const Text& verificationParameters() const noexcept { return verificationParameters_; }
+  Text verificationParameters() const;
   /// Such as "verificationNotExecuted".
-  const TrackerMap& trackers() const noexcept { return trackers_; }
+  TrackerMap trackers() const;
 
  private:
-  Text vendor_;
-  std::vector<JavaScriptResource> javaScriptResources_;
-  std::vector<ExecutableResource> executableResources_;
-  Text verificationParameters_;
-  TrackerMap trackers_;
+  DDXMLElement node_;
 };
 
 }  // namespace tamzo

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "xml/DDXMLElement.h"
 #include "xml/Export.h"
@@ -10,25 +11,45 @@
 
 namespace tamzo {
 
-/// One MediaFile element. Texts are nil, and numbers and flags absent, where the attribute is. A
-/// plain record: reading it from several threads is safe.
-struct TAMZO_EXPORT TamzoMediaFile {
-  static std::shared_ptr<TamzoMediaFile> initWithNode(const DDXMLElement& node);
+/// One MediaFile element, which each getter reads when it is called. Texts are nil, and numbers
+/// and flags absent, where the attribute is. Immutable: any number of threads may read it.
+class TAMZO_EXPORT TamzoMediaFile {
+ public:
+  /// Of no element: every text is nil.
+  TamzoMediaFile() noexcept = default;
+  explicit TamzoMediaFile(DDXMLElement node) noexcept : node_(std::move(node)) {}
 
-  Text url;  ///< The element's text, trimmed; "" when it has none.
-  Text id;
-  Text delivery;  ///< "progressive" or "streaming"
-  Text type;      ///< MIME type, as written
-  Text codec;
-  Text apiFramework;                       ///< "VPAID" for an executable unit
-  std::optional<std::int32_t> width;       ///< pixels
-  std::optional<std::int32_t> height;      ///< pixels
-  std::optional<std::int32_t> bitrate;     ///< kilobits a second
-  std::optional<std::int32_t> minBitrate;  ///< kilobits a second
-  std::optional<std::int32_t> maxBitrate;  ///< kilobits a second
-  std::optional<std::int32_t> fileSize;    ///< bytes
-  std::optional<bool> scalable;
-  std::optional<bool> maintainAspectRatio;
+  /// Never null.
+  static std::shared_ptr<TamzoMediaFile> initWithNode(DDXMLElement node);
+
+  /// The element's text, trimmed; "" when it has none.
+  Text url() const;
+  Text id() const;
+  /// "progressive" or "streaming".
+  Text delivery() const;
+  /// MIME type, as written.
+  Text type() const;
+  Text codec() const;
+  /// "VPAID" for an executable unit.
+  Text apiFramework() const;
+
+  /// Pixels.
+  std::optional<std::int32_t> width() const;
+  std::optional<std::int32_t> height() const;
+
+  /// Kilobits a second.
+  std::optional<std::int32_t> bitrate() const;
+  std::optional<std::int32_t> minBitrate() const;
+  std::optional<std::int32_t> maxBitrate() const;
+
+  /// Bytes.
+  std::optional<std::int32_t> fileSize() const;
+
+  std::optional<bool> scalable() const;
+  std::optional<bool> maintainAspectRatio() const;
+
+ private:
+  DDXMLElement node_;
 };
 
 }  // namespace tamzo

@@ -37,7 +37,7 @@ class TAMZO_EXPORT TamzoUrlReader {
   static std::optional<std::string> read(const Text& url);
 
   /// A URL made from a text: what a URL may not hold is percent-encoded as UTF-8, what is encoded
-  /// already stays. Nil for an empty text.
+  /// already stays. Nil for an empty text, and for one beyond 1 MiB, which no server would take.
   static Text urlFromText(std::string_view text);
 };
 

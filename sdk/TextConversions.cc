@@ -3,6 +3,7 @@
 #include <fast_float/fast_float.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace tamzo {
@@ -11,6 +12,15 @@ namespace {
 std::uint8_t byteAt(std::string_view text, std::size_t at) noexcept {
   return at < text.size() ? static_cast<std::uint8_t>(text[at]) : std::uint8_t{0};
 }
+
+// The first bytes of white-space characters.
+constexpr auto kMayStartWhiteSpace = [] {
+  std::array<bool, 256> may{};
+  for (const std::size_t byte : {0x09, 0x0A, 0x0B, 0x0C, 0x0D, 0x20, 0xC2, 0xE1, 0xE2, 0xE3}) {
+    may[byte] = true;
+  }
+  return may;
+}();
 
 bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 
@@ -80,6 +90,15 @@ std::size_t whiteSpaceAt(std::string_view text, std::size_t at) noexcept {
                        bytes == 0xE280AF || bytes == 0xE2819F ||    // U+202F, U+205F
                        bytes == 0xE38080;                           // U+3000
   return isSpace ? 3 : 0;
+}
+
+std::size_t findWhiteSpace(std::string_view text, std::size_t from) noexcept {
+  std::size_t at = from;
+  while (at < text.size() &&
+         !(kMayStartWhiteSpace[byteAt(text, at)] && whiteSpaceAt(text, at) > 0)) {
+    ++at;
+  }
+  return at;
 }
 
 std::string_view trimWhiteSpace(std::string_view text) noexcept {

@@ -15,6 +15,9 @@ namespace tamzo {
 /// Bytes of the white-space character (Unicode's White_Space) that begins at `at`; 0 for any other.
 TAMZO_EXPORT std::size_t whiteSpaceAt(std::string_view text, std::size_t at) noexcept;
 
+/// Where the first white-space character at or after `from` begins; the text's size when none does.
+TAMZO_EXPORT std::size_t findWhiteSpace(std::string_view text, std::size_t from) noexcept;
+
 /// The text without white space and newlines at both ends.
 TAMZO_EXPORT std::string_view trimWhiteSpace(std::string_view text) noexcept;
 

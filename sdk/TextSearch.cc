@@ -1,6 +1,7 @@
 #include "sdk/TextSearch.h"
 
-#include <cstdint>
+#include <algorithm>
+#include <cstring>
 
 namespace tamzo {
 namespace {
@@ -52,24 +53,53 @@ bool isPlainLetter(char c) noexcept {
   return letter >= 'a' && letter <= 'z' && letter != 's' && letter != 'k';
 }
 
+// The first letters of the word, compared as one number.
+constexpr std::size_t kFront = 4;
+
+std::uint32_t lowerFront(const char* text) noexcept {
+  std::uint32_t front = 0;
+  std::memcpy(&front, text, kFront);
+  return front | 0x20202020U;
+}
+
 }  // namespace
 
-TextMatch findAssignment(std::string_view text, std::string_view word, std::size_t from) noexcept {
-  const bool canSkip = word.size() >= 2 && isPlainLetter(word[0]) && isPlainLetter(word[1]);
-  const std::uint8_t first = word.empty() ? 0 : lower(word[0]);
-  std::size_t checkedTo = canSkip ? from : text.size();
-  for (std::size_t at = from; at < text.size(); ++at) {
-    if (at == checkedTo) {
-      while (at + kBlock < text.size() &&
-             !mayHoldPair(text.data() + at, lower(word[0]), lower(word[1]))) {
-        at += kBlock;
+AssignmentSearch::AssignmentSearch(std::string_view word) noexcept : word_(word) {
+  if (word.size() >= kFront && std::all_of(word.begin(), word.begin() + kFront, isPlainLetter)) {
+    front_ = lowerFront(word.data());
+    known_ = kFront;
+  }
+}
+
+// Where the word's first letters stand next, case aside; the text's size when they do not. A few
+// places are looked at before whole blocks: where the letters stood once, they often stand again.
+std::size_t AssignmentSearch::nextCandidate(std::string_view text,
+                                            std::size_t from) const noexcept {
+  constexpr std::size_t kFew = 16;
+  if (known_ == 0) {
+    return from;
+  }
+  const std::size_t last = text.size() < kFront ? 0 : text.size() - kFront + 1;
+  std::size_t stop = from + kFew;
+  for (std::size_t at = from; at < last; stop = at + kBlock) {
+    for (stop = std::min(stop, last); at < stop; ++at) {
+      if (lowerFront(text.data() + at) == front_) {
+        return at;
       }
-      checkedTo = at + kBlock;
     }
-    if (canSkip && lower(text[at]) != first) {
-      continue;
+    while (at + kBlock < text.size() &&
+           !mayHoldPair(text.data() + at, lower(word_[0]), lower(word_[1]))) {
+      at += kBlock;
     }
-    const std::size_t end = matchAssignment(text, word, at);
+  }
+  return text.size();
+}
+
+TextMatch AssignmentSearch::find(std::string_view text, std::size_t from) const noexcept {
+  const std::string_view rest = word_.substr(known_);
+  for (std::size_t at = nextCandidate(text, from); at < text.size();
+       at = nextCandidate(text, at + 1)) {
+    const std::size_t end = matchAssignment(text, rest, at + known_);
     if (end != std::string_view::npos) {
       return {at, end};
     }

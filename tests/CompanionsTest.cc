@@ -21,7 +21,7 @@ std::string idsOf(const TamzoVastAd& ad) {
   for (const auto& document : *ad.companionAds()) {
     ids += ids.empty() ? "" : "; ";
     for (const TamzoCompanion& companion : document->companions()) {
-      ids += companion.id.view();
+      ids += companion.id().view();
     }
   }
   return ids;
@@ -130,7 +130,7 @@ TEST_F(CompanionsTest, AHundredThousandCompanionsStayInOrder) {
   const auto ad = freshRecord();
   ad->updateAllCompanionNodes(rootOf("<I>" + companions(content) + "</I>"));
   ASSERT_EQ(ad->companionAds()->at(0)->companions().size(), 100'000U);
-  EXPECT_EQ(ad->companionAds()->at(0)->companions().back().id, "99999");
+  EXPECT_EQ(ad->companionAds()->at(0)->companions().back().id(), "99999");
 }
 
 // ---- What a companion holds --------------------------------------------------------------------
@@ -171,12 +171,12 @@ TEST_F(CompanionsTest, AnEmptyCompanionHoldsNothing) {
   const auto ad = TamzoCompanionAd::initWithNode(rootOf("<Companion/>"));
   ASSERT_EQ(ad->companions().size(), 1U);
   const TamzoCompanion& companion = ad->companions().front();
-  EXPECT_TRUE(companion.id.isNil());
-  EXPECT_FALSE(companion.width.has_value());
-  EXPECT_FALSE(companion.height.has_value());
-  EXPECT_TRUE(companion.clickThrough.isNil());
+  EXPECT_TRUE(companion.id().isNil());
+  EXPECT_FALSE(companion.width().has_value());
+  EXPECT_FALSE(companion.height().has_value());
+  EXPECT_TRUE(companion.clickThrough().isNil());
   EXPECT_FALSE(companion.hasResource());
-  EXPECT_EQ(companion.trackers.size(), 0U);
+  EXPECT_EQ(companion.trackers().size(), 0U);
   EXPECT_TRUE(TamzoCompanionAd::initWithNode(NodeList())->companions().empty());
 }
 
@@ -218,7 +218,7 @@ TEST_F(CompanionsTest, TheLargestThatFitsFillsASlotBest) {
     const auto document = parseDocument("<A>" + row.content + "</A>");
     const auto ad = TamzoCompanionAd::initWithNode(document->nodesForXPath("/A/Companion"));
     const TamzoCompanion* best = ad->bestForSlot(row.width, row.height);
-    EXPECT_EQ(best == nullptr ? "" : best->id.view(), row.best) << row.name;
+    EXPECT_EQ(best == nullptr ? "" : best->id().view(), row.best) << row.name;
   }
 }
 

@@ -289,6 +289,10 @@ TEST_F(Fetch, AUrlIsMadeOfAnyText) {
     EXPECT_EQ(TamzoUrlReader::urlFromText(text), Text(url)) << text;
   }
   EXPECT_TRUE(TamzoUrlReader::urlFromText("").isNil());
+
+  const std::string longest = "http://a.example/" + std::string((1U << 20U) - 17, '[');
+  EXPECT_EQ(TamzoUrlReader::urlFromText(longest).view().size(), 17 + 3 * (longest.size() - 17));
+  EXPECT_TRUE(TamzoUrlReader::urlFromText(longest + "x").isNil()) << "no server takes it";
 }
 
 TEST_F(Fetch, OddCharactersOfATagAreSentEncoded) {

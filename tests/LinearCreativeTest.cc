@@ -194,10 +194,10 @@ TEST_F(Linear, EveryMediaFileIsRecordedInOrder) {
       "<MediaFile type='video/3gpp'>3</MediaFile></MediaFiles></Linear>"));
   const auto& files = *ad_->mediaFiles();
   ASSERT_EQ(files.size(), 3U);
-  EXPECT_EQ(files[0]->type, Text("video/webm"));
-  EXPECT_EQ(files[1]->type, Text("video/mp4"));
-  EXPECT_EQ(files[1]->url, Text("2"));
-  EXPECT_EQ(files[2]->type, Text("video/3gpp"));
+  EXPECT_EQ(files[0]->type(), Text("video/webm"));
+  EXPECT_EQ(files[1]->type(), Text("video/mp4"));
+  EXPECT_EQ(files[1]->url(), Text("2"));
+  EXPECT_EQ(files[2]->type(), Text("video/3gpp"));
 }
 
 TEST_F(Linear, MediaFilesOfASecondRunTakeTheSamePlaces) {
@@ -207,8 +207,8 @@ TEST_F(Linear, MediaFilesOfASecondRunTakeTheSamePlaces) {
   ad_->updateMediaFiles(
       rootOf("<Linear><MediaFiles><MediaFile>3</MediaFile></MediaFiles></Linear>"));
   ASSERT_EQ(ad_->mediaFiles()->size(), 2U);
-  EXPECT_EQ((*ad_->mediaFiles())[0]->url, Text("3"));
-  EXPECT_EQ((*ad_->mediaFiles())[1]->url, Text("2"));
+  EXPECT_EQ((*ad_->mediaFiles())[0]->url(), Text("3"));
+  EXPECT_EQ((*ad_->mediaFiles())[1]->url(), Text("2"));
   ad_->updateMediaFiles(NodeList());
   ad_->updateMediaFiles(rootOf("<Linear/>"));
   EXPECT_EQ(ad_->mediaFiles()->size(), 2U);

@@ -74,27 +74,28 @@ TEST_F(SdkComponentsTest, AMediaFileIsItsTextAndAttributes) {
       " width='300px' height='' bitrate='-1' minBitrate='x' maxBitrate='99999999999' fileSize='7'"
       " scalable='TRUE' maintainAspectRatio='0'>\n <![CDATA[ https://c.example/a ]]>\n"
       "</MediaFile>"));
-  EXPECT_EQ(file->url, "https://c.example/a");
-  EXPECT_EQ(file->id, "m");
-  EXPECT_EQ(file->delivery, "streaming");
-  EXPECT_EQ(file->type, "Video/MP4");
-  EXPECT_EQ(file->codec, "h264");
-  EXPECT_EQ(file->apiFramework, "VPAID");
-  EXPECT_EQ(file->width, 300);
-  EXPECT_EQ(file->height, 0);
-  EXPECT_EQ(file->bitrate, -1);
-  EXPECT_EQ(file->minBitrate, 0);
-  EXPECT_EQ(file->maxBitrate, std::numeric_limits<std::int32_t>::max());
-  EXPECT_EQ(file->fileSize, 7);
-  EXPECT_EQ(file->scalable, true);
-  EXPECT_EQ(file->maintainAspectRatio, false);
+  EXPECT_EQ(file->url(), "https://c.example/a");
+  EXPECT_EQ(file->id(), "m");
+  EXPECT_EQ(file->delivery(), "streaming");
+  EXPECT_EQ(file->type(), "Video/MP4");
+  EXPECT_EQ(file->codec(), "h264");
+  EXPECT_EQ(file->apiFramework(), "VPAID");
+  EXPECT_EQ(file->width(), 300);
+  EXPECT_EQ(file->height(), 0);
+  EXPECT_EQ(file->bitrate(), -1);
+  EXPECT_EQ(file->minBitrate(), 0);
+  EXPECT_EQ(file->maxBitrate(), std::numeric_limits<std::int32_t>::max());
+  EXPECT_EQ(file->fileSize(), 7);
+  EXPECT_EQ(file->scalable(), true);
+  EXPECT_EQ(file->maintainAspectRatio(), false);
 
   const auto bare = TamzoMediaFile::initWithNode(elementOf("<MediaFile/>"));
-  EXPECT_EQ(bare->url, "");
-  EXPECT_TRUE(bare->id.isNil() && bare->delivery.isNil() && bare->type.isNil());
-  EXPECT_TRUE(bare->codec.isNil() && bare->apiFramework.isNil());
-  EXPECT_FALSE(bare->width || bare->height || bare->bitrate || bare->minBitrate);
-  EXPECT_FALSE(bare->maxBitrate || bare->fileSize || bare->scalable || bare->maintainAspectRatio);
+  EXPECT_EQ(bare->url(), "");
+  EXPECT_TRUE(bare->id().isNil() && bare->delivery().isNil() && bare->type().isNil());
+  EXPECT_TRUE(bare->codec().isNil() && bare->apiFramework().isNil());
+  EXPECT_FALSE(bare->width() || bare->height() || bare->bitrate() || bare->minBitrate());
+  EXPECT_FALSE(bare->maxBitrate() || bare->fileSize() || bare->scalable() ||
+               bare->maintainAspectRatio());
 }
 
 TEST_F(SdkComponentsTest, AVerificationIsReadWhole) {
@@ -115,7 +116,7 @@ TEST_F(SdkComponentsTest, AVerificationIsReadWhole) {
         <VerificationParameters>second</VerificationParameters>
       </Verification>)"));
   EXPECT_EQ(provider->vendor(), "v.example-omid");
-  const auto& scripts = provider->javaScriptResources();
+  const auto scripts = provider->javaScriptResources();
   ASSERT_EQ(scripts.size(), 3U);
   EXPECT_EQ(scripts[0].url, "https://v.example/1.js");
   EXPECT_EQ(scripts[0].apiFramework, "omid");
@@ -125,7 +126,7 @@ TEST_F(SdkComponentsTest, AVerificationIsReadWhole) {
   EXPECT_EQ(scripts[1].browserOptional, false);
   EXPECT_EQ(scripts[2].url, "");
   EXPECT_FALSE(scripts[2].browserOptional.has_value());
-  const auto& executables = provider->executableResources();
+  const auto executables = provider->executableResources();
   ASSERT_EQ(executables.size(), 2U);
   EXPECT_EQ(executables[0].url, "https://v.example/exe");
   EXPECT_EQ(executables[0].apiFramework, "omid");

@@ -135,7 +135,7 @@ TEST_F(ThreadsTest, AFilledRecordIsReadFromSeveralThreads) {
     for (int i = 0; i < kParses; ++i) {
       differing += recordAsJson(*ad) == expected ? 0 : 1;
       const auto companion = ad->getMostSuitableCompanion();
-      differing += companion->companions().front().id == "c" ? 0 : 1;
+      differing += companion->companions().front().id() == "c" ? 0 : 1;
       const auto& icon = std::get<DDXMLElement>(ad->extraActions().list()->back());
       differing += icon.attributeValue("program") == "P" ? 0 : 1;
       differing +=
@@ -189,7 +189,7 @@ TEST_F(ThreadsTest, WhatARecordGaveOutOutlivesEverythingOnAnotherThread) {
         wrong += mine.hotspot->node().attributeValue("id") == Text(n) ? 0 : 1;
         wrong += mine.url == "https://t.example/s" ? 0 : 1;
         wrong += mine.moat == "<ViewableImpression>m</ViewableImpression>" ? 0 : 1;
-        wrong += mine.companions->companions().front().width == 1 ? 0 : 1;
+        wrong += mine.companions->companions().front().width() == 1 ? 0 : 1;
         wrong += mine.provider->vendor() == "v" ? 0 : 1;
       }
     });

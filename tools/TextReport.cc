@@ -163,8 +163,9 @@ void reportMediaFiles(Report& report, const TamzoVastAd& ad) {
   }
   std::vector<Row> rows;
   for (const auto& file : *ad.mediaFiles()) {
-    rows.push_back({orDash(file->type), orDash(file->delivery), sizeOf(file->width, file->height),
-                    orDash(file->bitrate), orDash(file->url)});
+    rows.push_back({orDash(file->type()), orDash(file->delivery()),
+                    sizeOf(file->width(), file->height()), orDash(file->bitrate()),
+                    orDash(file->url())});
   }
   report.table({"type", "delivery", "size", "kbit/s", "URL"}, rows);
 }
@@ -183,21 +184,21 @@ void reportTrackers(Report& report, const TamzoVastAd& ad) {
 }
 
 std::string resourceOf(const TamzoCompanion& companion) {
-  if (!companion.staticResources.empty()) {
-    return orDash(companion.staticResources.front().url);
+  if (const auto images = companion.staticResources(); !images.empty()) {
+    return orDash(images.front().url);
   }
-  if (!companion.iframeResources.empty()) {
-    return orDash(companion.iframeResources.front());
+  if (const auto frames = companion.iframeResources(); !frames.empty()) {
+    return orDash(frames.front());
   }
-  return companion.htmlResources.empty() ? "-" : "(HTML)";
+  return companion.htmlResources().empty() ? "-" : "(HTML)";
 }
 
 void reportCompanions(Report& report, const TamzoVastAd& ad) {
   std::vector<Row> rows;
   for (const auto& document : *ad.companionAds()) {
     for (const TamzoCompanion& companion : document->companions()) {
-      rows.push_back({orDash(companion.id), sizeOf(companion.width, companion.height),
-                      resourceOf(companion), orDash(companion.clickThrough)});
+      rows.push_back({orDash(companion.id()), sizeOf(companion.width(), companion.height()),
+                      resourceOf(companion), orDash(companion.clickThrough())});
     }
   }
   if (!rows.empty()) {
@@ -209,7 +210,7 @@ void reportCompanions(Report& report, const TamzoVastAd& ad) {
 void reportProviders(Report& report, const TamzoVastAd& ad) {
   std::vector<Row> rows;
   for (const auto& provider : *ad.measurementProviderList()) {
-    const auto& scripts = provider->javaScriptResources();
+    const auto scripts = provider->javaScriptResources();
     rows.push_back(
         {orDash(provider->vendor()), scripts.empty() ? "-" : orDash(scripts.front().url)});
   }

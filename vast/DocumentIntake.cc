@@ -153,13 +153,10 @@ Text TamzoVastAd::replaceWithPattern(std::string_view word, const Text& forVastS
   const std::string_view text = forVastString;
   std::string cleaned;
   std::size_t copied = 0;
-  for (TextMatch match = findAssignment(text, word, 0); match;
-       match = findAssignment(text, word, copied)) {
+  const AssignmentSearch search(word);
+  for (TextMatch match = search.find(text, 0); match; match = search.find(text, copied)) {
     // Every line terminator is white space, so the shortest run always ends at the first of it.
-    std::size_t end = match.end;
-    while (end < text.size() && whiteSpaceAt(text, end) == 0) {
-      ++end;
-    }
+    const std::size_t end = findWhiteSpace(text, match.end);
     if (end == text.size()) {
       break;  // no white space in the rest of the text: nothing more can match
     }

@@ -94,20 +94,20 @@ class RecordWriter {
 
   void write(const TamzoMediaFile& file) {
     json_.beginObject();
-    field("url", file.url);
-    field("id", file.id);
-    field("delivery", file.delivery);
-    field("type", file.type);
-    field("codec", file.codec);
-    field("apiFramework", file.apiFramework);
-    field("width", file.width);
-    field("height", file.height);
-    field("bitrate", file.bitrate);
-    field("minBitrate", file.minBitrate);
-    field("maxBitrate", file.maxBitrate);
-    field("fileSize", file.fileSize);
-    field("scalable", file.scalable);
-    field("maintainAspectRatio", file.maintainAspectRatio);
+    field("url", file.url());
+    field("id", file.id());
+    field("delivery", file.delivery());
+    field("type", file.type());
+    field("codec", file.codec());
+    field("apiFramework", file.apiFramework());
+    field("width", file.width());
+    field("height", file.height());
+    field("bitrate", file.bitrate());
+    field("minBitrate", file.minBitrate());
+    field("maxBitrate", file.maxBitrate());
+    field("fileSize", file.fileSize());
+    field("scalable", file.scalable());
+    field("maintainAspectRatio", file.maintainAspectRatio());
     json_.endObject();
   }
 
@@ -120,18 +120,18 @@ class RecordWriter {
 
   void write(const TamzoCompanion& companion) {
     json_.beginObject();
-    field("id", companion.id);
-    field("width", companion.width);
-    field("height", companion.height);
-    field("adSlotId", companion.adSlotId);
-    field("apiFramework", companion.apiFramework);
-    field("altText", companion.altText);
-    field("staticResources", companion.staticResources);
-    field("iframeResources", companion.iframeResources);
-    field("htmlResources", companion.htmlResources);
-    field("clickThrough", companion.clickThrough);
-    field("clickTracking", companion.clickTracking);
-    field("trackers", companion.trackers);
+    field("id", companion.id());
+    field("width", companion.width());
+    field("height", companion.height());
+    field("adSlotId", companion.adSlotId());
+    field("apiFramework", companion.apiFramework());
+    field("altText", companion.altText());
+    field("staticResources", companion.staticResources());
+    field("iframeResources", companion.iframeResources());
+    field("htmlResources", companion.htmlResources());
+    field("clickThrough", companion.clickThrough());
+    field("clickTracking", companion.clickTracking());
+    field("trackers", companion.trackers());
     json_.endObject();
   }
 

@@ -202,6 +202,9 @@ NodeList DDXMLElement::nodesForXPath(const XPath& path, XmlError* error) const {
   if (node_ == nullptr) {
     return {};
   }
+  if (node_->children == nullptr && path.isBelowContext()) {
+    return NodeList::makeEmpty();
+  }
   NodeList list(tree_);
   if (path.isChildPath()) {
     auto append = [&list](xmlNode* node) {

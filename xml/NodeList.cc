@@ -51,8 +51,10 @@ DDXMLElement NodeList::firstMatch(const XPath& path) const {
   if (size_ == 0) {
     return {};
   }
-  const bool isOneStep =
-      path.isChildPath() && !path.isAbsolute() && path.steps().find('/') == std::string_view::npos;
+  if (node(0)->children == nullptr && path.isBelowContext()) {
+    return {};
+  }
+  const bool isOneStep = path.isBelowContext() && path.steps().find('/') == std::string_view::npos;
   if (!isOneStep || ++lookups_ <= kLookupsBeforeIndex) {
     return element(0).firstNodeForXPath(path);
   }

@@ -29,6 +29,8 @@ class XPath {
   /// True for names joined by "/", with or without a leading "/".
   constexpr bool isChildPath() const noexcept { return isChildPath_; }
   constexpr bool isAbsolute() const noexcept { return isAbsolute_; }
+  /// True for a child path that starts at the node that is asked: without children it finds none.
+  constexpr bool isBelowContext() const noexcept { return isChildPath_ && !isAbsolute_; }
   /// The path without a leading "/".
   constexpr std::string_view steps() const noexcept { return steps_; }
   /// `hashOfName` of the first step.
