@@ -54,9 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
   const auto request = ordered_json::parse(line);
-  // The command sorts the members of an id; compared as values, order is of no account.
-  require(nlohmann::json(written["id"]) == nlohmann::json(request.value("id", ordered_json())),
-          "the id is not the one given");
+  requireEqual(dump(written["id"]), dump(request.value("id", ordered_json())),
+               "the id is not the one given");
   const auto ad = TamzoVastAd::initWithVast(Text(command::withoutByteOrderMark(*vast)));
   require(answer.errorCode == ad->errorCode(), "another error code");
   requireEqual(dump(written["record"]), dump(checkedRecord(*ad)), "another record");

@@ -16,7 +16,8 @@ std::uint8_t byteAt(std::string_view text, std::size_t at) noexcept {
 // The first bytes of white-space characters.
 constexpr auto kMayStartWhiteSpace = [] {
   std::array<bool, 256> may{};
-  for (const std::size_t byte : {0x09, 0x0A, 0x0B, 0x0C, 0x0D, 0x20, 0xC2, 0xE1, 0xE2, 0xE3}) {
+  for (const unsigned byte :
+       {0x09U, 0x0AU, 0x0BU, 0x0CU, 0x0DU, 0x20U, 0xC2U, 0xE1U, 0xE2U, 0xE3U}) {
     may[byte] = true;
   }
   return may;

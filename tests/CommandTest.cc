@@ -1,112 +1,16 @@
 // The command as a person or a script runs it.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <nlohmann/json.hpp>
 #include <regex>
-#include <sstream>
 #include <thread>
 
+#include "tests/support/CommandFixture.h"
 #include "tests/support/HttpServer.h"
 
 namespace tamzo::testing {
 namespace {
-
-namespace fs = std::filesystem;
-using nlohmann::ordered_json;
-using Arguments = std::vector<std::string>;
-
-struct Result {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-class CommandTest : public ::testing::Test {
- protected:
-  CommandTest() {
-    std::string name = (fs::temp_directory_path() / "tamzo-vast-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-  }
-  ~CommandTest() override {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-  }
-
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
-
-  std::string file(const std::string& name, const std::string& content) const {
-    std::ofstream(path(name), std::ios::binary) << content;
-    return path(name);
-  }
-
-  static std::string contentOf(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-  }
-
-  Result run(const Arguments& arguments, const std::string& input = "") const {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    const std::string in = file("stdin", input);
-    posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
-    const int kWrite = O_WRONLY | O_CREAT | O_TRUNC;
-    posix_spawn_file_actions_addopen(&actions, 1, path("stdout").c_str(), kWrite, 0600);
-    posix_spawn_file_actions_addopen(&actions, 2, path("stderr").c_str(), kWrite, 0600);
-    Arguments all = arguments;
-    all.insert(all.begin(), TAMZO_COMMAND);
-    std::vector<char*> pointers;
-    for (std::string& argument : all) {
-      pointers.push_back(argument.data());
-    }
-    pointers.push_back(nullptr);
-    pid_t child = 0;
-    const int failed =
-        posix_spawn(&child, TAMZO_COMMAND, &actions, nullptr, pointers.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    if (failed != 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
-      return {-1, "", "the command did not run, or did not exit"};
-    }
-    return {WEXITSTATUS(status), contentOf(path("stdout")), contentOf(path("stderr"))};
-  }
-
-  ordered_json record(Arguments arguments, const std::string& input = "") const {
-    arguments.insert(arguments.begin() + 1, {"--format", "json"});
-    return ordered_json::parse(run(arguments, input).out, nullptr, false);
-  }
-
-  fs::path folder_;
-};
-
-// A playable ad; `more` goes into its InLine element.
-std::string ad(const std::string& id, const std::string& more = "") {
-  return "<VAST version='4.0'><Ad id='" + id + "'><InLine>" + more +
-         "<Creatives><Creative><Linear><MediaFiles><MediaFile type='video/mp4'>u</MediaFile>"
-         "</MediaFiles></Linear></Creative></Creatives></InLine></Ad></VAST>";
-}
-
-std::string requestLine(const ordered_json& id, const std::string& vast) {
-  return ordered_json({{"id", id}, {"vast", vast}}).dump() + "\n";
-}
-
-std::vector<ordered_json> jsonLines(const std::string& text) {
-  std::vector<ordered_json> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) {
-    lines.push_back(ordered_json::parse(line, nullptr, false));
-  }
-  return lines;
-}
 
 long countLines(const std::string& text) { return std::count(text.begin(), text.end(), '\n'); }
 
@@ -369,92 +273,6 @@ TEST_F(CommandTest, ThePageIsPrintedExactly) {
   const Result own = run({"page", "-o", path("out"), file("a.xml", ad("a"))});
   EXPECT_EQ(own.status, 0) << own.err;
   EXPECT_NE(contentOf(path("out")).find(ad("a")), std::string::npos);
-}
-
-// ---- batch -----------------------------------------------------------------------------------
-
-TEST_F(CommandTest, ABatchAnswersEveryLineInItsPlace) {
-  const std::string input =
-      "\xEF\xBB\xBF" + requestLine(1, ad("a")) + "\n \t\r\n" + "not json\n" + "[1]\n" +
-      R"({"id":{"k":[1.5,null]}})" + "\n" + R"({"id":"x","vast":7})" + "\n" +
-      "{\"id\":1,\"vast\":\"\xFF\"}\n" + std::string(100'000, '[') + "\n" +
-      requestLine(nullptr, "<VAST version='9'/>") + "{\"vast\":\"\\ufeff" + ad("b") + "\"}";
-  const Result result = run({"batch", "-j", "3"}, input);
-  EXPECT_EQ(result.status, 2);
-  const auto lines = jsonLines(result.out);
-  ASSERT_EQ(lines.size(), 9U) << result.out;
-  const char* ids[] = {"1",    "null", "null", R"({"k":[1.5,null]})", R"("x")", "null",
-                       "null", "null", "null"};
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    ASSERT_TRUE(lines[i].is_object()) << i;
-    EXPECT_EQ(lines[i].size(), 2U) << i;
-    EXPECT_EQ(lines[i].begin().key(), "id") << i;
-    EXPECT_EQ(lines[i].at("id").dump(), ids[i]) << i;
-    const bool isAnswered = i == 0 || i >= 7;
-    EXPECT_EQ(lines[i].contains("record"), isAnswered) << i;
-    EXPECT_TRUE(isAnswered || lines[i].at("error").is_string()) << i;
-  }
-  EXPECT_EQ(lines[0].at("record").size(), 72U);
-  EXPECT_EQ(lines[7].at("record").at("errorCode"), 102);
-  EXPECT_EQ(lines[8].at("record").at("adID"), "b");
-  EXPECT_TRUE(std::regex_search(result.err, std::regex(R"((^|\n) *2 +0 )"))) << result.err;
-  EXPECT_TRUE(std::regex_search(result.err, std::regex(R"((^|\n) *1 +102 )"))) << result.err;
-  EXPECT_TRUE(std::regex_search(result.err, std::regex(R"((^|\n) *6 +- )"))) << result.err;
-}
-
-TEST_F(CommandTest, ABatchKeepsTheOrderOfManyLines) {
-  std::string input;
-  for (int i = 0; i < 2000; ++i) {
-    input += requestLine(
-        i, i % 7 == 0
-               ? "<VAST/>"
-               : ad(std::to_string(i), std::string(static_cast<std::size_t>(i * 37 % 5000), ' ')));
-  }
-  const Result one = run({"batch", "-j", "1"}, input);
-  EXPECT_EQ(one.status, 1);
-  const auto lines = jsonLines(one.out);
-  ASSERT_EQ(lines.size(), 2000U);
-  for (int i = 0; i < 2000; ++i) {
-    ASSERT_EQ(lines[static_cast<std::size_t>(i)].at("id"), i);
-  }
-  for (const Arguments& arguments : {Arguments{"batch"}, {"batch", "-j", "8"}}) {
-    const Result many = run(arguments, input);
-    EXPECT_EQ(many.out, one.out);
-    EXPECT_EQ(many.err, one.err);
-  }
-}
-
-TEST_F(CommandTest, ABatchTakesFilesAndFolders) {
-  fs::create_directories(path("in/folder.xml"));
-  for (const char* name : {"in/b.xml", "in/a.xml", "in/c.txt", "in/folder.xml/d.xml", "z.txt"}) {
-    file(name, ad(name));
-  }
-  const Result result =
-      run({"batch", path("z.txt"), path("in"), path("none.xml"), path("in/b.xml")});
-  EXPECT_EQ(result.status, 2);
-  const auto lines = jsonLines(result.out);
-  const char* names[] = {"z.txt", "in/a.xml", "in/b.xml", "none.xml", "in/b.xml"};
-  ASSERT_EQ(lines.size(), std::size(names)) << result.out;
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    EXPECT_EQ(lines[i].at("id"), path(names[i]));
-    EXPECT_EQ(lines[i].contains("error"), i == 3) << names[i];
-  }
-  EXPECT_EQ(lines[1].at("record").at("adID"), "in/a.xml");
-  EXPECT_NE(result.err.find("none.xml"), std::string::npos);
-}
-
-TEST_F(CommandTest, ABatchTakesTheOptionsOfParse) {
-  const std::string response = file("a.xml", ad("a", "<Category>IAB26</Category>"));
-  const Result result = run({"batch", "--blocked-categories", "IAB26", "-o", path("out"), "--debug",
-                             "--timeout", "1", "--max-body", "9", response});
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(jsonLines(contentOf(path("out"))).at(0).at("record").at("errorCode"), 205);
-  EXPECT_NE(result.err.find("[TAMZO-LOG][v8.0.0 p0] Vast Ad Category is blocked\n"),
-            std::string::npos);
-  const Result nothing = run({"batch"}, "\n\n");
-  EXPECT_EQ(nothing.status, 0);
-  EXPECT_EQ(nothing.out, "");
 }
 
 }  // namespace

@@ -9,32 +9,12 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/SdkFixture.h"
+#include "tests/support/UpdaterFixture.h"
 
 namespace tamzo::testing {
 namespace {
 
-using Pairs = std::vector<std::pair<std::string, std::string>>;
-
-class Linear : public SdkTest {
- protected:
-  Linear() : ad_(TamzoVastAd::initWithVast("")) {}
-
-  // What is listed under a name, as URL and offset.
-  Pairs trackers(std::string_view name) const {
-    Pairs found;
-    const TrackerList events = ad_->trackers()->find(name);
-    EXPECT_NE(events, nullptr) << name;
-    if (events != nullptr) {
-      for (const auto& event : *events) {
-        found.emplace_back(event->url().view(), event->offset().view());
-      }
-    }
-    return found;
-  }
-
-  std::shared_ptr<TamzoVastAd> ad_;
-};
+using Linear = UpdaterTest;
 
 NodeList inlineWith(const std::string& files) {
   return rootOf("<InLine><Creatives><Creative><Linear><MediaFiles>" + files +

@@ -9,31 +9,15 @@
 #include <variant>
 #include <vector>
 
-#include "tests/support/SdkFixture.h"
+#include "tests/support/UpdaterFixture.h"
 
 namespace tamzo::testing {
 namespace {
 
-using Pairs = std::vector<std::pair<std::string, std::string>>;
+using Pairs = UrlsAndOffsets;
 
-class LinearTracking : public SdkTest {
+class LinearTracking : public UpdaterTest {
  protected:
-  LinearTracking() : ad_(TamzoVastAd::initWithVast("")) {}
-
-  // What is listed under a name, as URL and offset.
-  Pairs trackers(std::string_view name) const {
-    Pairs found;
-    const TrackerList events = ad_->trackers()->find(name);
-    EXPECT_NE(events, nullptr) << name;
-    if (events != nullptr) {
-      for (const auto& event : *events) {
-        EXPECT_FALSE(event->offset().isNil()) << name;
-        found.emplace_back(event->url().view(), event->offset().view());
-      }
-    }
-    return found;
-  }
-
   std::vector<std::string> trackerNames() const {
     std::vector<std::string> names;
     for (const auto& entry : *ad_->trackers()) {
@@ -41,8 +25,6 @@ class LinearTracking : public SdkTest {
     }
     return names;
   }
-
-  std::shared_ptr<TamzoVastAd> ad_;
 };
 
 using Names = std::vector<std::string>;

@@ -23,6 +23,7 @@
 #include "sdk/Utf8.h"
 #include "tools/CommandError.h"
 #include "tools/Input.h"
+#include "tools/JsonMember.h"
 #include "tools/Output.h"
 #include "vast/ErrorCodes.h"
 #include "vast/RecordJson.h"
@@ -32,31 +33,34 @@ namespace {
 
 using nlohmann::json;
 
+constexpr const char* kNoId = "null";
+
 std::string dump(const json& value) {
   return value.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
-BatchAnswer refuse(const json& id, const std::string& why) {
-  return {R"({"id": )" + dump(id) + R"(, "error": )" + dump(json(why)) + "}", why, 0};
+// `id` is JSON.
+BatchAnswer refuse(const std::string& id, const std::string& why) {
+  return {R"({"id": )" + id + R"(, "error": )" + dump(json(why)) + "}", why, 0};
 }
 
-BatchAnswer parse(const json& id, std::string vast) {
+BatchAnswer parse(const std::string& id, std::string vast) {
   const auto ad = TamzoVastAd::initWithVast(Text(withoutByteOrderMark(std::move(vast))));
   if (ad == nullptr) {
     return refuse(id, "out of memory");
   }
-  return {R"({"id": )" + dump(id) + R"(, "record": )" + recordAsJson(*ad) + "}", "",
-          ad->errorCode()};
+  return {R"({"id": )" + id + R"(, "record": )" + recordAsJson(*ad) + "}", "", ad->errorCode()};
 }
 
 BatchAnswer answerFile(const std::string& path) {
+  const std::string id = dump(json(path));
   if (path.empty()) {
-    return refuse(json(path), "a PATH is empty");
+    return refuse(id, "a PATH is empty");
   }
   try {
-    return parse(json(path), readInput(path));
+    return parse(id, readInput(path));
   } catch (const CommandError& error) {
-    return refuse(json(path), error.what());
+    return refuse(id, error.what());
   }
 }
 
@@ -93,7 +97,8 @@ Source sourceOfPaths(const std::vector<std::string>& paths, std::size_t& total) 
         work->push_back([file] { return answerFile(file); });
       }
     } catch (const CommandError& error) {
-      work->push_back([path, why = std::string(error.what())] { return refuse(json(path), why); });
+      work->push_back(
+          [path, why = std::string(error.what())] { return refuse(dump(json(path)), why); });
     }
   }
   total = work->size();
@@ -114,8 +119,7 @@ bool isBlank(std::string_view line) {
 Source sourceOfLines() {
   std::ios::sync_with_stdio(false);
   auto number = std::make_shared<std::size_t>(0);
-  std::optional<Work> failure =
-      Work([] { return refuse(nullptr, "standard input cannot be read"); });
+  std::optional<Work> failure = Work([] { return refuse(kNoId, "standard input cannot be read"); });
   return [number, failure]() mutable -> std::optional<Work> {
     std::string line;
     while (std::getline(std::cin, line)) {
@@ -236,7 +240,7 @@ class OrderedWork {
     try {
       return task();
     } catch (const std::exception& error) {
-      return refuse(nullptr, error.what());
+      return refuse(kNoId, error.what());
     }
   }
 
@@ -298,19 +302,19 @@ void printTable(const std::map<int, std::size_t>& counts, std::size_t unreadable
 
 BatchAnswer answerBatchLine(const std::string& line) {
   if (!isUtf8(line)) {
-    return refuse(nullptr, "is not UTF-8 text");
+    return refuse(kNoId, "is not UTF-8 text");
   }
   if (!isShallowJson(line)) {
-    return refuse(nullptr, "is nested too deep");
+    return refuse(kNoId, "is nested too deep");
   }
   json request = json::parse(line, nullptr, /*allow_exceptions=*/false);
   if (request.is_discarded()) {
-    return refuse(nullptr, "is not JSON");
+    return refuse(kNoId, "is not JSON");
   }
   if (!request.is_object()) {
-    return refuse(nullptr, "is no JSON object");
+    return refuse(kNoId, "is no JSON object");
   }
-  const json id = request.value("id", json());
+  const std::string id = writtenMember(line, "id");
   const auto vast = request.find("vast");
   if (vast == request.end() || !vast->is_string()) {
     return refuse(id, "has no text \"vast\"");
