@@ -145,8 +145,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   values["REGULATIONS"] =
       ad.isCoppaEnabled() ? (hasConsent ? "coppa,gdpr" : "coppa") : (hasConsent ? "gdpr" : "-1");
   const auto drawn = numberFrom<std::uint32_t>(numbers);
+  // Nanoseconds whatever the clock counts, so that every library gets the same 585 years.
   const std::chrono::system_clock::time_point now{
-      std::chrono::system_clock::duration(numberFrom<std::int64_t>(numbers))};
+      std::chrono::duration_cast<std::chrono::system_clock::duration>(
+          std::chrono::nanoseconds(numberFrom<std::int64_t>(numbers)))};
   TamzoMacroReplacementUtil::Hooks hooks;
   hooks.now = [now] { return now; };
   hooks.random = [drawn](std::uint32_t bound) { return drawn % bound; };
