@@ -377,6 +377,26 @@ string attributeDefault(size_t bytes) {
   return concat({"<!DOCTYPE VAST [<!ATTLIST x a CDATA \"", string(10'000, 'd'), "\">]>",
                  inLineWith(repeat("<x/>", bytes))});
 }
+string shortAttributeDefaults(size_t bytes) {
+  const string declared = "<!ATTLIST x a CDATA 'd' b CDATA '' c NMTOKENS 'e f'>";
+  return concat({"<!DOCTYPE VAST [", declared, "]>", inLineWith(repeat("<x/>", bytes))});
+}
+string namespaceDefault(size_t bytes) {
+  return concat({"<!DOCTYPE VAST [<!ATTLIST x xmlns:p CDATA \"", string(2000, 'u'), "\">]>",
+                 inLineWith(repeat("<x/>", bytes))});
+}
+string identifiers(size_t bytes) {
+  const string declared = "<!ATTLIST x i ID #IMPLIED r IDREFS #IMPLIED>";
+  return concat({"<!DOCTYPE VAST [", declared, "]>", inLineWith(series(bytes, [](size_t i) {
+                   return "<x i=\"n" + to_string(i) + "\" r=\"n1 n2\"/>";
+                 }))});
+}
+string enumerationJustAllowed(size_t bytes) {
+  const string declared = "<!ATTLIST x a (v" +
+                          series(4000, [](size_t i) { return "|v" + to_string(i); }) +
+                          ") #IMPLIED>";
+  return concat({"<!DOCTYPE VAST [", declared, "]>", inLineWith(repeat("<x/>", bytes))});
+}
 string enumeratedAttribute(size_t bytes) {
   return withDoctype("<!ATTLIST x a (v" +
                      series(bytes, [](size_t i) { return "|v" + to_string(i); }) + ") #IMPLIED>");
@@ -597,6 +617,10 @@ constexpr std::array kShapes{
     SHAPE("doctype: one attribute list repeated", repeatedAttributeList, 101),
     SHAPE("doctype: one long attribute list", oneAttributeList, 101),
     SHAPE("doctype: attribute default", attributeDefault, 101),
+    SHAPE("doctype: short attribute defaults", shortAttributeDefaults, 101),
+    SHAPE("doctype: namespace default", namespaceDefault, 101),
+    SHAPE("doctype: identifiers", identifiers, 101),
+    SHAPE("doctype: enumeration just allowed", enumerationJustAllowed, 0),
     SHAPE("doctype: enumerated attribute", enumeratedAttribute, 101),
     SHAPE("doctype: notation attribute", notationAttribute, 101),
     SHAPE("doctype: elements", elementDeclarations, 101),

@@ -120,13 +120,49 @@ TEST_F(XmlGuards, ParameterEntitiesAreRefused) {
   EXPECT_EQ(parse("<!DOCTYPE a [" + doubling + " %p39;]><a/>"), nullptr);
 }
 
-TEST_F(XmlGuards, DeclarationsOtherThanOfEntitiesAreRefused) {
-  for (const char* declared : {"'default'", "#FIXED 'fixed'", "#IMPLIED", "#REQUIRED"}) {
-    const std::string xml = std::string("<!DOCTYPE a [<!ATTLIST a b CDATA ") + declared + ">]><a/>";
-    EXPECT_EQ(parse(xml), nullptr) << declared;
+TEST_F(XmlGuards, AFewDeclarationsOfStructureAreRead) {
+  const auto document = parse(
+      "<!DOCTYPE a [<!-- <!ELEMENT a --><?p <!ELEMENT ?><!ENTITY e ']>'>\n<!ELEMENT a ANY>"
+      "<!NOTATION n SYSTEM '>'><!ATTLIST a b CDATA 'given' c (x|y) #IMPLIED>]><a c='x'>&e;</a>");
+  ASSERT_NE(document, nullptr);
+  EXPECT_TRUE(document->rootElement().attributeValue("b").isNil()) << "defaults are left out";
+  EXPECT_EQ(document->rootElement().attributeValue("c"), Text("x"));
+  EXPECT_EQ(document->rootElement().stringValue(), Text("]>"));
+}
+
+TEST_F(XmlGuards, LongDeclarationsOfStructureAreRefused) {
+  const std::string names = repeat("|n", 3000);
+  for (const std::string& declaration :
+       {"<!ELEMENT a (#PCDATA" + names + ")*>", "<!ATTLIST a b (n" + names + ") 'n'>",
+        "<!ATTLIST a b CDATA '" + names + ">'>", "<!NOTATION n SYSTEM \"" + names + "\">",
+        repeat("<!ELEMENT a ANY>", 250) + "<!ELEMENT b (c" + repeat(" ", 200) + ")>",
+        "<!ENTITY e ']>'><!-- ]> --><?p ]>?><!ELEMENT a (#PCDATA" + names + ")*>"}) {
+    EXPECT_EQ(parse("<!DOCTYPE a [" + declaration + "]><a/>"), nullptr)
+        << declaration.substr(0, 40);
   }
-  EXPECT_EQ(parse("<!DOCTYPE a [<!ELEMENT a ANY>]><a/>"), nullptr);
-  EXPECT_EQ(parse("<!DOCTYPE a [<!NOTATION n SYSTEM 'x'>]><a/>"), nullptr);
+  // The same text elsewhere declares nothing.
+  EXPECT_NE(parse("<!DOCTYPE a [<!ENTITY e '<!ELEMENT" + names + "'><!-- <!ELEMENT" + names +
+                  "-->]><a><![CDATA[<!ELEMENT" + names + "]]></a>"),
+            nullptr);
+}
+
+TEST_F(XmlGuards, DefaultAttributesOfManyElementsAreRefused) {
+  for (const std::string attribute :
+       {"b CDATA 'd'", "b CDATA ''", "xmlns:b CDATA 'u'", "b CDATA #FIXED 'd'"}) {
+    for (const auto& [count, isAccepted] :
+         std::vector<std::pair<int, bool>>{{1000, true}, {100'000, false}}) {
+      const auto document = parse("<!DOCTYPE r [<!ATTLIST a " + attribute + ">]><r>" +
+                                  repeat("<a/>", count) + "</r>");
+      EXPECT_EQ(document != nullptr, isAccepted) << count << " times " << attribute;
+    }
+  }
+  EXPECT_EQ(parse("<!DOCTYPE r [<!ATTLIST a b CDATA '" + std::string(4000, 'd') + "'>]><r>" +
+                  repeat("<a/>", 3000) + "</r>"),
+            nullptr);
+  EXPECT_NE(parse("<!DOCTYPE r [<!ATTLIST a b CDATA #IMPLIED>]><r>" +
+                  repeat("<a b='own'/>", 100'000) + "</r>"),
+            nullptr)
+      << "an attribute of its own is no default";
 }
 
 TEST_F(XmlGuards, DeclarationsAreBounded) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "xml/DocumentType.h"
 #include "xml/QuietLibrary.h"
 #include "xml/TagSize.h"
 #include "xml/XmlTree.h"
@@ -26,7 +27,10 @@ constexpr int kMaxNamespacesInScope = 256;
 constexpr int kMaxNames = 16'384;
 // Declarations in a DTD are chained in lists that are searched whenever one is added.
 constexpr int kMaxDeclarations = 256;
-// What all entity references of a document stand for together.
+// Declarations of elements, attributes and notations are read in time quadratic in their length,
+// before any callback sees them.
+constexpr std::size_t kMaxStructureBytes = 4096;
+// What all entity references and defaulted attributes of a document stand for together.
 constexpr std::size_t kMaxExpandedBytes = std::size_t{8} << 20U;
 // An entity that refers to an entity that refers to an entity …
 constexpr int kMaxEntityNesting = 40;
@@ -79,6 +83,22 @@ class Guard {
     }
   }
 
+  void declaredAttribute() {
+    mayDefaultAttributes_ = true;
+    declared();
+  }
+
+  // Every element is given the defaults declared for its name: those of attributes only to be left
+  // out again, those of namespaces to keep.
+  void defaulted(std::size_t nodes, std::size_t bytes) {
+    constexpr std::size_t kBytesOfNode = 128;
+    expandedBytes_ += nodes * kBytesOfNode + bytes;
+    if (expandedBytes_ > kMaxExpandedBytes) {
+      stop("default attributes of too many elements");
+    }
+  }
+
+  bool mayDefaultAttributes() const noexcept { return mayDefaultAttributes_; }
   void setRanOutOfMemory() noexcept { ranOutOfMemory_ = true; }
   bool ranOutOfMemory() const noexcept { return ranOutOfMemory_; }
   bool stopped() const noexcept { return stopped_; }
@@ -92,6 +112,7 @@ class Guard {
   std::unordered_map<const xmlEntity*, std::size_t> expandedSizes_;
   std::size_t expandedBytes_ = 0;
   int declarations_ = 0;
+  bool mayDefaultAttributes_ = false;
   bool ranOutOfMemory_ = false;
   bool stopped_ = false;
 };
@@ -147,6 +168,20 @@ void checkNames(void* context) {
   }
 }
 
+// Attributes come as name, prefix, address, begin and end of the value, defaulted ones last;
+// declarations of namespaces as prefix and address, and there is no telling which are defaulted.
+void countDefaults(Guard& guard, int namespaceCount, const xmlChar** namespaces, int attributeCount,
+                   int defaultedCount, const xmlChar** attributes) {
+  std::size_t bytes = 0;
+  for (int i = 0; i < namespaceCount; ++i) {
+    bytes += std::strlen(asChars(namespaces[2 * i + 1]));
+  }
+  for (int i = attributeCount - defaultedCount; i < attributeCount; ++i) {
+    bytes += static_cast<std::size_t>(attributes[5 * i + 4] - attributes[5 * i + 3]);
+  }
+  guard.defaulted(static_cast<std::size_t>(namespaceCount + defaultedCount), bytes);
+}
+
 void onStartElement(void* context, const xmlChar* localName, const xmlChar* prefix,
                     const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
                     int attributeCount, int defaultedCount, const xmlChar** attributes) {
@@ -158,6 +193,11 @@ void onStartElement(void* context, const xmlChar* localName, const xmlChar* pref
   const xmlParserCtxt& parser = *static_cast<xmlParserCtxt*>(context);
   if (uri != nullptr && parser.node != nullptr && parser.node->ns == nullptr) {
     guarded(context, [](Guard& guard) { guard.setRanOutOfMemory(); });
+  }
+  if (Guard::of(context).mayDefaultAttributes()) {
+    guarded(context, [&](Guard& guard) {
+      countDefaults(guard, namespaceCount, namespaces, attributeCount, defaultedCount, attributes);
+    });
   }
   // nsNr counts a prefix and an address for every declaration.
   if (parser.nsNr > 2 * kMaxNamespacesInScope) {
@@ -195,20 +235,21 @@ void onEntityDecl(void* context, const xmlChar* name, int type, const xmlChar* p
   });
 }
 
-// Attribute declarations, content models and notations are read in time quadratic in their length
-// before any callback sees them, and a default value is copied into every element of its name. No
-// ad server sends any: entities are all that a document type may declare.
 void onInternalSubset(void* context, const xmlChar* name, const xmlChar* publicId,
                       const xmlChar* systemId) {
   const xmlParserInput& input = *static_cast<xmlParserCtxt*>(context)->input;
   const std::string_view rest(asChars(input.cur), static_cast<std::size_t>(input.end - input.cur));
-  for (const char* declaration : {"<!ATTLIST", "<!ELEMENT", "<!NOTATION"}) {
-    if (rest.find(declaration) != std::string_view::npos) {
-      guarded(context, [](Guard& guard) { guard.stop("a declaration other than of an entity"); });
-      return;
-    }
+  if (rest.starts_with('[') && bytesOfStructure(rest.substr(1)) > kMaxStructureBytes) {
+    guarded(context, [](Guard& guard) { guard.stop("a document type that is too long"); });
+    return;
   }
   xmlSAX2InternalSubset(context, name, publicId, systemId);
+}
+
+void onAttributeDecl(void* context, const xmlChar* element, const xmlChar* fullName, int type,
+                     int defaultType, const xmlChar* defaultValue, xmlEnumeration* values) {
+  xmlSAX2AttributeDecl(context, element, fullName, type, defaultType, defaultValue, values);
+  guarded(context, [](Guard& guard) { guard.declaredAttribute(); });
 }
 
 void onUnparsedEntityDecl(void* context, const xmlChar* name, const xmlChar* publicId,
@@ -222,6 +263,7 @@ void watch(xmlParserCtxt* parser, Guard& guard) noexcept {
   xmlSAXHandler& sax = *parser->sax;
   sax.serror = onError;
   sax.internalSubset = onInternalSubset;
+  sax.attributeDecl = onAttributeDecl;
   sax.startElementNs = onStartElement;
   sax.processingInstruction = onProcessingInstruction;
   sax.getEntity = onGetEntity;
