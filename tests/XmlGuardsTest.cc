@@ -144,6 +144,7 @@ TEST_F(XmlGuards, LongDeclarationsOfStructureAreRefused) {
   EXPECT_NE(parse("<!DOCTYPE a [<!ENTITY e '<!ELEMENT" + names + "'><!-- <!ELEMENT" + names +
                   "-->]><a><![CDATA[<!ELEMENT" + names + "]]></a>"),
             nullptr);
+  EXPECT_NE(parse("<!DOCTYPE a><a><![CDATA[<!ELEMENT" + names + "]]></a>"), nullptr);
 }
 
 TEST_F(XmlGuards, DefaultAttributesOfManyElementsAreRefused) {
@@ -253,6 +254,10 @@ TEST_F(XmlGuards, AttributesAreBounded) {
   const auto document = parse("<a" + attributes(500) + "/>");
   ASSERT_NE(document, nullptr);
   EXPECT_EQ(document->rootElement().attributeValue("a499"), Text("urn:499"));
+  EXPECT_EQ(parse("<!DOCTYPE r [<!ENTITY e '&#60;a" + attributes(2000) + "/>'>]><r>&e;</r>"),
+            nullptr);
+  EXPECT_EQ(parse("<!DOCTYPE r [<!ENTITY e '<a" + attributes(2000) + "/>'>]><r>&e;</r>"), nullptr);
+  EXPECT_EQ(parse("<r><![CDATA[<]]><!--<--><?p <?><a" + attributes(2000) + "/></r>"), nullptr);
   // Many elements of a few attributes are no trouble.
   EXPECT_NE(parse("<r>" + repeat("<a" + attributes(20) + "/>", 2000) + "</r>"), nullptr);
 }
@@ -260,9 +265,14 @@ TEST_F(XmlGuards, AttributesAreBounded) {
 TEST_F(XmlGuards, EqualsSignsElsewhereAreNoAttributes) {
   const std::string pairs = repeat("key=value&", 5000);
   const std::string escaped = repeat("key=value&amp;", 5000);
-  for (const std::string& xml : {"<a>" + escaped + "</a>", "<a b=\"" + escaped + "\"/>",
-                                 "<a b='" + escaped + "'/>", "<a><![CDATA[" + pairs + "]]></a>",
-                                 "<a><!--" + pairs + "--></a>", "<a><?p " + pairs + "?></a>"}) {
+  const std::string script = "<script>for(i=0;i<n;i++){" + pairs + "}";
+  for (const std::string& xml :
+       {"<a><![CDATA[" + script + "]]></a>", "<a><!--" + script + "--></a>",
+        "<a><?p " + script + "?></a>", "<a><![CDATA[<" + pairs + "]]></a>",
+        "<!DOCTYPE a [<!-- <" + pairs + "--><!ENTITY e '" + escaped + "'>]><a/>",
+        "<a>" + escaped + "</a>", "<a b=\"" + escaped + "\"/>", "<a b='" + escaped + "'/>",
+        "<a><![CDATA[" + pairs + "]]></a>", "<a><!--" + pairs + "--></a>",
+        "<a><?p " + pairs + "?></a>"}) {
     std::string why;
     EXPECT_NE(parse(xml, &why), nullptr) << xml.substr(0, 20) << ": " << why;
   }

@@ -4,47 +4,27 @@
 #include <cstddef>
 #include <cstring>
 
+#include "xml/Markup.h"
+
 namespace tamzo {
 namespace {
 
 constexpr std::size_t kBlock = 4096;
 constexpr std::size_t kMaxAttributes = 800;
 
-// False for a comment, a CDATA section, a processing instruction and an end tag.
-bool startsTag(std::string_view text, std::size_t lessThan) noexcept {
-  const char next = lessThan + 1 < text.size() ? text[lessThan + 1] : '\0';
-  return next != '!' && next != '?' && next != '/';
-}
-
-// Counts the "=" outside quotes from the "<" at the front to the ">" that ends the tag.
-std::size_t attributesOfTag(std::string_view tag) noexcept {
-  std::size_t count = 0;
-  for (std::size_t at = 1; at < tag.size() && tag[at] != '>'; ++at) {
-    if (tag[at] == '=') {
-      ++count;
-    } else if (tag[at] == '"' || tag[at] == '\'') {
-      at = tag.find(tag[at], at + 1);
-      if (at == std::string_view::npos) {
-        break;
-      }
-    }
-  }
-  return count;
-}
-
-}  // namespace
-
-// No "<" may stand inside a tag, so a tag of 8 KB covers a whole block that holds none. Only such
-// blocks, and what surrounds them up to the next "<", are looked at closely.
-bool hasOversizedTag(std::string_view text) noexcept {
+// No "<" may stand inside a tag, so a tag of 8 KB covers a whole block that holds none. What such a
+// block belongs to may as well be text, a comment or a CDATA section: this only says that it has as
+// many "=" as an oversized tag.
+bool mayHoldOversizedTag(std::string_view text) noexcept {
   for (std::size_t block = 0; block + kBlock <= text.size(); block += kBlock) {
     if (std::memchr(text.data() + block, '<', kBlock) != nullptr) {
       continue;
     }
-    const std::size_t begin = text.rfind('<', block);
+    const std::size_t begin = std::min(text.rfind('<', block), block);
     const std::size_t end = std::min(text.find('<', block), text.size());
-    if (begin != std::string_view::npos && startsTag(text, begin) &&
-        attributesOfTag(text.substr(begin, end - begin)) > kMaxAttributes) {
+    if (std::count(text.begin() + static_cast<std::ptrdiff_t>(begin),
+                   text.begin() + static_cast<std::ptrdiff_t>(end),
+                   '=') > static_cast<std::ptrdiff_t>(kMaxAttributes)) {
       return true;
     }
     block = end / kBlock * kBlock;
@@ -52,6 +32,32 @@ bool hasOversizedTag(std::string_view text) noexcept {
       break;
     }
     block -= std::min(block, kBlock);
+  }
+  return false;
+}
+
+std::size_t pastCdata(std::string_view text, std::size_t at) noexcept {
+  constexpr std::string_view kOpen = "<![CDATA[";
+  return text.substr(at).starts_with(kOpen) ? pastFirst(text, "]]>", at + kOpen.size()) : at;
+}
+
+}  // namespace
+
+bool hasOversizedTag(std::string_view text) noexcept {
+  if (!mayHoldOversizedTag(text)) {
+    return false;
+  }
+  for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at)) {
+    std::size_t end = std::max(pastRemark(text, at), pastCdata(text, at));
+    if (end == at) {
+      const bool isDeclaration = text.substr(at).starts_with("<!");
+      std::size_t attributes = 0;
+      end = pastTag(text, at, [&attributes](char c) { attributes += c == '=' ? 1 : 0; });
+      if (!isDeclaration && attributes > kMaxAttributes) {
+        return true;
+      }
+    }
+    at = end;
   }
   return false;
 }

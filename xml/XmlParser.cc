@@ -35,6 +35,8 @@ constexpr std::size_t kMaxExpandedBytes = std::size_t{8} << 20U;
 // An entity that refers to an entity that refers to an entity …
 constexpr int kMaxEntityNesting = 40;
 
+constexpr const char* kTooManyAttributes = "an element with too many attributes";
+
 /// Watches one parse and stops it where it leaves the bounds.
 class Guard {
  public:
@@ -231,6 +233,10 @@ void onEntityDecl(void* context, const xmlChar* name, int type, const xmlChar* p
     if (!isKept) {
       guard.setRanOutOfMemory();
     }
+    // Where the entity is referred to, its text is parsed as if it stood there.
+    if (content != nullptr && hasOversizedTag(asChars(content))) {
+      guard.stop(kTooManyAttributes);
+    }
     guard.declared();
   });
 }
@@ -326,7 +332,7 @@ std::shared_ptr<const XmlTree> parseXml(const Text& given, XmlError* error) {
     return refuse(error, "a NUL character");
   }
   if (hasOversizedTag(text)) {
-    return refuse(error, "an element with too many attributes");
+    return refuse(error, kTooManyAttributes);
   }
   // libxml2 reads up to a NUL. Most texts end with one and are read where they are.
   const std::string copy(given.isTerminated() ? std::string_view() : text);
