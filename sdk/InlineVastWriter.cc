@@ -265,7 +265,7 @@ class Writer {
 // Follows markup from the front to the back and knows what each character is part of.
 class MarkupCursor {
  public:
-  enum class Where { content, tag, quoted, cdata, comment };
+  enum class Where { content, tag, quoted, cdata, comment, instruction };
 
   Where where() const noexcept { return where_; }
 
@@ -277,6 +277,7 @@ class MarkupCursor {
         if (c == '<') {
           where_ = rest.starts_with("<![CDATA[") ? Where::cdata
                    : rest.starts_with("<!--")    ? Where::comment
+                   : rest.starts_with("<?")      ? Where::instruction
                                                  : Where::tag;
         }
         break;
@@ -297,6 +298,9 @@ class MarkupCursor {
       case Where::comment:
         where_ = rest.starts_with("-->") ? Where::content : Where::comment;
         break;
+      case Where::instruction:
+        where_ = rest.starts_with("?>") ? Where::content : Where::instruction;
+        break;
     }
   }
 
@@ -315,6 +319,7 @@ std::string_view disguisedEquals(MarkupCursor::Where where) noexcept {
       return "&#61;";
     case MarkupCursor::Where::tag:
     case MarkupCursor::Where::comment:
+    case MarkupCursor::Where::instruction:
       break;
   }
   return " =";

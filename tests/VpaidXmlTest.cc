@@ -200,6 +200,18 @@ TEST_F(VpaidXml, NamespacesAndTextsThatLookLikeThemSurviveTheCleanUp) {
   EXPECT_EQ(found("//@note"), Texts{"XMLNS='x' y"});
 }
 
+TEST_F(VpaidXml, InstructionsHoldAnyCharacter) {
+  web_["http://ads.example/2"] = inlineAd(
+      "<Impression><?p it's?><![CDATA[i?xmlns=1 2]]></Impression><?p \" > ?>"
+      "<Extensions><Extension><?note the publisher's tag?><Other xmlns='urn:other' b='1'/>"
+      "<?p xmlns=1 2?><Other xmlns='urn:other'/></Extension></Extensions>",
+      "");
+  merge(wrapper("2", ""));
+  EXPECT_EQ(TamzoVastAd::replaceWithPattern("xmlns", ad_->vastTagURI()), ad_->vastTagURI());
+  EXPECT_EQ(urls(*again_, "Impression"), Texts{"i?xmlns=1 2@"});
+  EXPECT_EQ(merged_->nodesForXPath("//*[namespace-uri()='urn:other']").size(), 2U);
+}
+
 TEST_F(VpaidXml, OnlyTheWrappersOfOneParseAreMerged) {
   web_["http://ads.example/2"] = inlineAd("", "");
   const std::string response = wrapper("2", "<Impression>o</Impression>");
