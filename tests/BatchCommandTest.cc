@@ -83,6 +83,31 @@ TEST_F(BatchCommandTest, ABatchTakesFilesAndFolders) {
   EXPECT_NE(result.err.find("none.xml"), std::string::npos);
 }
 
+TEST_F(BatchCommandTest, APathIsTakenAsItIsWritten) {
+  fs::create_directories(path("[in]"));
+  fs::create_directories(path("none"));
+  fs::create_symlink(path("gone"), path("[in]/a.xml"));
+  file("[in]/b.xml", ad("b"));
+  file("[c,d]", ad("c"));
+  const fs::path before = fs::current_path();
+  fs::current_path(folder_);
+  const Result result = run({"batch", "none", "[in]", "-j", "2", "[c,d]", "[]", ""});
+  const Result nothing = run({"batch", "none"});
+  fs::current_path(before);
+
+  EXPECT_EQ(result.status, 2);
+  const auto lines = jsonLines(result.out);
+  const std::pair<const char*, bool> expected[] = {
+      {"[in]/a.xml", false}, {"[in]/b.xml", true}, {"[c,d]", true}, {"[]", false}, {"", false}};
+  ASSERT_EQ(lines.size(), std::size(expected)) << result.out;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    EXPECT_EQ(lines[i].at("id"), expected[i].first);
+    EXPECT_EQ(lines[i].contains("record"), expected[i].second) << expected[i].first;
+  }
+  EXPECT_EQ(nothing.status, 0);
+  EXPECT_EQ(nothing.out, "") << "a folder without responses";
+}
+
 TEST_F(BatchCommandTest, ABatchTakesTheOptionsOfParse) {
   const std::string response = file("a.xml", ad("a", "<Category>IAB26</Category>"));
   const Result result = run({"batch", "--blocked-categories", "IAB26", "-o", path("out"), "--debug",

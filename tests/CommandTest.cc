@@ -199,6 +199,12 @@ TEST_F(CommandTest, WrongUsageIsOneLineAndStatus2) {
       {{"parse", "-o", path("folder"), good}, "folder"},
       {{"parse", "--blocked-categories", "\xFF", good}, "--blocked-categories"},
       {{"page", "--session-id", "\xC3", good}, "--session-id"},
+      {{"page", "--template", "", good}, "--template"},
+      {{"page", "--template=", good}, "--template"},
+      {{"parse", ""}, "INPUT"},
+      {{"page", ""}, "INPUT"},
+      {{"parse", "--format=", good}, "--format"},
+      {{"parse", "--nope=", good}, "--nope"},
       {{"page", "--template", path("none.html"), good}, "none.html"},
       {{"batch", "-j", "0", good}, "-j"},
       {{"batch", "-j", "x", good}, "-j"},
@@ -273,6 +279,38 @@ TEST_F(CommandTest, ThePageIsPrintedExactly) {
   const Result own = run({"page", "-o", path("out"), file("a.xml", ad("a"))});
   EXPECT_EQ(own.status, 0) << own.err;
   EXPECT_NE(contentOf(path("out")).find(ad("a")), std::string::npos);
+}
+
+TEST_F(CommandTest, AnOptionsValueMayEndWithAnEqualsSignOrBeEmpty) {
+  const std::string page = file("page.html", "{{VAST_TAG}}");
+  const std::string response = "<VAST version='9' id='[TAMZO_SESSION_ID]'/>";
+  for (const Arguments& id : {Arguments{"--session-id=QUJD=="}, {"--session-id", "QUJD=="}}) {
+    Arguments arguments{"page", "--template", page};
+    arguments.insert(arguments.end(), id.begin(), id.end());
+    EXPECT_EQ(run(arguments, response).out, "<VAST version='9' id='QUJD=='/>") << id.front();
+  }
+  const std::string nameless = ad("a", "<Category></Category>");
+  EXPECT_EQ(record({"parse"}, nameless).at("errorCode"), 0);
+  EXPECT_EQ(record({"parse", "--blocked-categories="}, nameless).at("errorCode"), 205);
+  EXPECT_EQ(record({"parse", "--blocked-categories", ""}, nameless).at("errorCode"), 205);
+}
+
+TEST_F(CommandTest, WhatFollowsTwoDashesIsNoOption) {
+  const fs::path before = fs::current_path();
+  fs::current_path(folder_);
+  file("-a.xml", ad("a"));
+  file("--debug", ad("d"));
+  const Result one = run({"parse", "--format", "json", "--", "-a.xml"});
+  const Result two = run({"parse", "--", "-a.xml", "--debug"});
+  const Result many = run({"batch", "-j", "1", "--", "-a.xml", "--debug"});
+  fs::current_path(before);
+  EXPECT_EQ(one.status, 0) << one.err;
+  EXPECT_EQ(two.status, 2);
+  EXPECT_NE(two.err.find("\"--debug\" is one too many"), std::string::npos) << two.err;
+  const auto lines = jsonLines(many.out);
+  ASSERT_EQ(lines.size(), 2U) << many.err;
+  EXPECT_EQ(lines[0].at("record").at("adID"), "a");
+  EXPECT_EQ(lines[1].at("record").at("adID"), "d");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <deque>
@@ -258,13 +259,35 @@ class OrderedWork {
 /// A bar on standard error, for a person who waits.
 class Progress {
  public:
-  explicit Progress(std::size_t total) : total_(total), isShown_(isatty(STDERR_FILENO) == 1) {}
+  explicit Progress(std::size_t total) : total_(total), isShown_(isatty(STDERR_FILENO) == 1) {
+    draw();
+  }
 
   void step() {
     ++done_;
-    if (!isShown_ || (done_ % 64 != 0 && done_ != total_)) {
+    if (Clock::now() - drawn_ >= kBetweenDrawings) {
+      draw();
+    }
+  }
+
+  /// Makes room for a line of text, or for the end.
+  void clear() const {
+    if (isShown_) {
+      fmt::print(stderr, "\r\x1b[K");
+      std::fflush(stderr);
+    }
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  static constexpr auto kBetweenDrawings = std::chrono::milliseconds(100);
+  static constexpr std::size_t kWidth = 40;
+
+  void draw() {
+    if (!isShown_) {
       return;
     }
+    drawn_ = Clock::now();
     if (total_ == 0) {
       fmt::print(stderr, "\r{} responses", done_);
     } else {
@@ -274,17 +297,10 @@ class Progress {
     std::fflush(stderr);
   }
 
-  void finish() const {
-    if (isShown_) {
-      fmt::print(stderr, "\r\x1b[K");
-    }
-  }
-
- private:
-  static constexpr std::size_t kWidth = 40;
   std::size_t total_;
   std::size_t done_ = 0;
   bool isShown_;
+  Clock::time_point drawn_;
 };
 
 void printTable(const std::map<int, std::size_t>& counts, std::size_t unreadable) {
@@ -309,7 +325,7 @@ BatchAnswer answerBatchLine(const std::string& line) {
   }
   json request = json::parse(line, nullptr, /*allow_exceptions=*/false);
   if (request.is_discarded()) {
-    return refuse(kNoId, "is not JSON");
+    return refuse(kNoId, "is not JSON, or holds a number that no double can");
   }
   if (!request.is_object()) {
     return refuse(kNoId, "is no JSON object");
@@ -339,13 +355,14 @@ int runBatch(const std::vector<std::string>& paths, unsigned threads,
         ++counts[answer->errorCode];
       } else {
         ++unreadable;
+        progress.clear();
         complain(answer->problem);
       }
       progress.step();
     }
   }
   output.finish();
-  progress.finish();
+  progress.clear();
   printTable(counts, unreadable);
   if (unreadable > 0) {
     return kWrongUsage;

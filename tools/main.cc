@@ -36,8 +36,11 @@ Text responseOf(const std::string& input) {
   return Text(input);
 }
 
-std::shared_ptr<TamzoVastAd> parseInput(const std::string& input) {
-  auto ad = TamzoVastAd::initWithVast(responseOf(input));
+std::shared_ptr<TamzoVastAd> parseInput(const std::optional<std::string>& input) {
+  if (input && input->empty()) {
+    throw CommandError("INPUT is empty; leave it out to read standard input");
+  }
+  auto ad = TamzoVastAd::initWithVast(responseOf(input.value_or("-")));
   if (ad == nullptr) {
     throw CommandError("out of memory");
   }
@@ -48,13 +51,37 @@ int statusOf(const TamzoVastAd& ad) {
   return ad.errorCode() == kNoError ? kAllPlayable : kSomeFailed;
 }
 
+// The inputs that no option of `command` took: all but the first. What looks like an option and
+// does not stand after "--" is one that there is not.
+std::vector<std::string> furtherInputs(const CLI::App& command) {
+  std::vector<std::string> inputs;
+  bool mayBeOption = true;
+  for (const std::string& extra : command.remaining()) {
+    if (mayBeOption && extra == "--") {
+      mayBeOption = false;
+    } else if (mayBeOption && extra.starts_with("-") && extra != "-") {
+      throw CommandError("unknown option " + extra + " (see tamzo-vast --help)");
+    } else {
+      inputs.push_back(extra);
+    }
+  }
+  return inputs;
+}
+
+void refuseFurtherInputs(const CLI::App& command) {
+  if (const auto inputs = furtherInputs(command); !inputs.empty()) {
+    throw CommandError("one input at a time: \"" + inputs.front() + "\" is one too many");
+  }
+}
+
 struct Parse {
   CommonOptions common;
-  std::string input;
+  CLI::App* command = nullptr;
+  std::optional<std::string> input;
   std::string format = "text";
 
   void addTo(CLI::App& app) {
-    CLI::App* command = app.add_subcommand("parse", "Parse one response and show its record");
+    command = app.add_subcommand("parse", "Parse one response and show its record");
     command->footer(
         "Examples:\n"
         "  tamzo-vast parse response.xml\n"
@@ -71,6 +98,7 @@ struct Parse {
   }
 
   int run() const {
+    refuseFurtherInputs(*command);
     if (format == "html") {
       throw CommandError("--format html is not there yet; take text or json");
     }
@@ -89,12 +117,13 @@ struct Parse {
 
 struct Page {
   CommonOptions common;
-  std::string input;
-  std::string templatePath;
+  CLI::App* command = nullptr;
+  std::optional<std::string> input;
+  std::optional<std::string> templatePath;
 
   void addTo(CLI::App& app) {
-    CLI::App* command = app.add_subcommand(
-        "page", "Parse one response and print the page that plays its VPAID unit");
+    command = app.add_subcommand("page",
+                                 "Parse one response and print the page that plays its VPAID unit");
     command->footer("Example:\n  tamzo-vast page --session-id 42 response.xml > page.html");
     command->add_option("INPUT", input,
                         "A file; \"-\" or nothing for standard input; a text that begins with "
@@ -105,10 +134,14 @@ struct Page {
   }
 
   int run() const {
+    refuseFurtherInputs(*command);
     common.apply();
-    if (!templatePath.empty()) {
+    if (templatePath && templatePath->empty()) {
+      throw CommandError("--template takes the name of a file");
+    }
+    if (templatePath) {
       TamzoAssetsManager::setVpaidWrapperSource(
-          [text = Text(readInput(templatePath))] { return text; });
+          [text = Text(readInput(*templatePath))] { return text; });
     }
     const auto ad = parseInput(input);
     Output output(common.outputPath());
@@ -120,25 +153,31 @@ struct Page {
 
 struct BatchCommand {
   CommonOptions common;
-  std::vector<std::string> paths;
+  CLI::App* command = nullptr;
+  std::optional<std::string> firstPath;
   std::optional<std::string> threads;
 
   void addTo(CLI::App& app) {
-    CLI::App* command =
-        app.add_subcommand("batch", "Parse many responses, one line of JSON for each");
+    command = app.add_subcommand("batch", "Parse many responses, one line of JSON for each");
     command->footer(
         "Without PATH, every line of standard input is a JSON object\n"
         "  {\"id\": anything, \"vast\": \"the response\"}\n"
         "and is answered, in input order, with one line\n"
         "  {\"id\": ..., \"record\": {...}}   or   {\"id\": ..., \"error\": \"why\"}\n\n"
         "Example:\n  tamzo-vast batch -j 4 responses/ > records.jsonl");
-    command->add_option("PATH", paths, "A file, or a folder whose *.xml files are taken");
+    // CLI11 would read brackets around a PATH as a list of its own if it took them all.
+    command->add_option("PATH...", firstPath, "Files, or folders whose *.xml files are taken")
+        ->type_name("");
     command->add_option("-j", threads, "Threads; default: one for each core")->type_name("N");
     common.addTo(*command);
   }
 
   int run() const {
     common.apply();
+    std::vector<std::string> paths = furtherInputs(*command);
+    if (firstPath) {
+      paths.insert(paths.begin(), *firstPath);
+    }
     return runBatch(paths, threadCount(), common.outputPath());
   }
 
@@ -157,37 +196,33 @@ struct BatchCommand {
   }
 };
 
-// What CLI11 would pass over or say in words that do not name the culprit.
-void checkArguments(int argc, char** argv) {
-  if (argc > 1 && *argv[1] != '-') {
-    const std::string_view name = argv[1];
-    if (name != "parse" && name != "page" && name != "batch") {
-      throw CommandError("there is no command \"" + std::string(name) +
-                         "\"; take parse, page or batch");
-    }
-  }
-  for (int i = 1; i < argc; ++i) {
-    const std::string_view argument = argv[i];
-    if (argument.starts_with("--") && argument.ends_with("=")) {
-      throw CommandError(std::string(argument.substr(0, argument.size() - 1)) + " takes a value");
-    }
+void checkCommand(std::string_view name) {
+  if (!name.starts_with('-') && name != "parse" && name != "page" && name != "batch") {
+    throw CommandError("there is no command \"" + std::string(name) +
+                       "\"; take parse, page or batch");
   }
 }
 
-// Names the first argument that nothing took.
-void refuseExtras(const std::vector<std::string>& extras) {
-  for (const std::string& extra : extras) {
-    if (extra.starts_with("-") && extra != "-") {
-      throw CommandError("unknown option " + extra + " (see tamzo-vast --help)");
+// In the order that CLI11 wants, from the last to the first. It would pass over an empty value
+// after "=".
+std::vector<std::string> argumentsFrom(int argc, char** argv) {
+  std::vector<std::string> arguments;
+  for (int i = argc - 1; i > 0; --i) {
+    const std::string_view argument = argv[i];
+    if (argument.starts_with("--") && argument.find('=') == argument.size() - 1) {
+      arguments.emplace_back();
+      arguments.emplace_back(argument.substr(0, argument.size() - 1));
+    } else {
+      arguments.emplace_back(argument);
     }
   }
-  if (!extras.empty()) {
-    throw CommandError("one input at a time: \"" + extras.front() + "\" is one too many");
-  }
+  return arguments;
 }
 
 int runCommand(int argc, char** argv) {
-  checkArguments(argc, argv);
+  if (argc > 1) {
+    checkCommand(argv[1]);
+  }
   CLI::App app("What the SDK's VAST parser makes of an ad server's response.", "tamzo-vast");
   app.require_subcommand(1);
   app.set_version_flag("--version", kVersion);
@@ -203,13 +238,12 @@ int runCommand(int argc, char** argv) {
     command->allow_extras();
   }
   try {
-    app.parse(argc, argv);
+    app.parse(argumentsFrom(argc, argv));
   } catch (const CLI::Success& wanted) {
     return app.exit(wanted);  // help or version, on standard output
   } catch (const CLI::ParseError& error) {
     throw CommandError(std::string(error.what()) + " (see tamzo-vast --help)");
   }
-  refuseExtras(app.remaining(true));
   if (app.got_subcommand("parse")) {
     return parse.run();
   }
