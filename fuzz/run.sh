@@ -1,15 +1,16 @@
-#!/bin/sh
+#!/usr/bin/env bash
 # Usage: fuzz/run.sh SECONDS [FUZZER...]
 #
 # Builds the preset "fuzz" and runs each fuzzer, or those named, that long. What a run learns stays
 # in the build folder, in corpus/FUZZER, for the next one. Exits with 1 when there is a finding,
 # after naming the file that reproduces it; the other fuzzers run all the same.
 #
-# TAMZO_FUZZ_BUILD names another build folder than the preset's.
-set -eu
+# As many run at a time as there are cores. TAMZO_FUZZ_BUILD names another build folder than the
+# preset's.
+set -euo pipefail
 
 if [ $# -lt 1 ]; then
-  sed -n '2,8s/^# \{0,1\}//p' "$0"
+  sed -n '2,9s/^# \{0,1\}//p' "$0"
   exit 2
 fi
 seconds=$1
@@ -43,24 +44,38 @@ largest_input() {
   esac
 }
 
-found=0
-for fuzzer in "$@"; do
+run() {
+  local fuzzer=$1 size corpus findings log status=0
   size=$(largest_input "$fuzzer")
   corpus=$build/corpus/$fuzzer
   findings=$build/findings/$fuzzer
   log=$build/findings/$fuzzer.log
   mkdir -p "$corpus" "$findings"
-  echo "== $fuzzer, $seconds seconds, inputs of up to $size bytes"
-  status=0
   "$build/fuzz/fuzz_$fuzzer" "$corpus" "fuzz/seeds/$fuzzer" -dict=fuzz/vast.dict \
     -max_len="$size" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
     -artifact_prefix="$findings/" -print_final_stats=1 >"$log" 2>&1 || status=$?
+  echo "== $fuzzer, $seconds seconds, inputs of up to $size bytes"
   grep -E 'stat::(number_of_executed_units|peak_rss_mb)|DONE' "$log" || true
   if [ "$status" -ne 0 ]; then
-    found=1
     grep -E 'FINDING|ERROR|SUMMARY|runtime error' "$log" || tail -n 20 "$log"
     artifact=$(sed -n 's/.*Test unit written to //p' "$log" | tail -n 1)
     echo "== $fuzzer: FINDING, reproduce with: $build/fuzz/fuzz_$fuzzer ${artifact:-(see $log)}"
+    return 1
   fi
+}
+
+found=0
+running=0
+for fuzzer in "$@"; do
+  if [ "$running" -ge "$(nproc)" ]; then
+    wait -n || found=1
+    running=$((running - 1))
+  fi
+  run "$fuzzer" &
+  running=$((running + 1))
+done
+while [ "$running" -gt 0 ]; do
+  wait -n || found=1
+  running=$((running - 1))
 done
 exit "$found"

@@ -3,7 +3,22 @@
 #include <algorithm>
 #include <string>
 
+#include "sdk/PercentEncoding.h"
+
 namespace tamzo {
+
+namespace {
+
+// Names joined by "/". Which letters beyond ASCII a name may have libxml2 knows.
+bool isPathOfNames(std::string_view path) noexcept {
+  const bool hasEmptyName = path.empty() || path.front() == '/' || path.back() == '/' ||
+                            path.find("//") != std::string_view::npos;
+  return !hasEmptyName && std::all_of(path.begin(), path.end(), [](char c) {
+    return isAsciiAlphanumeric(c) || c == '/' || c == '_' || c == '-' || (c & '\x80') != 0;
+  });
+}
+
+}  // namespace
 
 DDXMLElement TamzoVastAdHelper::getFirstElement(const DDXMLElement& element,
                                                 std::string_view withKeyPath) {
@@ -12,9 +27,7 @@ DDXMLElement TamzoVastAdHelper::getFirstElement(const DDXMLElement& element,
   }
   std::string path(withKeyPath);
   std::replace(path.begin(), path.end(), '.', '/');
-  const XPath steps(path);
-  return steps.isChildPath() && !steps.isAbsolute() ? element.firstNodeForXPath(steps)
-                                                    : DDXMLElement();
+  return isPathOfNames(path) ? element.firstNodeForXPath(XPath(path)) : DDXMLElement();
 }
 
 }  // namespace tamzo

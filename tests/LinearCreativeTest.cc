@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -259,6 +261,7 @@ TEST_F(Linear, ASkipOffsetIsAClockTimeOrAShareOfTheDuration) {
       {"00:00:2147483647", nullptr, -1000},
       {"00:00:99999999999", nullptr, -1000},
       {"2147483647:2147483647:2147483647", nullptr, -3661000},
+      {"-596523:-14:-8", nullptr, 0},
       {"10%", "00:00:30", 3000},
       {"12.5%", "00:00:30", 3750},
       {"150%", "00:00:30", 45000},
@@ -283,6 +286,15 @@ TEST_F(Linear, ASkipOffsetIsAClockTimeOrAShareOfTheDuration) {
     ad_->updateSkipOffset(row.offset);
     EXPECT_EQ(ad_->skipOffsetMillis(), row.millis) << row.offset;
   }
+  ad_->setDuration(nullptr);
+  ad_->updateSkipOffset("1e999%");
+  EXPECT_TRUE(std::isnan(ad_->skipOffsetMillis())) << "an infinite share of nothing";
+  ad_->updateSkipOffset("-0%");
+  EXPECT_TRUE(std::signbit(ad_->skipOffsetMillis())) << "0 below zero";
+  ad_->setDuration(TamzoAdDuration::initFromString("00:00:30"));
+  ad_->updateSkipOffset("1e999%");
+  EXPECT_EQ(ad_->skipOffsetMillis(), std::numeric_limits<double>::infinity());
+
   ad_->setSkipOffsetMillis(1.0);
   ad_->updateSkipOffset(Text());
   EXPECT_EQ(ad_->skipOffsetMillis(), 1.0) << "nil changes nothing";

@@ -100,14 +100,6 @@ TEST_F(LinearTracking, AnEventWithoutANameThrowsAndKeepsWhatCameBefore) {
   EXPECT_EQ(trackerNames(), Names{"start"});
 }
 
-TEST_F(LinearTracking, ANamelessEventFailsTheParse) {
-  const auto ad = TamzoVastAd::initWithVast(
-      "<VAST version='3.0'><Ad><InLine><Creatives><Creative><Linear><TrackingEvents><Tracking>u"
-      "</Tracking></TrackingEvents><MediaFiles><MediaFile type='video/mp4'/></MediaFiles></Linear>"
-      "</Creative></Creatives></InLine></Ad></VAST>");
-  EXPECT_EQ(ad->errorCode(), kException);
-}
-
 TEST_F(LinearTracking, ClickTrackingHasAListEvenWithoutClicks) {
   ad_->updateTrackers(NodeList());
   ad_->updateTrackers(NodeList::makeEmpty());
@@ -286,6 +278,9 @@ TEST_F(Icons, OfSeveralEntriesOfAProgramTheLastIsReplaced) {
   ad_->checkProgramExist("q", rootOf("<Icon program='q' id='new'/>").at(0));
   EXPECT_EQ(icons().back(), (std::pair<std::string, std::string>{"q", "new"}));
   EXPECT_EQ(log().size(), 2U);
+  ad_->extraActions().list()->emplace_back(rootOf("<Icon program='' id='e'/>").at(0));
+  ad_->checkProgramExist(Text(), rootOf("<Icon id='n'/>").at(0));
+  EXPECT_EQ(icons().size(), 5U) << "nil equals no program, not even an empty one";
 }
 
 TEST_F(Icons, ElementsAreKeptThemselvesAndOutliveTheirDocument) {

@@ -184,14 +184,16 @@ TEST_F(SdkComponentsTest, AHotspotWithNothingToReadIsRefused) {
 }
 
 TEST_F(SdkComponentsTest, AKeyPathLeadsToTheFirstElement) {
-  const DDXMLElement root =
-      elementOf("<L><Icons id='1'/><Icons><Icon id='2'><C>c</C></Icon><Icon id='3'/></Icons></L>");
+  const DDXMLElement root = elementOf(
+      "<L><Icons id='1'/><Icons><Icon id='2'><C>c</C></Icon><Icon id='3'/></Icons>"
+      "<\xC3\xA9><e\xC3\xA9-1/></\xC3\xA9></L>");
   const struct {
     const char* path;
     const char* xml;  // nullptr for nil
   } rows[] = {
       {"Icons", "<Icons id=\"1\"/>"},
       {"Icons.Icon.C", "<C>c</C>"},
+      {"\xC3\xA9.e\xC3\xA9-1", "<e\xC3\xA9-1/>"},
       {"Icon", nullptr},
       {"L", nullptr},
       {"icons", nullptr},
@@ -205,6 +207,10 @@ TEST_F(SdkComponentsTest, AKeyPathLeadsToTheFirstElement) {
       {"..", nullptr},
       {"*", nullptr},
       {"Icons.@id", nullptr},
+      {"\xC3\xA9.*", nullptr},
+      {"\xC3\xA9..e", nullptr},
+      {"\xC3", nullptr},
+      {"\xE2\x82\xAC", nullptr},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(TamzoVastAdHelper::getFirstElement(root, row.path).XMLString(), Text(row.xml))

@@ -125,6 +125,18 @@ TEST_F(VpaidPageTest, WithoutTagOrTemplateThereIsNoPage) {
   }
 }
 
+TEST_F(VpaidPageTest, NoTemplateIsAskedForWithoutATag) {
+  int asked = 0;
+  TamzoAssetsManager::setVpaidWrapperSource([&asked] {
+    ++asked;
+    return Text("page");
+  });
+  adWithTag("")->getVideoWAPView();
+  EXPECT_EQ(asked, 0);
+  adWithTag("t")->getVideoWAPView();
+  EXPECT_EQ(asked, 1);
+}
+
 TEST_F(VpaidPageTest, EveryCallFillsAnew) {
   useTemplate("{{VAST_TAG}}");
   const auto ad = adWithTag("[TAMZO_SESSION_ID]");

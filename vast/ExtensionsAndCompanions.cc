@@ -218,8 +218,11 @@ void TamzoVastAd::getImageAd(const DDXMLElement& node) {
 // ---- The VPAID page --------------------------------------------------------------------------
 
 Text TamzoVastAd::getVideoWAPView() {
+  if (!vastTagURI().hasCharacters()) {
+    return Text::literal("");
+  }
   const Text pageTemplate = TamzoAssetsManager::getVpaidWrapperData();
-  if (!vastTagURI().hasCharacters() || !pageTemplate.hasCharacters()) {
+  if (!pageTemplate.hasCharacters()) {
     return Text::literal("");
   }
   const bool isUrl = vastTagURI().view().starts_with("http");

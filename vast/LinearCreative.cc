@@ -58,7 +58,8 @@ class IconPrograms {
   }
 
   void put(const Text& program, const DDXMLElement& icon) {
-    if (const auto position = positions_.find(program)) {
+    const auto position = program.isNil() ? std::nullopt : positions_.find(program);
+    if (position) {
       (*actions_)[*position] = icon;
     } else {
       actions_->emplace_back(icon);
