@@ -28,6 +28,10 @@ HookSlot<Hooks>& hooksSlot() {
   return slot;
 }
 
+// What all macros of one text may stand for together: an ad server chooses both the values and how
+// often they are asked for.
+constexpr std::size_t kMaxFilledBytes = std::size_t{1} << 20U;
+
 // IAB VAST: the value of a macro that would be shared if it were known.
 constexpr std::string_view kUnknown = "-1";
 
@@ -222,13 +226,15 @@ Text replaceAll(const Text& given, Filler& filler) {
   std::string out;
   std::size_t copied = 0;
   std::size_t end = 0;
+  std::size_t filled = 0;
   for (std::size_t open = text.find('['); open != std::string_view::npos;
        open = findBracket(text, end)) {
     end = endOfName(text, open + 1);
     const bool isBracketed = end < text.size() && text[end] == ']';
     const std::string* value =
         isBracketed ? filler.find(text.substr(open + 1, end - open - 1)) : nullptr;
-    if (value != nullptr) {
+    if (value != nullptr && filled + value->size() <= kMaxFilledBytes) {
+      filled += value->size();
       out += text.substr(copied, open - copied);
       out += *value;
       copied = end + 1;

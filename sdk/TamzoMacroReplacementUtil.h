@@ -28,7 +28,8 @@ class TAMZO_EXPORT TamzoMacroReplacementUtil {
   /// The text with each known macro, "[NAME]" in capitals, replaced by its value from the record
   /// or the clock, percent-encoded as encodeURIComponent does; "-1" stands for a value that is not
   /// known. One pass from left to right: what is put in is not looked at again. Brackets around
-  /// anything else stay as they are, and so does a text without macros, nil and "" included.
+  /// anything else stay as they are, and so does a text without macros, nil and "" included. Where
+  /// the values of one text would come to more than 1 MiB, the macros after that stay too.
   static Text replaceVASTMacros(const Text& text, const TamzoVastAd& fromVast);
 };
 

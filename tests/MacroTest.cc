@@ -277,6 +277,19 @@ TEST_F(MacroTest, ManyBracketsTakeLinearTime) {
   EXPECT_EQ(fill(names), names);
 }
 
+TEST_F(MacroTest, LongValuesAreNotFilledInWithoutEnd) {
+  ad_->setSupportedExtension(std::string(400'000, 'x'));
+  std::string macros;
+  for (int i = 0; i < 100'000; ++i) {
+    macros += "[EXTENSIONS][SERVERSIDE]";
+  }
+  const std::string filled = fill(macros);
+  EXPECT_LT(filled.size(), macros.size() + (1U << 20U));
+  EXPECT_TRUE(filled.starts_with(std::string(400'000, 'x') + "0" + std::string(400'000, 'x') +
+                                 "0[EXTENSIONS]0"))
+      << "what still fits is filled";
+}
+
 // ---- In the chain ------------------------------------------------------------------------------
 
 TEST_F(MacroTest, ATagUrlIsFilledFromEarlierDocumentsOfTheChain) {

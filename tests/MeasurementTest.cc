@@ -303,6 +303,25 @@ TEST_F(MeasurementTest, MoatLogsTheWholeTextAfterEachBlockThatAddsToIt) {
                                                "<ViewableImpression>2</ViewableImpression>"}));
 }
 
+TEST_F(MeasurementTest, MoatStopsLoggingATextThatHasGrownLong) {
+  std::string blocks;
+  for (int i = 0; i < 10'000; ++i) {
+    blocks +=
+        "<AdVerifications><Verification><ViewableImpression/></Verification></AdVerifications>";
+  }
+  const auto ad = freshRecord();
+  collectLog();
+  ad->updateMoatAdVerification(
+      parseDocument("<E>" + blocks + "</E>")->nodesForXPath("/E/AdVerifications"));
+  EXPECT_EQ(ad->moatVastIds().view().size(), 10'000 * std::string("<ViewableImpression/>").size());
+  std::size_t logged = 0;
+  for (const std::string& line : log()) {
+    logged += line.size();
+  }
+  EXPECT_GT(logged, 0U);
+  EXPECT_LT(logged, 10'000'000U);
+}
+
 TEST_F(MeasurementTest, MoatRunsForEveryVersionAndEveryExtension) {
   const std::string extensions =
       "<Extensions><Extension><AdVerifications><Verification><ViewableImpression>1"

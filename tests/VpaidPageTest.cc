@@ -178,6 +178,25 @@ TEST_F(VpaidPageTest, AHugeTemplateAndManyPlaceholdersTakeLinearTime) {
   EXPECT_EQ(adWithTag("t")->getVideoWAPView().view().size(), 400'000U);
 }
 
+TEST_F(VpaidPageTest, APageThatGrowsWithoutEndIsNone) {
+  std::string placeholders;
+  for (int i = 0; i < 100'000; ++i) {
+    placeholders += "{{MOAT_DATA}}";
+  }
+  useTemplate("{{VAST_TAG}}");
+  const auto ad = adWithTag(placeholders);
+  ad->setAnalyticsData(std::string(1'000'000, 'x'));
+  EXPECT_EQ(ad->getVideoWAPView(), "");
+  EXPECT_TRUE(ad->vPaidHTML().isNil());
+
+  useSession(std::string(1'000'000, 'x'));
+  std::string sessions;
+  for (int i = 0; i < 1000; ++i) {
+    sessions += "[TAMZO_SESSION_ID]";
+  }
+  EXPECT_EQ(adWithTag(sessions)->getVideoWAPView(), "");
+}
+
 TEST_F(VpaidPageTest, TheSdksOwnTemplateHasAllFourPlaceholders) {
   const Text own = TamzoAssetsManager::getVpaidWrapperData();
   for (const char* placeholder :

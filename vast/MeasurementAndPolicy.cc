@@ -15,6 +15,9 @@
 namespace tamzo {
 namespace {
 
+// The whole markup is logged each time that it grows, so it is logged only while it is short.
+constexpr std::size_t kMaxLoggedMarkup = 16384;
+
 void appendTrackers(const TrackerList& events, const NodeList& elements) {
   for (const DDXMLElement& element : elements) {
     appendTracker(*events, element);
@@ -105,7 +108,9 @@ void TamzoVastAd::updateMoatAdVerification(const NodeList& adVerifications) {
     for (const DDXMLElement& impression : impressions) {
       markup.appendString(impression.XMLString());
     }
-    TAMZO_LOG("%@", markup.asText());
+    if (markup.view().size() <= kMaxLoggedMarkup) {
+      TAMZO_LOG("%@", markup.asText());
+    }
   }
   if (!markup.view().empty()) {
     setMoatVastIds(markup.asText());

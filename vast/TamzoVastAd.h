@@ -70,8 +70,9 @@ class TAMZO_EXPORT TamzoVastAd {
   void getImageAd(const DDXMLElement& node);
 
   /// The page that plays a JavaScript VPAID ad: the SDK's template filled for this ad, which is
-  /// stored in `vPaidHTML` too. "" when there is no tag or no template; then `vPaidHTML` keeps its
-  /// value. Values are put in unescaped, one placeholder after another.
+  /// stored in `vPaidHTML` too. "" when there is no tag or no template, or when the page would pass
+  /// 128 MiB; then `vPaidHTML` keeps its value. Values are put in unescaped, one placeholder after
+  /// another.
   Text getVideoWAPView();
 
   /// What TamzoVastAdHelper::getFirstElement returns: an element, its name notwithstanding.
