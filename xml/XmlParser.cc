@@ -181,7 +181,9 @@ void countDefaults(Guard& guard, int namespaceCount, const xmlChar** namespaces,
   for (int i = attributeCount - defaultedCount; i < attributeCount; ++i) {
     bytes += static_cast<std::size_t>(attributes[5 * i + 4] - attributes[5 * i + 3]);
   }
-  guard.defaulted(static_cast<std::size_t>(namespaceCount + defaultedCount), bytes);
+  const auto nodes =
+      static_cast<std::size_t>(namespaceCount) + static_cast<std::size_t>(defaultedCount);
+  guard.defaulted(nodes, bytes);
 }
 
 void onStartElement(void* context, const xmlChar* localName, const xmlChar* prefix,
