@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -13,6 +14,9 @@ namespace tamzo {
 class JsonWriter {
  public:
   explicit JsonWriter(bool isIndented) noexcept : isIndented_(isIndented) {}
+
+  /// Makes room for a document of about that length.
+  void reserve(std::size_t bytes) { out_.reserve(bytes); }
 
   void beginObject() { begin('{'); }
   void endObject() { end('}'); }

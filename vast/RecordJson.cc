@@ -17,6 +17,9 @@ class RecordWriter {
   explicit RecordWriter(JsonLayout layout) : json_(layout == JsonLayout::indented) {}
 
   void write(const TamzoVastAd& ad) {
+    // The two texts that are documents make up most of it.
+    constexpr std::size_t kAllElse = 4096;
+    json_.reserve(ad.vastTagURI().view().size() + ad.vastResponseStr().view().size() + kAllElse);
     json_.beginObject();
 #define TAMZO_PROPERTY(type, name, setter, when, initial) field(#name, ad.name());
 #include "vast/TamzoVastAdProperties.def"

@@ -190,11 +190,7 @@ void TamzoVastAd::resolveNextTag(const NodeList& wrappers) {
 }
 
 void TamzoVastAd::updateSkipOffsetOfLinear(const NodeList& inlines) {
-  const NodeList linears = getWrapperLinearNode(inlines);
-  if (linears.empty()) {
-    return;
-  }
-  const Text offset = linears.at(0).attributeValue("skipoffset");
+  const Text offset = inlines.firstMatch("Creatives/Creative/Linear").attributeValue("skipoffset");
   if (offset.hasCharacters()) {
     updateSkipOffset(offset);
   }

@@ -12,6 +12,15 @@ namespace {
 constexpr std::size_t kBlock = 4096;
 constexpr std::size_t kMaxAttributes = 800;
 
+bool holdsManyEqualsSigns(std::string_view text) noexcept {
+  std::size_t count = 0;
+  for (std::size_t at = text.find('='); at != std::string_view::npos && count <= kMaxAttributes;
+       at = text.find('=', at + 1)) {
+    ++count;
+  }
+  return count > kMaxAttributes;
+}
+
 // No "<" may stand inside a tag, so a tag of 8 KB covers a whole block that holds none. What such a
 // block belongs to may as well be text, a comment or a CDATA section: this only says that it has as
 // many "=" as an oversized tag.
@@ -22,9 +31,7 @@ bool mayHoldOversizedTag(std::string_view text) noexcept {
     }
     const std::size_t begin = std::min(text.rfind('<', block), block);
     const std::size_t end = std::min(text.find('<', block), text.size());
-    if (std::count(text.begin() + static_cast<std::ptrdiff_t>(begin),
-                   text.begin() + static_cast<std::ptrdiff_t>(end),
-                   '=') > static_cast<std::ptrdiff_t>(kMaxAttributes)) {
+    if (holdsManyEqualsSigns(text.substr(begin, end - begin))) {
       return true;
     }
     block = end / kBlock * kBlock;
