@@ -17,13 +17,19 @@ constexpr std::uint64_t kPrime = (std::uint64_t{1} << 61U) - 1;
 
 constexpr std::uint64_t fold(std::uint64_t a) noexcept { return (a & kPrime) + (a >> 61U); }
 
-std::uint64_t multiply(std::uint64_t a, std::uint64_t b) noexcept {
-  __extension__ using Wide = unsigned __int128;
-  const Wide product = Wide{a} * b;
-  const std::uint64_t low = static_cast<std::uint64_t>(product) & kPrime;
-  const std::uint64_t remainder = fold(low + static_cast<std::uint64_t>(product >> 61U));
+// The product of two numbers below 2^62 and 2^61, in halves of 32 bits, since phones of 32 bits
+// have no wider type.
+constexpr std::uint64_t multiply(std::uint64_t a, std::uint64_t b) noexcept {
+  constexpr std::uint64_t kLow = 0xFFFFFFFFU;
+  const std::uint64_t middle = (a >> 32U) * (b & kLow) + (a & kLow) * (b >> 32U);
+  const std::uint64_t sum = fold((a & kLow) * (b & kLow)) + (middle >> 29U) +
+                            ((middle << 32U) & kPrime) + (a >> 32U) * (b >> 32U) * 8;
+  const std::uint64_t remainder = fold(fold(sum));
   return remainder < kPrime ? remainder : remainder - kPrime;
 }
+static_assert(multiply(kPrime - 1, kPrime - 1) == 1, "minus one times minus one");
+static_assert(multiply(std::uint64_t{1} << 61U, 7) == 7, "a number from the prime on");
+static_assert(multiply(123456789123456789U, 987654321987654321U) == 587437849037674763U);
 
 std::uint64_t secretPoint() {
   static const std::uint64_t drawn = [] {
