@@ -233,6 +233,37 @@ TEST(Element, IsWrittenBackAsXml) {
   }
 }
 
+TEST(Element, IsWrittenAlikeHoweverPlainItIs) {
+  for (const std::string xml : {"<a/>",
+                                "<a></a>",
+                                "<a>text</a>",
+                                "<a> \n\t</a>",
+                                "<a>a&gt;b</a>",
+                                "<a>a&lt;b</a>",
+                                "<a>a&amp;b</a>",
+                                "<a>&#13;</a>",
+                                "<a>&#10;&#9;&#34;&#39;</a>",
+                                "<a>\xC3\xA4\xE2\x82\xAC</a>",
+                                "<a>&#127;&#128;&#65533;</a>",
+                                "<\xC3\xA9>x</\xC3\xA9>",
+                                "<a><![CDATA[x]]></a>",
+                                "<a><!--x--></a>",
+                                "<a><?p x?></a>",
+                                "<a>x<b/></a>",
+                                "<a><b>x</b></a>",
+                                "<a b=''/>",
+                                "<a b=''>x</a>",
+                                "<a xmlns='u'/>",
+                                "<a xmlns:p='u'>x</a>",
+                                "<p:a xmlns:p='u'/>"}) {
+    // With a document type libxml2 writes every element itself.
+    EXPECT_EQ(root(xml).XMLString(), root("<!DOCTYPE a>" + xml).XMLString()) << xml;
+  }
+  EXPECT_EQ(root("<a>1 \"2\" '3'</a>").XMLString(), Text("<a>1 \"2\" '3'</a>"));
+  const std::string xhtml = "<!DOCTYPE html PUBLIC '-//W3C//DTD XHTML 1.0 Strict//EN' 'x'>";
+  EXPECT_EQ(root(xhtml + "<p><b/></p>").firstChildElement().XMLString(), Text("<b></b>"));
+}
+
 TEST(Element, IsWrittenWithoutWhatStandsAroundIt) {
   const DDXMLElement b = root("<a>1<b c='2'/>3</a>").firstChildElement();
   EXPECT_EQ(b.XMLString(), Text("<b c=\"2\"/>"));

@@ -89,7 +89,38 @@ Text DDXMLElement::attributeValue(std::string_view name) const {
 
 namespace {
 
+// What libxml2 writes of an element that is a name and, at most, a text without anything to escape;
+// nil for any other. Such elements come in masses, and setting up libxml2's output costs many times
+// what they do.
+Text serializePlain(const xmlDoc* doc, const xmlNode* node) {
+  // A document type may ask for the layout of XHTML.
+  const bool isBare = doc->intSubset == nullptr && node->type == XML_ELEMENT_NODE &&
+                      node->ns == nullptr && node->nsDef == nullptr && node->properties == nullptr;
+  if (!isBare) {
+    return {};
+  }
+  const std::string_view name(asChars(node->name));
+  const xmlNode* child = node->children;
+  std::string xml("<");
+  if (child == nullptr) {
+    return Text(std::move(xml.append(name).append("/>")));
+  }
+  if (child->next != nullptr || child->type != XML_TEXT_NODE || child->content == nullptr) {
+    return {};
+  }
+  const std::string_view text(asChars(child->content));
+  if (text.find_first_of("<>&\r") != std::string_view::npos) {
+    return {};
+  }
+  xml.reserve(text.size() + 2 * name.size() + 5);
+  xml.append(name).append(">").append(text).append("</").append(name).append(">");
+  return Text(std::move(xml));
+}
+
 Text serialize(xmlDoc* doc, xmlNode* node) {
+  if (Text plain = serializePlain(doc, node); !plain.isNil()) {
+    return plain;
+  }
   std::string xml;
   const QuietLibrary quiet;
   std::unique_ptr<xmlOutputBuffer, CloseOutput> output(

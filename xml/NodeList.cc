@@ -10,8 +10,27 @@
 namespace tamzo {
 namespace {
 
-// A list that has been asked this often will be asked again: then an index pays.
-constexpr unsigned kLookupsBeforeIndex = 3;
+// A list that is asked this often will be asked again: then an index pays, if there is much to look
+// through.
+constexpr unsigned kLookupsBeforeIndex = 4;
+constexpr int kManyChildren = 4;
+
+bool hasManyChildren(const xmlNode* parent) noexcept {
+  int count = 0;
+  for (const xmlNode* child = parent->children; child != nullptr && count < kManyChildren;
+       child = child->next) {
+    ++count;
+  }
+  return count == kManyChildren;
+}
+
+xmlNode* firstChildNamed(const xmlNode* parent, std::string_view name) noexcept {
+  xmlNode* child = parent->children;
+  while (child != nullptr && !isElementNamed(child, name)) {
+    child = child->next;
+  }
+  return child;
+}
 
 }  // namespace
 
@@ -51,17 +70,14 @@ DDXMLElement NodeList::firstMatch(const XPath& path) const {
   if (size_ == 0) {
     return {};
   }
-  if (node(0)->children == nullptr && path.isBelowContext()) {
-    return {};
-  }
-  const bool isOneStep = path.isBelowContext() && path.steps().find('/') == std::string_view::npos;
-  if (!isOneStep || ++lookups_ <= kLookupsBeforeIndex) {
+  if (!path.isSingleName()) {
     return element(0).firstNodeForXPath(path);
   }
-  if (index_ == nullptr) {
+  if (++lookups_ == kLookupsBeforeIndex && hasManyChildren(node(0))) {
     index_ = std::make_unique<ChildIndex>(node(0));
   }
-  xmlNode* found = index_->find(path.steps(), path.firstStepHash());
+  xmlNode* found = index_ == nullptr ? firstChildNamed(node(0), path.steps())
+                                     : index_->find(path.steps(), path.firstStepHash());
   return found == nullptr ? DDXMLElement() : DDXMLElement(found, tree_);
 }
 

@@ -1,7 +1,5 @@
 #include "xml/StringValue.h"
 
-#include <libxml/entities.h>
-
 #include <string>
 
 namespace tamzo {
@@ -21,12 +19,11 @@ Text shareContent(const xmlNode* node, const std::shared_ptr<const XmlTree>& tre
 void appendDescendants(std::string& out, const xmlNode* root, int entityNesting);
 
 void appendEntity(std::string& out, const xmlNode* reference, int nesting) {
-  const xmlEntity* entity = xmlGetDocEntity(reference->doc, reference->name);
-  if (entity == nullptr || nesting >= kMaxEntityNesting) {
-    return;
+  // The child of a reference is the entity's declaration, if there is one. It is laid out as a node
+  // is, with its parsed text as children.
+  if (reference->children != nullptr && nesting < kMaxEntityNesting) {
+    appendDescendants(out, reference->children, nesting + 1);
   }
-  // An entity is laid out as a node is, with its parsed text as children.
-  appendDescendants(out, reinterpret_cast<const xmlNode*>(entity), nesting + 1);
 }
 
 // The node after `node` in document order below `root`, or null.

@@ -21,6 +21,7 @@ class XPath {
     isAbsolute_ = !text.empty() && text.front() == '/';
     steps_ = isAbsolute_ ? text.substr(1) : text;
     isChildPath_ = isPathOfNames(steps_);
+    isSingleName_ = isChildPath_ && !isAbsolute_ && steps_.find('/') == std::string_view::npos;
     firstStepHash_ = hashOfName(firstStep(steps_));
   }
 
@@ -31,6 +32,8 @@ class XPath {
   constexpr bool isAbsolute() const noexcept { return isAbsolute_; }
   /// True for a child path that starts at the node that is asked: without children it finds none.
   constexpr bool isBelowContext() const noexcept { return isChildPath_ && !isAbsolute_; }
+  /// True for the name of a child and nothing more.
+  constexpr bool isSingleName() const noexcept { return isSingleName_; }
   /// The path without a leading "/".
   constexpr std::string_view steps() const noexcept { return steps_; }
   /// `hashOfName` of the first step.
@@ -73,6 +76,7 @@ class XPath {
   std::uint32_t firstStepHash_ = 0;
   bool isAbsolute_ = false;
   bool isChildPath_ = false;
+  bool isSingleName_ = false;
 };
 
 }  // namespace tamzo
