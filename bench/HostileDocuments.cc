@@ -202,6 +202,11 @@ string verificationsOfAd(size_t bytes) {
       repeat("<Verification><ViewableImpression>u</ViewableImpression></Verification>", bytes) +
       "</AdVerifications>");
 }
+string moatMarkupInOneBlock(size_t bytes) {
+  return inLineWith("<Extensions><Extension><AdVerifications>" +
+                    repeat("<Verification><ViewableImpression/></Verification>", bytes) +
+                    "</AdVerifications></Extension></Extensions>");
+}
 string moatMarkup(size_t bytes) {
   return inLineWith("<Extensions><Extension>" +
                     repeat("<AdVerifications><Verification><ViewableImpression/></Verification>"
@@ -223,6 +228,12 @@ string extensions(size_t bytes) {
 string vendorBlocks(size_t bytes) {
   return inLineWith("<Extensions>" + repeat("<Extension><Tamzo/></Extension>", bytes) +
                     "</Extensions>");
+}
+string vendorBlocksOfOneSetting(size_t bytes) {
+  return inLineWith(
+      "<Extensions>" +
+      repeat("<Extension><Tamzo><canReplay>u</canReplay></Tamzo></Extension>", bytes) +
+      "</Extensions>");
 }
 string vendorBlocksInOneExtension(size_t bytes) {
   return inLineWith("<Extensions><Extension>" + repeat("<Tamzo/>", bytes) +
@@ -564,12 +575,14 @@ constexpr std::array kShapes{
     SHAPE("many: Verification", verifications, 0),
     SHAPE("many: Verification of the ad", verificationsOfAd, 0),
     SHAPE("many: AdVerifications with markup", moatMarkup, 0),
+    SHAPE("many: Verification with markup", moatMarkupInOneBlock, 0),
     SHAPE("many: ViewableImpression", viewableImpressions, 0),
     SHAPE("many: Impression", impressions, 0),
     SHAPE("many: MediaFile", mediaFiles, 0),
     SHAPE("many: Category", categories, 0),
     SHAPE("many: Extension", extensions, 0),
     SHAPE("many: vendor blocks", vendorBlocks, 0),
+    SHAPE("many: vendor blocks of one setting", vendorBlocksOfOneSetting, 0),
     SHAPE("many: vendor blocks in one Extension", vendorBlocksInOneExtension, 0),
     SHAPE("many: vendor children", vendorChildren, 101),
     SHAPE("many: vendor children of one name", vendorChildrenOfOneName, 0),
