@@ -208,6 +208,16 @@ TEST_F(XmlGuards, EntitiesOfReasonableSizeAreRead) {
   EXPECT_EQ(document->rootElement().stringValue(), Text("x"));
 }
 
+TEST_F(XmlGuards, AnEntityOfElementsIsReadUnderANamespace) {
+  for (const char* declared :
+       {"xmlns='urn:d'", "xmlns:p='urn:p'", "xmlns='urn:d' xmlns:p='urn:p'"}) {
+    const auto document =
+        parse(std::string("<!DOCTYPE a [<!ENTITY e '<b>x</b>'>]><a ") + declared + ">&e;&e;</a>");
+    ASSERT_NE(document, nullptr) << declared;
+    EXPECT_EQ(document->rootElement().stringValue(), Text("xx")) << declared;
+  }
+}
+
 TEST_F(XmlGuards, ALongEntityThatIsUsedOftenIsRefused) {
   const std::string dtd = entityTower(std::string(100'000, 'x'), 1, 0);
   EXPECT_EQ(parse(dtd + "<a>" + repeat("&e0;", 10'000) + "</a>"), nullptr);

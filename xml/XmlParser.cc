@@ -193,9 +193,11 @@ void onStartElement(void* context, const xmlChar* localName, const xmlChar* pref
                         defaultedCount, attributes);
   checkNames(context);
   // A namespace that found no memory is passed over in silence, and the element would match paths
-  // that it must not.
+  // that it must not. In an entity a namespace that is missing says nothing: libxml2 does not see
+  // those declared around the reference.
   const xmlParserCtxt& parser = *static_cast<xmlParserCtxt*>(context);
-  if (uri != nullptr && parser.node != nullptr && parser.node->ns == nullptr) {
+  const bool isInEntity = parser.depth > 0;
+  if (uri != nullptr && parser.node != nullptr && parser.node->ns == nullptr && !isInEntity) {
     guarded(context, [](Guard& guard) { guard.setRanOutOfMemory(); });
   }
   if (Guard::of(context).mayDefaultAttributes()) {
