@@ -22,7 +22,7 @@ std::string dump(const ordered_json& value) {
 
 // The text that the line asks to be parsed; nothing for a line that is no good.
 std::optional<std::string> vastOf(const std::string& line) {
-  if (!isUtf8(line) || !isShallowJson(line)) {
+  if (!isUtf8(line) || !isShallowJson(line) || line.find('\0') != std::string::npos) {
     return std::nullopt;
   }
   const auto request = ordered_json::parse(line, nullptr, false);

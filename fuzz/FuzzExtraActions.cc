@@ -118,7 +118,8 @@ void throughResponse(const std::string& markup, const TamzoExtraActions& expecte
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   makeDeterministic();
-  const std::string_view text = asText(data, size);
+  // No XML holds a NUL, which the JSON library takes for the end.
+  const std::string_view text = asText(data, size).substr(0, asText(data, size).find('\0'));
   DepthMeter meter;
   const bool isGood = json::sax_parse(text, &meter) && meter.deepest() <= kDeepest;
   require(!isGood || isShallowJson(text), "shallow JSON counts as deep");

@@ -323,6 +323,10 @@ BatchAnswer answerBatchLine(const std::string& line) {
   if (!isShallowJson(line)) {
     return refuse(kNoId, "is nested too deep");
   }
+  // No JSON holds a NUL, but the reader takes one for the end.
+  if (line.find('\0') != std::string::npos) {
+    return refuse(kNoId, "holds a NUL character");
+  }
   json request = json::parse(line, nullptr, /*allow_exceptions=*/false);
   if (request.is_discarded()) {
     return refuse(kNoId, "is not JSON, or holds a number that no double can");
