@@ -17,8 +17,8 @@ constexpr std::uint64_t kPrime = (std::uint64_t{1} << 61U) - 1;
 
 constexpr std::uint64_t fold(std::uint64_t a) noexcept { return (a & kPrime) + (a >> 61U); }
 
-// The product of two numbers below 2^62 and 2^61, in halves of 32 bits, since phones of 32 bits
-// have no wider type.
+// The product of two numbers below 2^62 and 2^61, modulo the prime, in halves of 32 bits: phones of
+// 32 bits have no wider type.
 constexpr std::uint64_t multiply(std::uint64_t a, std::uint64_t b) noexcept {
   constexpr std::uint64_t kLow = 0xFFFFFFFFU;
   const std::uint64_t middle = (a >> 32U) * (b & kLow) + (a & kLow) * (b >> 32U);

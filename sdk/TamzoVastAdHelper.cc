@@ -6,7 +6,6 @@
 #include "sdk/PercentEncoding.h"
 
 namespace tamzo {
-
 namespace {
 
 // Names joined by "/". Which letters beyond ASCII a name may have libxml2 knows.
