@@ -150,6 +150,11 @@ TEST_F(BatchCommandTest, AnIdComesBackAsItWasWritten) {
   EXPECT_TRUE(line.starts_with(R"({"id": 2, )")) << "the last of several counts: " << line;
 }
 
+TEST_F(BatchCommandTest, ANulEndsNoLineEarly) {
+  const std::string line = std::string(R"({"vast":"abcd"})") + '\0' + R"({"id":1})";
+  EXPECT_EQ(run({"batch"}, line).out, "{\"id\": null, \"error\": \"holds a NUL character\"}\n");
+}
+
 TEST_F(BatchCommandTest, AMemberIsFoundAsItIsWritten) {
   using command::writtenMember;
   EXPECT_EQ(writtenMember("{}", "id"), "null");
