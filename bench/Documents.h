@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "vast/TamzoVastAd.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 namespace tamzo::bench {
 

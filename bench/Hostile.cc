@@ -20,9 +20,9 @@
 
 #include "bench/Floor.h"
 #include "bench/HostileDocuments.h"
-#include "sdk/TamzoUrlReader.h"
-#include "vast/RecordJson.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/vast/RecordJson.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 namespace tamzo::bench {
 namespace {

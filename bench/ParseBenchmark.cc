@@ -20,9 +20,9 @@
 #include "bench/Documents.h"
 #include "bench/Floor.h"
 #include "bench/NaiveQueries.h"
-#include "sdk/TamzoUrlReader.h"
-#include "vast/RecordJson.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/vast/RecordJson.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 namespace tamzo::bench {
 namespace {

@@ -10,13 +10,13 @@
 #include <utility>
 #include <vector>
 
-#include "examples/expect.h"
-#include "sdk/TamzoAssetsManager.h"
-#include "sdk/TamzoLogger.h"
-#include "sdk/TamzoMacroReplacementUtil.h"
-#include "sdk/TamzoState.h"
-#include "sdk/TamzoUrlReader.h"
-#include "vast/TamzoVastAd.h"
+#include "expect.h"
+#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/sdk/TamzoAssetsManager.h"
+#include "tamzo/sdk/TamzoLogger.h"
+#include "tamzo/sdk/TamzoMacroReplacementUtil.h"
+#include "tamzo/sdk/TamzoState.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 namespace {
 

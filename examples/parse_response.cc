@@ -4,7 +4,7 @@
 #include <iostream>
 #include <iterator>
 
-#include "vast/TamzoVastAd.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 int main(int argc, char** argv) {
   std::ifstream file(argc > 1 ? argv[1] : "response.xml");

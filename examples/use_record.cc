@@ -9,9 +9,9 @@
 #include <variant>
 #include <vector>
 
-#include "examples/expect.h"
-#include "vast/RecordJson.h"
-#include "vast/TamzoVastAd.h"
+#include "expect.h"
+#include "tamzo/vast/RecordJson.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 namespace {
 

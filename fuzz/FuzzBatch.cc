@@ -3,12 +3,12 @@
 
 #include <string>
 
+#include "base/JsonDepth.h"
+#include "base/Utf8.h"
 #include "fuzz/Fuzzing.h"
-#include "sdk/JsonDepth.h"
-#include "sdk/Utf8.h"
+#include "tamzo/vast/TamzoVastAd.h"
 #include "tools/Batch.h"
 #include "tools/Input.h"
-#include "vast/TamzoVastAd.h"
 
 using namespace tamzo;
 using namespace tamzo::fuzz;

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "fuzz/Fuzzing.h"
-#include "sdk/TamzoLogger.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/sdk/TamzoLogger.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 using namespace tamzo;
 using namespace tamzo::fuzz;

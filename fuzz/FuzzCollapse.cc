@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "fuzz/Fuzzing.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 using namespace tamzo;
 using namespace tamzo::fuzz;

@@ -11,11 +11,12 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Numbers.h"
+#include "base/Utf8.h"
+#include "base/WhiteSpace.h"
 #include "fuzz/Fuzzing.h"
-#include "sdk/TamzoAdDuration.h"
-#include "sdk/TextConversions.h"
-#include "sdk/Utf8.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/sdk/TamzoAdDuration.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 using namespace tamzo;
 using namespace tamzo::fuzz;

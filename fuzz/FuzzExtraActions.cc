@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <string>
 
+#include "base/JsonDepth.h"
+#include "base/Utf8.h"
 #include "fuzz/Fuzzing.h"
-#include "sdk/JsonDepth.h"
-#include "sdk/TamzoExtraActions.h"
-#include "sdk/Utf8.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/sdk/TamzoExtraActions.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 using namespace tamzo;
 using namespace tamzo::fuzz;

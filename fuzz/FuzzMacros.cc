@@ -12,9 +12,9 @@
 #include <string_view>
 #include <utility>
 
+#include "base/WhiteSpace.h"
 #include "fuzz/Fuzzing.h"
-#include "sdk/TextConversions.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 using namespace tamzo;
 using namespace tamzo::fuzz;

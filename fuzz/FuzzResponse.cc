@@ -1,8 +1,8 @@
 // A whole response, and all that the SDK asks of the record made from it. Nothing is fetched.
 
 #include "fuzz/Fuzzing.h"
-#include "sdk/TamzoLogger.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/sdk/TamzoLogger.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 using namespace tamzo;
 using namespace tamzo::fuzz;

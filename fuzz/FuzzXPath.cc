@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "fuzz/Fuzzing.h"
-#include "xml/DDXMLDocument.h"
-#include "xml/NodeList.h"
-#include "xml/XPath.h"
+#include "tamzo/xml/DDXMLDocument.h"
+#include "tamzo/xml/NodeList.h"
+#include "tamzo/xml/XPath.h"
 
 using namespace tamzo;
 using namespace tamzo::fuzz;

@@ -10,10 +10,10 @@
 #include <string>
 #include <string_view>
 
-#include "sdk/TamzoMacroReplacementUtil.h"
-#include "sdk/TamzoState.h"
-#include "sdk/TamzoUrlReader.h"
-#include "vast/RecordJson.h"
+#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/sdk/TamzoMacroReplacementUtil.h"
+#include "tamzo/sdk/TamzoState.h"
+#include "tamzo/vast/RecordJson.h"
 
 // What the fuzzers have in common.
 

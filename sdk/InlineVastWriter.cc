@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <string_view>
 
-#include "sdk/TextSearch.h"
-#include "xml/NodeList.h"
+#include "base/AssignmentSearch.h"
+#include "tamzo/xml/NodeList.h"
 
 namespace tamzo {
 namespace {
@@ -332,8 +332,7 @@ std::string withoutXmlnsAssignments(std::string xml) {
   std::string out;
   std::size_t at = 0;
   MarkupCursor cursor;
-  const AssignmentSearch search("xmlns");
-  while (const TextMatch match = search.find(text, at)) {
+  while (const TextMatch match = findAssignment(text, "xmlns", at)) {
     for (; at + 1 < match.end; ++at) {
       cursor.step(text.substr(at));
       out += text[at];

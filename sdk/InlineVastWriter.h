@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "xml/DDXMLElement.h"
-#include "xml/Text.h"
+#include "tamzo/base/Text.h"
+#include "tamzo/xml/DDXMLElement.h"
 
 namespace tamzo {
 

@@ -1,8 +1,8 @@
-#include "sdk/TamzoAssetsManager.h"
+#include "tamzo/sdk/TamzoAssetsManager.h"
 
 #include <utility>
 
-#include "sdk/HookSlot.h"
+#include "base/HookSlot.h"
 #include "sdk/VpaidWrapperPage.h"
 
 namespace tamzo {

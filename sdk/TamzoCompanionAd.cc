@@ -1,6 +1,6 @@
-#include "sdk/TamzoCompanionAd.h"
+#include "tamzo/sdk/TamzoCompanionAd.h"
 
-#include "sdk/TrimmedText.h"
+#include "sdk/ElementText.h"
 
 namespace tamzo {
 namespace {

@@ -1,10 +1,10 @@
-#include "sdk/TamzoExtraActions.h"
+#include "tamzo/sdk/TamzoExtraActions.h"
 
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "sdk/JsonDepth.h"
+#include "base/JsonDepth.h"
 
 namespace tamzo {
 namespace {

@@ -1,6 +1,6 @@
-#include "sdk/TamzoHotspot360Info.h"
+#include "tamzo/sdk/TamzoHotspot360Info.h"
 
-#include "sdk/TextConversions.h"
+#include "base/WhiteSpace.h"
 
 namespace tamzo {
 

@@ -1,4 +1,4 @@
-#include "sdk/TamzoLogger.h"
+#include "tamzo/sdk/TamzoLogger.h"
 
 #include <syslog.h>
 
@@ -11,7 +11,7 @@
 #define TAMZO_HAS_BACKTRACE 1
 #endif
 
-#include "sdk/HookSlot.h"
+#include "base/HookSlot.h"
 
 namespace tamzo {
 

@@ -1,4 +1,4 @@
-#include "sdk/TamzoMacroReplacementUtil.h"
+#include "tamzo/sdk/TamzoMacroReplacementUtil.h"
 
 #include <fmt/format.h>
 
@@ -12,11 +12,11 @@
 #include <unordered_map>
 #include <utility>
 
-#include "sdk/HookSlot.h"
-#include "sdk/PercentEncoding.h"
-#include "sdk/TamzoState.h"
-#include "sdk/TextConversions.h"
-#include "vast/TamzoVastAd.h"
+#include "base/HookSlot.h"
+#include "base/PercentEncoding.h"
+#include "base/WhiteSpace.h"
+#include "tamzo/sdk/TamzoState.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 namespace tamzo {
 namespace {

@@ -1,6 +1,6 @@
-#include "sdk/TamzoMeasurementProviderModel.h"
+#include "tamzo/sdk/TamzoMeasurementProviderModel.h"
 
-#include "sdk/TrimmedText.h"
+#include "sdk/ElementText.h"
 
 namespace tamzo {
 

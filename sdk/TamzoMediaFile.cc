@@ -1,6 +1,6 @@
-#include "sdk/TamzoMediaFile.h"
+#include "tamzo/sdk/TamzoMediaFile.h"
 
-#include "sdk/TrimmedText.h"
+#include "sdk/ElementText.h"
 
 namespace tamzo {
 

@@ -1,8 +1,8 @@
-#include "sdk/TamzoState.h"
+#include "tamzo/sdk/TamzoState.h"
 
 #include <utility>
 
-#include "sdk/HookSlot.h"
+#include "base/HookSlot.h"
 
 namespace tamzo {
 namespace {

@@ -1,9 +1,9 @@
-#include "sdk/TamzoVastAdHelper.h"
+#include "tamzo/sdk/TamzoVastAdHelper.h"
 
 #include <algorithm>
 #include <string>
 
-#include "sdk/PercentEncoding.h"
+#include "base/PercentEncoding.h"
 
 namespace tamzo {
 namespace {

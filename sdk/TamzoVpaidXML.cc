@@ -1,4 +1,4 @@
-#include "sdk/TamzoVpaidXML.h"
+#include "tamzo/sdk/TamzoVpaidXML.h"
 
 #include <algorithm>
 #include <string>

@@ -23,11 +23,11 @@
 #include <string>
 #include <vector>
 
-#include "sdk/TamzoLogger.h"
-#include "sdk/TamzoMacroReplacementUtil.h"
-#include "sdk/TamzoUrlReader.h"
-#include "vast/RecordJson.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/sdk/TamzoLogger.h"
+#include "tamzo/sdk/TamzoMacroReplacementUtil.h"
+#include "tamzo/vast/RecordJson.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 // libxml2 2.9.14 drops what it has copied of a node when memory runs out half-way. Leaks of what
 // C++ allocates are found all the same.

@@ -4,9 +4,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "sdk/TamzoVastAdHelper.h"
+#include "tamzo/sdk/TamzoVastAdHelper.h"
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <stdexcept>
 
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

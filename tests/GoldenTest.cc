@@ -17,10 +17,10 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "sdk/TamzoState.h"
-#include "sdk/TamzoUrlReader.h"
+#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/sdk/TamzoState.h"
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/HttpServer.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

@@ -13,10 +13,10 @@
 #include <string_view>
 
 #include "bench/HostileDocuments.h"
-#include "sdk/TamzoUrlReader.h"
+#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/HttpServer.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::bench {
 

@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "sdk/TextConversions.h"
 #include "tests/support/SdkFixture.h"
 
 namespace tamzo::testing {

@@ -6,8 +6,8 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

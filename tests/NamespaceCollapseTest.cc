@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "vast/TamzoVastAd.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 namespace tamzo::testing {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <cmath>
 
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

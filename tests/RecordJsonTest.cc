@@ -5,9 +5,9 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/PropertyNames.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

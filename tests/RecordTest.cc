@@ -11,9 +11,9 @@
 #include <type_traits>
 #include <vector>
 
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/PropertyNames.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {
@@ -24,7 +24,7 @@ TEST_F(Record, HasSeventyTwoPropertiesOfGivenNames) {
   ASSERT_EQ(kPropertyNames.size(), 72U);
   std::vector<std::string> names;
 #define TAMZO_PROPERTY(type, name, setter, when, initial) names.emplace_back(#name);
-#include "vast/TamzoVastAdProperties.def"
+#include "tamzo/vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
   EXPECT_EQ(names, kPropertyNames);
 }
@@ -36,7 +36,7 @@ TEST_F(Record, SettersAreNamedAfterTheirProperty){
     expected[0] = static_cast<char>(std::toupper(expected[0])); \
     EXPECT_EQ(#setter, "set" + expected);                       \
   }
-#include "vast/TamzoVastAdProperties.def"
+#include "tamzo/vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
 }
 
@@ -67,7 +67,7 @@ bool isZero(const std::shared_ptr<Pointee>& value) {
 TEST_F(Record, StartsAsNothing) {
   const TamzoVastAd ad;
 #define TAMZO_PROPERTY(type, name, setter, when, initial) EXPECT_TRUE(isZero(ad.name())) << #name;
-#include "vast/TamzoVastAdProperties.def"
+#include "tamzo/vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
 }
 
@@ -158,7 +158,7 @@ TEST_F(Record, SettersKeepTheVeryObject) {
     ad.setter({});                                                  \
     EXPECT_TRUE(isZero(ad.name())) << #name << " may be nil again"; \
   }
-#include "vast/TamzoVastAdProperties.def"
+#include "tamzo/vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
 }
 
@@ -181,7 +181,7 @@ TEST_F(Record, ASecondParseResetsWhatBelongsToOne) {
                                        "moatVastIds", "vastResponseStr"};
   TamzoVastAd ad;
 #define TAMZO_PROPERTY(type, name, setter, when, initial) ad.setter(sample<type>());
-#include "vast/TamzoVastAdProperties.def"
+#include "tamzo/vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
   ad.setIsImaEnabled(false);
   const TamzoVastAd before = ad;
@@ -191,7 +191,7 @@ TEST_F(Record, ASecondParseResetsWhatBelongsToOne) {
   EXPECT_EQ(isSame(ad.name(), before.name()),                            \
             std::find(reset.begin(), reset.end(), #name) == reset.end()) \
       << #name;
-#include "vast/TamzoVastAdProperties.def"
+#include "tamzo/vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
   EXPECT_EQ(ad.vastTagURI(), Text("no XML"));
   EXPECT_EQ(ad.vastResponseStr(), Text("no XML"));

@@ -7,9 +7,9 @@
 #include <stdexcept>
 #include <thread>
 
-#include "sdk/KeyIndex.h"
-#include "sdk/TamzoVastAdHelper.h"
-#include "sdk/TamzoWebSettings.h"
+#include "tamzo/base/KeyIndex.h"
+#include "tamzo/sdk/TamzoVastAdHelper.h"
+#include "tamzo/sdk/TamzoWebSettings.h"
 #include "tests/support/SdkFixture.h"
 
 namespace tamzo::testing {

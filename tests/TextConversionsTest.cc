@@ -1,4 +1,6 @@
-#include "sdk/TextConversions.h"
+#include "base/Numbers.h"
+#include "base/Utf8.h"
+#include "base/WhiteSpace.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sdk/TamzoAdDuration.h"
+#include "tamzo/sdk/TamzoAdDuration.h"
 
 namespace tamzo::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "xml/Text.h"
+#include "tamzo/base/Text.h"
 
 #include <gtest/gtest.h>
 

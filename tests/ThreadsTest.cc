@@ -7,9 +7,9 @@
 #include <functional>
 #include <thread>
 
-#include "sdk/TamzoWebSettings.h"
+#include "tamzo/sdk/TamzoWebSettings.h"
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

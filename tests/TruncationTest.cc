@@ -9,9 +9,9 @@
 #include <sstream>
 #include <string>
 
-#include "sdk/Utf8.h"
+#include "base/Utf8.h"
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

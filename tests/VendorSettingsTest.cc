@@ -7,8 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "sdk/TamzoWebSettings.h"
+#include "tamzo/sdk/TamzoWebSettings.h"
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "tamzo/vast/RecordJson.h"
 #include "tests/support/SdkFixture.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::testing {
 namespace {

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "tamzo/xml/DDXMLDocument.h"
 #include "tests/support/HttpServer.h"
-#include "xml/DDXMLDocument.h"
 
 namespace tamzo::testing {
 namespace {

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "xml/DDXMLDocument.h"
-#include "xml/DDXMLElement.h"
-#include "xml/NodeList.h"
+#include "tamzo/xml/DDXMLDocument.h"
+#include "tamzo/xml/DDXMLElement.h"
+#include "tamzo/xml/NodeList.h"
 
 namespace tamzo::testing {
 namespace {

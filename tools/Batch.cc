@@ -20,14 +20,14 @@
 #include <thread>
 #include <utility>
 
-#include "sdk/JsonDepth.h"
-#include "sdk/Utf8.h"
+#include "base/JsonDepth.h"
+#include "base/Utf8.h"
+#include "tamzo/vast/ErrorCodes.h"
+#include "tamzo/vast/RecordJson.h"
 #include "tools/CommandError.h"
 #include "tools/Input.h"
 #include "tools/JsonMember.h"
 #include "tools/Output.h"
-#include "vast/ErrorCodes.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::command {
 namespace {

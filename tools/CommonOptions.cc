@@ -4,11 +4,11 @@
 #include <cstdio>
 #include <mutex>
 
-#include "sdk/TamzoLogger.h"
-#include "sdk/TamzoState.h"
-#include "sdk/TamzoUrlReader.h"
-#include "sdk/TextConversions.h"
-#include "sdk/Utf8.h"
+#include "base/Numbers.h"
+#include "base/Utf8.h"
+#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/sdk/TamzoLogger.h"
+#include "tamzo/sdk/TamzoState.h"
 #include "tools/CommandError.h"
 
 namespace tamzo::command {

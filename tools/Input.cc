@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-#include "sdk/Utf8.h"
+#include "base/Utf8.h"
 #include "tools/CommandError.h"
 
 namespace tamzo::command {

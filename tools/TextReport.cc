@@ -8,9 +8,9 @@
 #include <variant>
 #include <vector>
 
-#include "sdk/TextConversions.h"
+#include "base/WhiteSpace.h"
+#include "tamzo/vast/ErrorCodes.h"
 #include "tools/CommandError.h"
-#include "vast/ErrorCodes.h"
 
 namespace tamzo::command {
 namespace {

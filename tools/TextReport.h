@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "vast/TamzoVastAd.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 namespace tamzo::command {
 

@@ -9,15 +9,15 @@
 #include <thread>
 #include <vector>
 
-#include "sdk/TamzoAssetsManager.h"
-#include "sdk/Utf8.h"
+#include "base/Utf8.h"
+#include "tamzo/sdk/TamzoAssetsManager.h"
+#include "tamzo/vast/RecordJson.h"
 #include "tools/Batch.h"
 #include "tools/CommandError.h"
 #include "tools/CommonOptions.h"
 #include "tools/Input.h"
 #include "tools/Output.h"
 #include "tools/TextReport.h"
-#include "vast/RecordJson.h"
 
 namespace tamzo::command {
 namespace {

@@ -1,4 +1,4 @@
-#include "vast/ErrorCodes.h"
+#include "tamzo/vast/ErrorCodes.h"
 
 #include <algorithm>
 #include <array>

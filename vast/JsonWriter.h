@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "xml/Text.h"
+#include "tamzo/base/Text.h"
 
 namespace tamzo {
 

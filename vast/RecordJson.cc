@@ -1,4 +1,4 @@
-#include "vast/RecordJson.h"
+#include "tamzo/vast/RecordJson.h"
 
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -22,7 +22,7 @@ class RecordWriter {
     json_.reserve(ad.vastTagURI().view().size() + ad.vastResponseStr().view().size() + kAllElse);
     json_.beginObject();
 #define TAMZO_PROPERTY(type, name, setter, when, initial) field(#name, ad.name());
-#include "vast/TamzoVastAdProperties.def"
+#include "tamzo/vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
     json_.endObject();
   }

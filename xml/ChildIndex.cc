@@ -2,7 +2,7 @@
 
 #include <bit>
 
-#include "xml/XPath.h"
+#include "tamzo/xml/XPath.h"
 #include "xml/XmlTree.h"
 
 namespace tamzo {

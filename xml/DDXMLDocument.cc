@@ -1,4 +1,4 @@
-#include "xml/DDXMLDocument.h"
+#include "tamzo/xml/DDXMLDocument.h"
 
 #include <stdexcept>
 

@@ -1,4 +1,4 @@
-#include "xml/DDXMLElement.h"
+#include "tamzo/xml/DDXMLElement.h"
 
 #include <libxml/tree.h>
 #include <libxml/xmlIO.h>
@@ -7,7 +7,7 @@
 #include <new>
 #include <vector>
 
-#include "xml/NodeList.h"
+#include "tamzo/xml/NodeList.h"
 #include "xml/QuietLibrary.h"
 #include "xml/StringValue.h"
 #include "xml/XPathQuery.h"

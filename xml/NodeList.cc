@@ -1,4 +1,4 @@
-#include "xml/NodeList.h"
+#include "tamzo/xml/NodeList.h"
 
 #include <stdexcept>
 #include <utility>

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "xml/Text.h"
+#include "tamzo/base/Text.h"
 #include "xml/XmlTree.h"
 
 namespace tamzo {

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "xml/DDXMLElement.h"
-#include "xml/XPath.h"
+#include "tamzo/xml/DDXMLElement.h"
+#include "tamzo/xml/XPath.h"
 #include "xml/XmlTree.h"
 
 namespace tamzo {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "xml/DDXMLElement.h"
+#include "tamzo/xml/DDXMLElement.h"
 
 namespace tamzo {
 

@@ -1,7 +1,7 @@
 // A host that links the installed package.
 
-#include "vast/RecordJson.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/vast/RecordJson.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 int main() {
   const auto ad = tamzo::TamzoVastAd::initWithVast("<VAST version='3.0'/>");

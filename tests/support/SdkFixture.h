@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "sdk/TamzoAssetsManager.h"
-#include "sdk/TamzoLogger.h"
-#include "sdk/TamzoMacroReplacementUtil.h"
-#include "sdk/TamzoState.h"
-#include "sdk/TamzoUrlReader.h"
-#include "vast/TamzoVastAd.h"
+#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/sdk/TamzoAssetsManager.h"
+#include "tamzo/sdk/TamzoLogger.h"
+#include "tamzo/sdk/TamzoMacroReplacementUtil.h"
+#include "tamzo/sdk/TamzoState.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 namespace tamzo::testing {
 

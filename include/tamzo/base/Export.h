@@ -1,0 +1,9 @@
+#pragma once
+
+/// Marks what a shared library shows to hosts. Everything else stays hidden in it, and a static
+/// library, which becomes part of somebody's binary, exports nothing there.
+#if defined(TAMZO_SHARED) && !defined(_WIN32)
+#define TAMZO_EXPORT __attribute__((visibility("default")))
+#else
+#define TAMZO_EXPORT
+#endif

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
+#include <variant>
+
+#include "tamzo/base/Export.h"
+#include "tamzo/base/List.h"
+#include "tamzo/base/Text.h"
+#include "tamzo/xml/DDXMLElement.h"
+
+namespace tamzo {
+
+/// The extra actions of an ad: nil, a list whose entries are Icon elements and decoded JSON values
+/// side by side, or, where the ad server sent JSON that is no list, that one value. A shared
+/// handle: copies see the same list. Reading one from several threads is safe.
+class TAMZO_EXPORT TamzoExtraActions {
+ public:
+  using JsonValue = std::shared_ptr<const nlohmann::json>;
+  using Entry = std::variant<JsonValue, DDXMLElement>;
+
+  /// Nil.
+  TamzoExtraActions() noexcept = default;
+
+  static TamzoExtraActions makeEmptyList();
+
+  /// What a JSON text holds, top-level scalars allowed. Nil when the text is malformed; nesting
+  /// deeper than 512 and more than a megabyte count as malformed. The text is decoded when it is
+  /// first asked for: a vendor block may overwrite it before.
+  static TamzoExtraActions fromJson(Text text);
+
+  bool isNil() const;
+  bool isList() const { return list() != nullptr; }
+
+  /// The entries; null unless this is a list.
+  const List<Entry>& list() const;
+  /// The decoded value; null unless this is JSON that is no list.
+  const JsonValue& value() const;
+
+ private:
+  struct Content;
+  const Content* decoded() const;
+
+  std::shared_ptr<Content> content_;
+};
+
+}  // namespace tamzo

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "tamzo/base/Export.h"
+#include "tamzo/base/Text.h"
+#include "tamzo/sdk/TamzoTrackerEvent.h"
+#include "tamzo/xml/NodeList.h"
+
+namespace tamzo {
+
+/// One Verification element of IAB VAST's AdVerifications: who measures, and with what. Each getter
+/// reads the element when it is called; texts are nil, and flags absent, where it has none.
+/// Immutable: any number of threads may read it.
+class TAMZO_EXPORT TamzoMeasurementProviderModel {
+ public:
+  struct JavaScriptResource {
+    Text url;
+    Text apiFramework;  ///< "omid" for Open Measurement
+    std::optional<bool> browserOptional;
+  };
+  struct ExecutableResource {
+    Text url;
+    Text apiFramework;
+    Text type;
+  };
+
+  /// Of no element.
+  static std::shared_ptr<TamzoMeasurementProviderModel> init() {
+    return std::make_shared<TamzoMeasurementProviderModel>();
+  }
+
+  /// A new record of the first element of `verification`, a list of one Verification element.
+  /// Never null.
+  std::shared_ptr<TamzoMeasurementProviderModel> createMeasurementProviderFromXML(
+      const NodeList& verification) const;
+
+  Text vendor() const;
+  std::vector<JavaScriptResource> javaScriptResources() const;
+  std::vector<ExecutableResource> executableResources() const;
+  /// For the vendor's script, as it stands.
+  Text verificationParameters() const;
+  /// Such as "verificationNotExecuted".
+  TrackerMap trackers() const;
+
+ private:
+  DDXMLElement node_;
+};
+
+}  // namespace tamzo

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "tamzo/base/Export.h"
+#include "tamzo/vast/TamzoVastAd.h"
+
+namespace tamzo {
+
+enum class JsonLayout {
+  compact,   ///< on one line
+  indented,  ///< for people, two blanks a level
+};
+
+/// The record as one JSON object: every property under its own name, in the order of its table.
+/// docs/record-json.md describes the form, which is stable. Nil is null. Bytes that are not UTF-8
+/// are written as U+FFFD. Throws std::bad_alloc only.
+TAMZO_EXPORT std::string recordAsJson(const TamzoVastAd& ad,
+                                      JsonLayout layout = JsonLayout::compact);
+
+}  // namespace tamzo

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tamzo/base/Export.h"
+#include "tamzo/base/Text.h"
+#include "tamzo/xml/XPath.h"
+
+// libxml2's node, named here so that no libxml2 header shows above this layer.
+struct _xmlNode;
+
+namespace tamzo {
+
+class NodeList;
+class XmlTree;
+
+/// What went wrong in a query or a parse; empty when nothing did.
+struct XmlError {
+  std::string message;
+};
+
+/// A node of a parsed document: an element or, where a query asks for one, an attribute, a text, a
+/// comment. A small handle that may be nil, and that keeps the whole document alive. Every read on
+/// nil is safe and gives nil.
+///
+/// Reading the nodes of one document from several threads is safe for everything here except
+/// queries that are no plain child path, of which one document takes one at a time.
+class TAMZO_EXPORT DDXMLElement {
+ public:
+  /// Nil.
+  DDXMLElement() noexcept = default;
+
+  /// False for nil.
+  explicit operator bool() const noexcept { return node_ != nullptr; }
+
+  /// The name as written, prefix included; nil for a nil node.
+  Text name() const;
+
+  /// The text of the node and of all its descendants, untrimmed: character data, CDATA sections
+  /// and entities, decoded; comments and processing instructions are no part of it. Never nil for
+  /// a node: an empty element gives "". The text shares the document where it can.
+  Text stringValue() const;
+
+  /// The attribute of that name, or nil. A name without a prefix finds attributes without one.
+  DDXMLElement attributeForName(std::string_view name) const;
+
+  /// `attributeForName(name).stringValue()`: nil when there is no such attribute.
+  Text attributeValue(std::string_view name) const;
+
+  /// The node written back as XML, as libxml2 does it; nil for a nil node. Entity references are
+  /// written as references.
+  Text XMLString() const;
+
+  /// As XMLString, but able to stand alone: every namespace prefix in it is declared, and what an
+  /// entity reference stands for is written in its place.
+  Text XMLStringStandingAlone() const;
+
+  /// The nodes that an XPath 1.0 expression finds from this node, in document order: an empty list
+  /// when it finds none, a nil list when the expression is malformed or gives no nodes (a number,
+  /// say); `error` then says why. A path of plain names finds elements in no namespace.
+  NodeList nodesForXPath(const XPath& path, XmlError* error = nullptr) const;
+
+  /// The first node that `nodesForXPath` would find, or nil.
+  DDXMLElement firstNodeForXPath(const XPath& path) const;
+
+  /// The first child element, and the next element after this one; nil at the end.
+  DDXMLElement firstChildElement() const;
+  DDXMLElement nextSiblingElement() const;
+
+  bool hasAttributes() const noexcept;
+
+  /// The same node of the same document.
+  friend bool operator==(const DDXMLElement& a, const DDXMLElement& b) noexcept {
+    return a.node_ == b.node_;
+  }
+
+ private:
+  friend class NodeList;
+  friend class DDXMLDocument;
+
+  DDXMLElement(_xmlNode* node, std::shared_ptr<const XmlTree> tree) noexcept
+      : node_(node), tree_(std::move(tree)) {}
+
+  _xmlNode* node_ = nullptr;
+  std::shared_ptr<const XmlTree> tree_;
+};
+
+}  // namespace tamzo

@@ -1,0 +1,81 @@
+// The page that plays a JavaScript VPAID unit in a web view.
+
+#include "tamzo/vast/TamzoVastAd.h"
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "base/WhiteSpace.h"
+#include "tamzo/sdk/TamzoAssetsManager.h"
+#include "tamzo/sdk/TamzoState.h"
+
+namespace tamzo {
+namespace {
+
+// Values may hold placeholders of other values, so that a page can grow far beyond what it is made
+// of; one of this length is no page any more.
+constexpr std::size_t kMaxPageBytes = std::size_t{128} << 20U;
+
+/// A text whose placeholders are filled one after another, until it is too long.
+class PageText {
+ public:
+  explicit PageText(std::string text) noexcept : text_(std::move(text)) {}
+
+  void replaceAll(std::string_view what, std::string_view with) {
+    if (isTooLong_) {
+      return;
+    }
+    std::string out;
+    std::string_view rest = text_;
+    for (std::size_t at = rest.find(what); at != std::string_view::npos; at = rest.find(what)) {
+      out += rest.substr(0, at);
+      out += with;
+      rest.remove_prefix(at + what.size());
+      if (out.size() + rest.size() > kMaxPageBytes) {
+        isTooLong_ = true;
+        return;
+      }
+    }
+    text_ = std::move(out += rest);
+  }
+
+  bool isTooLong() const noexcept { return isTooLong_; }
+  std::string take() noexcept { return std::move(text_); }
+
+ private:
+  std::string text_;
+  bool isTooLong_ = false;
+};
+
+}  // namespace
+
+Text TamzoVastAd::getVideoWAPView() {
+  if (!vastTagURI().hasCharacters()) {
+    return Text::literal("");
+  }
+  const Text pageTemplate = TamzoAssetsManager::getVpaidWrapperData();
+  if (!pageTemplate.hasCharacters()) {
+    return Text::literal("");
+  }
+  const bool isUrl = vastTagURI().view().starts_with("http");
+  PageText filledTag{std::string(vastTagURI().view())};
+  filledTag.replaceAll("[TAMZO_SESSION_ID]", TamzoState::getSessionId());
+  const std::string tag = isUrl ? filledTag.take() : removeNewlines(filledTag.take());
+  const auto orElse = [](const Text& text, std::string_view fallback) {
+    return text.hasCharacters() ? text.view() : fallback;
+  };
+  // One after the other: what a value brings of a later placeholder is filled too.
+  PageText page{std::string(pageTemplate.view())};
+  page.replaceAll("{{IS_TAG_A_URL}}", isUrl ? "true" : "false");
+  page.replaceAll("{{VAST_TAG}}", tag);
+  page.replaceAll("{{MOAT_DATA}}", orElse(analyticsData(), "{}"));
+  page.replaceAll("{{MOAT_PARTNER_CODE}}", orElse(analyticsKey(), ""));
+  if (filledTag.isTooLong() || page.isTooLong()) {
+    return Text::literal("");
+  }
+  setVPaidHTML(Text(page.take()));
+  return vPaidHTML();
+}
+
+}  // namespace tamzo

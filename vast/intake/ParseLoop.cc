@@ -1,0 +1,148 @@
+// The entry, and the loop that follows Wrappers.
+
+#include "tamzo/vast/TamzoVastAd.h"
+
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "base/Numbers.h"
+#include "base/Utf8.h"
+#include "base/WhiteSpace.h"
+#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/sdk/TamzoLogger.h"
+
+namespace tamzo {
+namespace {
+
+constexpr std::size_t kPrefixLength = 4;
+constexpr std::int32_t kLastPassToGoOn = 5;
+constexpr std::int32_t kWrapperLimitPass = 5;
+
+enum class From { never, init, parse };
+
+// The first four characters equal "http"; throws for a text that has fewer than four.
+bool isUrl(const Text& tag) {
+  if (isShorterThan(tag, kPrefixLength)) {
+    throw std::out_of_range("the tag has fewer than 4 characters");
+  }
+  return tag.view().starts_with("http");
+}
+
+}  // namespace
+
+std::shared_ptr<TamzoVastAd> TamzoVastAd::initWithVast(const Text& vast) {
+  std::shared_ptr<TamzoVastAd> ad;
+  try {
+    ad = std::make_shared<TamzoVastAd>();
+    const Text& response = vast;
+#define TAMZO_PROPERTY(type, name, setter, when, initial) \
+  if constexpr (From::when == From::init) ad->setter(initial);
+#include "tamzo/vast/TamzoVastAdProperties.def"
+#undef TAMZO_PROPERTY
+    static_cast<void>(response);
+    ad->parseVast(replaceWithPattern("xmlns", vast));
+  } catch (const std::bad_alloc&) {
+    // Memory ran out before the loop, whose guard answers for everything after.
+    if (ad != nullptr) {
+      ad->setErrorCode(kException);
+    }
+  }
+  return ad;
+}
+
+void TamzoVastAd::parseVast(const Text& vast) {
+  // A copy: `vast` may be one of the properties that are reset.
+  const Text response = vast;  // NOLINT(performance-unnecessary-copy-initialization)
+#define TAMZO_PROPERTY(type, name, setter, when, initial) \
+  if constexpr (From::when == From::parse) setter(initial);
+#include "tamzo/vast/TamzoVastAdProperties.def"
+#undef TAMZO_PROPERTY
+  try {
+    followChain();
+  } catch (const std::exception& exception) {
+    TAMZO_LOG("%@", Text(std::string(exception.what()) + "\n" + TamzoLogger::callStackSymbols()));
+    setErrorCode(kException);
+  }
+}
+
+void TamzoVastAd::followChain() {
+  std::int32_t count = 0;
+  bool done = false;
+  do {
+    if (isImaEnabled()) {
+      break;
+    }
+    ++count;
+    const Text xml = isUrl(vastTagURI()) ? readTagURI() : vastTagURI();
+    if (!xml.hasCharacters()) {
+      TAMZO_LOG("empty vast string content!");
+      setErrorCode(kEmptyContent);
+      break;
+    }
+    const auto document = DDXMLDocument::initWithXMLString(xml, 0);
+    if (document == nullptr) {
+      TAMZO_LOG("XML is not VAST");
+      setErrorCode(kNotXml);
+      break;
+    }
+    TAMZO_LOG("VAST element is present");
+    const Text version = getVastVersion(*document);
+    setVpaidVastVersion(version);
+    if (!version.hasCharacters()) {
+      TAMZO_LOG("VAST version is absent");
+      setErrorCode(kBadVersion);
+      break;
+    }
+    TAMZO_LOG("VAST version is %@", version);
+    done = process(count, integerValue(version), *document);
+  } while (count <= kLastPassToGoOn && !done && errorCode() == kNoError);
+
+  // Exactly the fifth pass, and no other: a chain that ends there well counts as too long, one
+  // that ran all six passes does not.
+  if (count == kWrapperLimitPass && errorCode() == kNoError) {
+    setErrorCode(kWrapperLimit);
+  }
+}
+
+// The body behind the URL in `vastTagURI`, which is trimmed on the way; nil when it cannot be
+// fetched or is not UTF-8, "" when a host's reader threw.
+Text TamzoVastAd::readTagURI() {
+  Text xml = Text::literal("");
+  try {
+    if (isTamzoDebugEnabled) {
+      TamzoLogger::printLog(TamzoLogger::format("vastTagURI = %@", {vastTagURI()}));
+    }
+    setVastTagURI(vastTagURI().part(trimWhiteSpace(vastTagURI())));
+    const Text url = TamzoUrlReader::urlFromText(vastTagURI());
+    if (isTamzoDebugEnabled) {
+      TamzoLogger::printLog(TamzoLogger::format("url formed from vastTagURI = %@", {url}));
+    }
+    auto body = TamzoUrlReader::read(url);
+    xml = body && isUtf8(*body) ? Text(std::move(*body)) : Text();
+  } catch (const std::bad_alloc&) {
+    throw;  // no failure of the fetch
+  } catch (const std::exception& exception) {
+    TAMZO_LOG("error: %@", Text(exception.what()));
+  }
+  return xml;
+}
+
+bool TamzoVastAd::process(std::int32_t pass, std::int32_t version, const DDXMLDocument& document) {
+  switch (version) {
+    case 2:
+      return processVASTVersion2(pass, document);
+    case 3:
+      return processVASTVersion3(pass, document);
+    case 4:
+      return processVASTVersion4(pass, document);
+    default:
+      TAMZO_LOG("VAST version is incompatible");
+      setErrorCode(kBadVersion);
+      return true;
+  }
+}
+
+}  // namespace tamzo
