@@ -23,6 +23,7 @@
 #include "tamzo/net/TamzoUrlReader.h"
 #include "tamzo/vast/RecordJson.h"
 #include "tamzo/vast/TamzoVastAd.h"
+#include "tests/support/HostHooks.h"
 
 namespace tamzo::bench {
 namespace {
@@ -82,7 +83,7 @@ Measured measure(What what, const std::string& text) {
   setrlimit(RLIMIT_CPU, &limit);
   // The floor of some shapes writes a warning for each of a million declarations.
   dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
-  TamzoUrlReader::setReader([](const Text&) { return std::optional<std::string>(); });
+  testing::readUrlsWith([](const Text&) { return std::optional<std::string>(); });
   int status = 0;
   try {
     const Measured measured = measure(what, shape.make(bytes));

@@ -23,6 +23,7 @@
 #include "tamzo/net/TamzoUrlReader.h"
 #include "tamzo/vast/RecordJson.h"
 #include "tamzo/vast/TamzoVastAd.h"
+#include "tests/support/HostHooks.h"
 
 namespace tamzo::bench {
 namespace {
@@ -106,7 +107,7 @@ void addChain() {
     return found == chain->bodies.end() ? std::nullopt : std::optional(found->second);
   };
   add("parse/e", [=](benchmark::State& state) {
-    TamzoUrlReader::setReader(read);
+    testing::readUrlsWith(read);
     const auto response = Text::sharing(chain->response, chain);
     requireWholeRecord("e", *TamzoVastAd::initWithVast(response));
     runBesideFloor(
@@ -118,7 +119,7 @@ void addChain() {
           }
         },
         [&] { benchmark::DoNotOptimize(TamzoVastAd::initWithVast(response)); });
-    TamzoUrlReader::setReader({});
+    testing::readUrlsWith({});
   });
 }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -11,11 +12,8 @@
 #include <vector>
 
 #include "expect.h"
-#include "tamzo/net/TamzoUrlReader.h"
-#include "tamzo/sdk/TamzoAssetsManager.h"
+#include "tamzo/sdk/TamzoHost.h"
 #include "tamzo/sdk/TamzoLogger.h"
-#include "tamzo/sdk/TamzoMacroReplacementUtil.h"
-#include "tamzo/sdk/TamzoState.h"
 #include "tamzo/vast/TamzoVastAd.h"
 
 namespace {
@@ -23,15 +21,17 @@ namespace {
 // A table stands in for the platform's HTTP client here.
 using Bodies = std::map<std::string, std::string, std::less<>>;
 
-void readUrlsWith(Bodies bodies) {
-  tamzo::TamzoUrlReader::setReader(
-      [bodies = std::move(bodies)](const tamzo::Text& url) -> std::optional<std::string> {
-        const auto found = bodies.find(url.view());
-        if (found == bodies.end()) {
-          return std::nullopt;  // a failed read: the ad ends with error 301
-        }
-        return found->second;
-      });
+tamzo::TamzoHost hostThatReads(Bodies bodies) {
+  tamzo::TamzoHost host;
+  host.readUrl = [bodies =
+                      std::move(bodies)](const tamzo::Text& url) -> std::optional<std::string> {
+    const auto found = bodies.find(url.view());
+    if (found == bodies.end()) {
+      return std::nullopt;  // a failed read: the ad ends with error 301
+    }
+    return found->second;
+  };
+  return host;
 }
 
 class LogLines {
@@ -50,38 +50,46 @@ class LogLines {
   std::vector<std::string> lines_;
 };
 
-void logTo(LogLines& lines) {
-  tamzo::TamzoLogger::setSink([&lines](std::string_view line) { lines.add(line); });
+void logTo(LogLines& lines, tamzo::TamzoHost& host) {
+  host.writeLog = [&lines](std::string_view line) { lines.add(line); };
   tamzo::isTamzoDebugEnabled = true;
 }
 
-void setState() {
-  tamzo::TamzoState::Source source;
-  source.blockedAdCategories = [] { return tamzo::Text::literal("IAB7-39,IAB25-3"); };
-  source.sessionId = [] { return tamzo::Text::literal("session-42"); };
-  tamzo::TamzoState::setSource(std::move(source));
+void setState(tamzo::TamzoHost& host) {
+  host.blockedAdCategories = [] { return tamzo::Text::literal("IAB7-39,IAB25-3"); };
+  host.sessionId = [] { return tamzo::Text::literal("session-42"); };
 }
 
-void fixMacros() {
-  tamzo::TamzoMacroReplacementUtil::Hooks hooks;
-  hooks.now = [] { return std::chrono::system_clock::time_point(std::chrono::seconds(0)); };
-  hooks.random = [](std::uint32_t bound) { return bound / 2; };
-  tamzo::TamzoMacroReplacementUtil::setHooks(std::move(hooks));
+void fixMacros(tamzo::TamzoHost& host) {
+  host.now = [] { return std::chrono::system_clock::time_point(std::chrono::seconds(0)); };
+  host.random = [](std::uint32_t bound) { return bound / 2; };
 }
 
-void useOwnTemplate() {
-  tamzo::TamzoAssetsManager::setVpaidWrapperSource(
-      [] { return tamzo::Text::literal("<p>session [{{VAST_TAG}}] url {{IS_TAG_A_URL}}</p>"); });
+void useOwnTemplate(tamzo::TamzoHost& host) {
+  host.vpaidWrapperTemplate = [] {
+    return tamzo::Text::literal("<p>session [{{VAST_TAG}}] url {{IS_TAG_A_URL}}</p>");
+  };
 }
 
-// What was set refers to objects of this program, so it is taken back before they go.
-void takeHooksBack() {
+// For the whole process: every parse that begins from now on uses it. One member is changed in a
+// copy.
+void setForTheProcess(tamzo::TamzoHost host) {
+  tamzo::TamzoHost::set(std::move(host));
+  tamzo::TamzoHost changed = *tamzo::TamzoHost::get();
+  changed.fetchLimits.totalSeconds = 8.0;
+  tamzo::TamzoHost::set(std::move(changed));
+}
+
+// For one parse alone: two components of an app need not share a host.
+std::shared_ptr<tamzo::TamzoVastAd> parseWith(const tamzo::TamzoHost& host,
+                                              const tamzo::Text& response) {
+  return tamzo::TamzoVastAd::initWithVast(response, host);
+}
+
+// What was set refers to objects of this program, so the defaults are put back before they go.
+void takeHostBack() {
   tamzo::isTamzoDebugEnabled = false;
-  tamzo::TamzoUrlReader::setReader({});
-  tamzo::TamzoLogger::setSink({});
-  tamzo::TamzoState::setSource({});
-  tamzo::TamzoMacroReplacementUtil::setHooks({});
-  tamzo::TamzoAssetsManager::setVpaidWrapperSource({});
+  tamzo::TamzoHost::set({});
 }
 
 const char* const kWrapper = R"(<VAST version="4.2"><Ad id="w"><Wrapper>
@@ -98,11 +106,12 @@ int main() {
   const std::string next =
       "https://ads.example/next?t=1970-01-01T00%3A00%3A00.000%2B00%3A00&s=%5BTAMZO_SESSION_ID%5D";
   LogLines lines;
-  readUrlsWith({{next, kGamblingAd}});
-  logTo(lines);
-  setState();
-  fixMacros();
-  useOwnTemplate();
+  tamzo::TamzoHost host = hostThatReads({{next, kGamblingAd}});
+  logTo(lines, host);
+  setState(host);
+  fixMacros(host);
+  useOwnTemplate(host);
+  setForTheProcess(host);
 
   const auto blocked = tamzo::TamzoVastAd::initWithVast(kWrapper);
   expect(blocked->errorCode() == tamzo::kCategoryBlocked, "the Wrapper's ad was read and blocked");
@@ -112,8 +121,7 @@ int main() {
   expect(page.view().find("&s=session-42]") != std::string_view::npos, "the session is filled in");
   expect(page.view().find("url true") != std::string_view::npos, "the tag is a URL");
 
-  readUrlsWith({});
-  const auto unread = tamzo::TamzoVastAd::initWithVast(kWrapper);
+  const auto unread = parseWith(hostThatReads({}), kWrapper);
   expect(unread->errorCode() == tamzo::kEmptyContent, "a read that fails ends with 301");
-  takeHooksBack();
+  takeHostBack();
 }

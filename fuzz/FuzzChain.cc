@@ -25,7 +25,7 @@ bool isUrlCharacter(char c) {
 
 Outcome parseChain(const std::vector<std::string_view>& documents, bool isLogged) {
   Outcome outcome;
-  TamzoUrlReader::setReader([&](const Text& url) -> std::optional<std::string> {
+  testing::readUrlsWith([&](const Text& url) -> std::optional<std::string> {
     require(url.view().starts_with("http"), "a fetch of what is no URL");
     for (const char c : url.view()) {
       require(isUrlCharacter(c), "a URL holds a character that needs encoding");
@@ -36,13 +36,13 @@ Outcome parseChain(const std::vector<std::string_view>& documents, bool isLogged
                : std::nullopt;
   });
   std::size_t parsed = 0;
-  TamzoLogger::setSink([&parsed](std::string_view line) {
+  testing::writeLogTo([&parsed](std::string_view line) {
     parsed += line == "[TAMZO-LOG][v8.0.0 p0] VAST element is present" ? 1U : 0U;
   });
   isTamzoDebugEnabled = isLogged;
   const auto ad = TamzoVastAd::initWithVast(Text(documents[0]));
-  TamzoLogger::setSink([](std::string_view) {});
-  TamzoUrlReader::setReader([](const Text&) { return std::optional<std::string>(); });
+  testing::writeLogTo([](std::string_view) {});
+  testing::readUrlsWith([](const Text&) { return std::optional<std::string>(); });
 
   require(ad != nullptr, "no record");
   require(outcome.fetches <= kMostDocuments, "too many fetches");

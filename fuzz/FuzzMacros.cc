@@ -135,9 +135,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     hasConsent = hasConsent || (std::string_view(macro.name) == "GDPRCONSENT" && !line.empty());
   }
   const Text blocked(takeUpTo(rest, '\n'));
-  TamzoState::Source state;
+  testing::HostState state;
   state.blockedAdCategories = [blocked] { return blocked; };
-  TamzoState::setSource(std::move(state));
+  testing::useState(std::move(state));
   values["BLOCKEDADCATEGORIES"] = list(blocked);
 
   const std::string_view numbers = takeUpTo(rest, '\n');
@@ -149,10 +149,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::chrono::system_clock::time_point now{
       std::chrono::duration_cast<std::chrono::system_clock::duration>(
           std::chrono::nanoseconds(numberFrom<std::int64_t>(numbers)))};
-  TamzoMacroReplacementUtil::Hooks hooks;
+  testing::MacroHooks hooks;
   hooks.now = [now] { return now; };
   hooks.random = [drawn](std::uint32_t bound) { return drawn % bound; };
-  TamzoMacroReplacementUtil::setHooks(std::move(hooks));
+  testing::fillMacrosWith(std::move(hooks));
   values["CACHEBUSTING"] = std::to_string(10'000'000U + drawn % 90'000'000U);
   values["TIMESTAMP"] = timestamp(now);
   values["SERVERSIDE"] = "0";

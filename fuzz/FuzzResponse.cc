@@ -44,7 +44,7 @@ std::string finishedRecord(const Text& response, bool isLogged) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   makeDeterministic();
-  TamzoLogger::setSink([](std::string_view) {});
+  testing::writeLogTo([](std::string_view) {});
   const Text response(asText(data, size));
   requireEqual(finishedRecord(response, true), finishedRecord(response, false),
                "the log changes the record");

@@ -14,6 +14,7 @@
 #include "tamzo/sdk/TamzoMacroReplacementUtil.h"
 #include "tamzo/sdk/TamzoState.h"
 #include "tamzo/vast/RecordJson.h"
+#include "tests/support/HostHooks.h"
 
 // What the fuzzers have in common.
 
@@ -54,14 +55,14 @@ inline std::string_view takeUpTo(std::string_view& rest, char separator) {
 
 /// Takes away all that would make two runs of one input differ: the network, the clock, chance.
 inline void makeDeterministic() {
-  TamzoUrlReader::setReader([](const Text&) { return std::optional<std::string>(); });
-  TamzoMacroReplacementUtil::Hooks hooks;
+  testing::readUrlsWith([](const Text&) { return std::optional<std::string>(); });
+  testing::MacroHooks hooks;
   hooks.now = [] { return std::chrono::system_clock::time_point(); };
   hooks.random = [](std::uint32_t) { return std::uint32_t{7}; };
-  TamzoMacroReplacementUtil::setHooks(std::move(hooks));
-  TamzoState::Source state;
+  testing::fillMacrosWith(std::move(hooks));
+  testing::HostState state;
   state.blockedAdCategories = [] { return Text::literal("IAB1-1,IAB2, IAB3"); };
-  TamzoState::setSource(std::move(state));
+  testing::useState(std::move(state));
 }
 
 /// The record as JSON, after a check that both layouts are JSON and say the same.

@@ -5,22 +5,11 @@
 #include <cstdint>
 #include <utility>
 
-#include "base/HookSlot.h"
 #include "base/PercentEncoding.h"
 #include "net/CurlReader.h"
 
 namespace tamzo {
 namespace {
-
-HookSlot<TamzoUrlReader::Reader>& readerSlot() {
-  static HookSlot<TamzoUrlReader::Reader> slot;
-  return slot;
-}
-
-HookSlot<TamzoUrlReader::Limits>& limitsSlot() {
-  static HookSlot<TamzoUrlReader::Limits> slot;
-  return slot;
-}
 
 // Far more than any server takes; encoded, it may become three times as long.
 constexpr std::size_t kMaxUrlBytes = std::size_t{1} << 20U;
@@ -79,13 +68,8 @@ class UrlBytes {
 
 }  // namespace
 
-void TamzoUrlReader::setReader(Reader reader) { readerSlot().set(std::move(reader)); }
-
-void TamzoUrlReader::setLimits(const Limits& limits) { limitsSlot().set(limits); }
-
-std::optional<std::string> TamzoUrlReader::read(const Text& url) {
-  const auto reader = readerSlot().get();
-  return *reader ? (*reader)(url) : readWithCurl(url, *limitsSlot().get());
+std::optional<std::string> TamzoUrlReader::read(const Text& url, const Limits& limits) {
+  return readWithCurl(url, limits);
 }
 
 Text TamzoUrlReader::urlFromText(std::string_view text) {

@@ -6,9 +6,9 @@
 namespace tamzo {
 
 // The two readings of a clock time, "HH:MM:SS". They differ, and are meant to: players compare
-// durations and tracker offsets with a position in the video, where a guess at garbage is worse than
-// none; a skip offset decides when the viewer may leave, and ad servers that abbreviate it have
-// always been read as far as they go.
+// durations and tracker offsets with a position in the video, where a guess at garbage is worse
+// than none; a skip offset decides when the viewer may leave, and ad servers that abbreviate it
+// have always been read as far as they go.
 
 /// Of durations and tracker offsets. Exactly three components of digits, a fraction of the seconds
 /// allowed and dropped, white space at both ends ignored. Whole seconds; 0 for anything else.

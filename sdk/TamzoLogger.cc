@@ -11,7 +11,8 @@
 #define TAMZO_HAS_BACKTRACE 1
 #endif
 
-#include "base/HookSlot.h"
+#include "sdk/HostInUse.h"
+#include "tamzo/base/Version.h"
 
 namespace tamzo {
 
@@ -19,15 +20,10 @@ std::atomic<bool> isTamzoDebugEnabled{false};
 
 namespace {
 
-HookSlot<TamzoLogger::Sink>& sinkSlot() {
-  static HookSlot<TamzoLogger::Sink> slot;
-  return slot;
-}
-
 void write(std::string_view line) {
-  const auto sink = sinkSlot().get();
-  if (*sink) {
-    (*sink)(line);
+  const HostInUse host;
+  if (host->writeLog) {
+    host->writeLog(line);
   } else {
     syslog(LOG_DEBUG, "%.*s", static_cast<int>(line.size()), line.data());
   }
@@ -44,8 +40,6 @@ void append(std::string& out, const TamzoLogger::Argument& argument) {
 
 }  // namespace
 
-void TamzoLogger::setSink(Sink sink) { sinkSlot().set(std::move(sink)); }
-
 void TamzoLogger::printLog(const Text& line) {
   if (isTamzoDebugEnabled.load(std::memory_order_relaxed)) {
     write(line);
@@ -53,7 +47,8 @@ void TamzoLogger::printLog(const Text& line) {
 }
 
 void TamzoLogger::debugLine(std::string_view message, std::initializer_list<Argument> arguments) {
-  std::string line = format("[TAMZO-LOG][v%@ p%@] ", {Text::literal("8.0.0"), Text::literal("0")});
+  std::string line =
+      format("[TAMZO-LOG][v%@ p%@] ", {Text::literal(TAMZO_VERSION), Text::literal("0")});
   line += format(message, arguments);
   write(line);
 }

@@ -12,21 +12,13 @@
 #include <unordered_map>
 #include <utility>
 
-#include "base/HookSlot.h"
 #include "base/PercentEncoding.h"
 #include "base/WhiteSpace.h"
+#include "sdk/HostInUse.h"
 #include "tamzo/sdk/TamzoState.h"
-#include "tamzo/vast/TamzoVastAd.h"
 
 namespace tamzo {
 namespace {
-
-using Hooks = TamzoMacroReplacementUtil::Hooks;
-
-HookSlot<Hooks>& hooksSlot() {
-  static HookSlot<Hooks> slot;
-  return slot;
-}
 
 // What all macros of one text may stand for together: an ad server chooses both the values and how
 // often they are asked for.
@@ -69,7 +61,7 @@ std::string listOf(const Text& value) {
   return joined.empty() ? std::string(kUnknown) : joined;
 }
 
-std::string regulations(const TamzoVastAd& ad) {
+std::string regulations(const MacroValues& ad) {
   std::string names = ad.isCoppaEnabled() ? "coppa" : "";
   if (ad.GDPRConsentInfo().hasCharacters()) {
     names += names.empty() ? "gdpr" : ",gdpr";
@@ -77,9 +69,9 @@ std::string regulations(const TamzoVastAd& ad) {
   return listOf(names);
 }
 
-std::string timestamp(const Hooks& hooks) {
+std::string timestamp(const HostInUse& host) {
   using std::chrono::milliseconds;
-  const auto now = hooks.now ? hooks.now() : std::chrono::system_clock::now();
+  const auto now = host->now ? host->now() : std::chrono::system_clock::now();
   const auto sinceEpoch = std::chrono::floor<milliseconds>(now.time_since_epoch()).count();
   const auto millis = static_cast<int>(((sinceEpoch % 1000) + 1000) % 1000);
   const auto seconds = static_cast<std::time_t>((sinceEpoch - millis) / 1000);
@@ -91,58 +83,59 @@ std::string timestamp(const Hooks& hooks) {
 }
 
 // Eight digits.
-std::string cacheBuster(const Hooks& hooks) {
+std::string cacheBuster(const HostInUse& host) {
   constexpr std::uint32_t kLeast = 10'000'000;
   constexpr std::uint32_t kCount = 90'000'000;
-  if (hooks.random) {
-    return std::to_string(kLeast + hooks.random(kCount) % kCount);
+  if (host->random) {
+    return std::to_string(kLeast + host->random(kCount) % kCount);
   }
   thread_local std::mt19937 engine{std::random_device{}()};
   return std::to_string(kLeast +
                         std::uniform_int_distribution<std::uint32_t>(0, kCount - 1)(engine));
 }
 
-using Fill = std::string (*)(const TamzoVastAd&, const Hooks&);
+using Fill = std::string (*)(const MacroValues&, const HostInUse&);
 
-template <const Text& (TamzoVastAd::*property)() const>
-std::string fillSingle(const TamzoVastAd& ad, const Hooks&) {
+template <const Text& (MacroValues::*property)() const>
+std::string fillSingle(const MacroValues& ad, const HostInUse&) {
   return single((ad.*property)());
 }
 
-template <const Text& (TamzoVastAd::*property)() const>
-std::string fillList(const TamzoVastAd& ad, const Hooks&) {
+template <const Text& (MacroValues::*property)() const>
+std::string fillList(const MacroValues& ad, const HostInUse&) {
   return listOf((ad.*property)());
 }
 
-std::string fillUnknown(const TamzoVastAd&, const Hooks&) { return std::string(kUnknown); }
-std::string fillZero(const TamzoVastAd&, const Hooks&) { return "0"; }
+std::string fillUnknown(const MacroValues&, const HostInUse&) { return std::string(kUnknown); }
+std::string fillZero(const MacroValues&, const HostInUse&) { return "0"; }
 
 const std::unordered_map<std::string_view, Fill>& macros() {
-  static const std::unordered_map<std::string_view, Fill> table = {
+  // Never destroyed: a thread may still parse while the process ends.
+  static const auto& table = *new std::unordered_map<std::string_view, Fill>{
       // Filled always.
-      {"CACHEBUSTING", [](const TamzoVastAd&, const Hooks& hooks) { return cacheBuster(hooks); }},
-      {"TIMESTAMP", [](const TamzoVastAd&, const Hooks& hooks) { return timestamp(hooks); }},
+      {"CACHEBUSTING", [](const MacroValues&, const HostInUse& host) { return cacheBuster(host); }},
+      {"TIMESTAMP", [](const MacroValues&, const HostInUse& host) { return timestamp(host); }},
       {"SERVERSIDE", fillZero},  // the client fires
       {"PAGEURL", fillZero},     // an app has no page
       // Filled from the record.
-      {"SERVERUA", fillSingle<&TamzoVastAd::serverUA>},
-      {"CLIENTUA", fillSingle<&TamzoVastAd::clientUA>},
-      {"DEVICEIP", fillSingle<&TamzoVastAd::deviceIP>},
-      {"OMIDPARTNER", fillSingle<&TamzoVastAd::omidPartner>},
-      {"PLAYERCAPABILITIES", fillList<&TamzoVastAd::playerCapability>},
-      {"INVENTORYSTATE", fillList<&TamzoVastAd::inventoryState>},
-      {"GDPRCONSENT", fillSingle<&TamzoVastAd::GDPRConsentInfo>},
-      {"VASTVERSIONS", fillList<&TamzoVastAd::vastVersions>},
-      {"APIFRAMEWORKS", fillList<&TamzoVastAd::apiFrameworks>},
-      {"VERIFICATIONVENDORS", fillList<&TamzoVastAd::verificationVendors>},
-      {"EXTENSIONS", fillList<&TamzoVastAd::supportedExtension>},
-      {"MEDIAMIME", fillList<&TamzoVastAd::mimeType>},
-      {"CLICKTYPE", fillSingle<&TamzoVastAd::clickType>},
+      {"SERVERUA", fillSingle<&MacroValues::serverUA>},
+      {"CLIENTUA", fillSingle<&MacroValues::clientUA>},
+      {"DEVICEIP", fillSingle<&MacroValues::deviceIP>},
+      {"OMIDPARTNER", fillSingle<&MacroValues::omidPartner>},
+      {"PLAYERCAPABILITIES", fillList<&MacroValues::playerCapability>},
+      {"INVENTORYSTATE", fillList<&MacroValues::inventoryState>},
+      {"GDPRCONSENT", fillSingle<&MacroValues::GDPRConsentInfo>},
+      {"VASTVERSIONS", fillList<&MacroValues::vastVersions>},
+      {"APIFRAMEWORKS", fillList<&MacroValues::apiFrameworks>},
+      {"VERIFICATIONVENDORS", fillList<&MacroValues::verificationVendors>},
+      {"EXTENSIONS", fillList<&MacroValues::supportedExtension>},
+      {"MEDIAMIME", fillList<&MacroValues::mimeType>},
+      {"CLICKTYPE", fillSingle<&MacroValues::clickType>},
       {"BLOCKEDADCATEGORIES",
-       [](const TamzoVastAd&, const Hooks&) {
+       [](const MacroValues&, const HostInUse&) {
          return listOf(TamzoState::getBlockedAdCategories());
        }},
-      {"REGULATIONS", [](const TamzoVastAd& ad, const Hooks&) { return regulations(ad); }},
+      {"REGULATIONS", [](const MacroValues& ad, const HostInUse&) { return regulations(ad); }},
       // Listed by the IAB, and nothing here knows them.
       {"ADCATEGORIES", fillUnknown},
       {"ADCOUNT", fillUnknown},
@@ -189,7 +182,7 @@ const std::unordered_map<std::string_view, Fill>& macros() {
 // Each macro's value is worked out once per text: one cache-buster, one moment.
 class Filler {
  public:
-  Filler(const TamzoVastAd& ad, const Hooks& hooks) noexcept : ad_(ad), hooks_(hooks) {}
+  Filler(const MacroValues& ad, const HostInUse& host) noexcept : ad_(ad), host_(host) {}
 
   /// The value of the macro of that name; null when there is no such macro.
   const std::string* find(std::string_view name) {
@@ -199,12 +192,12 @@ class Filler {
     const auto macro = macros().find(name);
     return macro == macros().end()
                ? nullptr
-               : &values_.emplace(macro->first, macro->second(ad_, hooks_)).first->second;
+               : &values_.emplace(macro->first, macro->second(ad_, host_)).first->second;
   }
 
  private:
-  const TamzoVastAd& ad_;
-  const Hooks& hooks_;
+  const MacroValues& ad_;
+  const HostInUse& host_;
   std::unordered_map<std::string_view, std::string> values_;
 };
 
@@ -245,14 +238,12 @@ Text replaceAll(const Text& given, Filler& filler) {
 
 }  // namespace
 
-void TamzoMacroReplacementUtil::setHooks(Hooks hooks) { hooksSlot().set(std::move(hooks)); }
-
-Text TamzoMacroReplacementUtil::replaceVASTMacros(const Text& text, const TamzoVastAd& fromVast) {
-  const auto hooks = hooksSlot().get();
-  if (hooks->replace) {
-    return hooks->replace(text, fromVast);
+Text TamzoMacroReplacementUtil::replaceVASTMacros(const Text& text, const MacroValues& fromVast) {
+  const HostInUse host;
+  if (host->replaceMacros) {
+    return host->replaceMacros(text, fromVast);
   }
-  Filler filler(fromVast, *hooks);
+  Filler filler(fromVast, host);
   return replaceAll(text, filler);
 }
 

@@ -3,41 +3,38 @@
 #include <utility>
 
 #include "base/HookSlot.h"
+#include "sdk/HostInUse.h"
 
 namespace tamzo {
 namespace {
 
-HookSlot<TamzoState::Source>& sourceSlot() {
-  static HookSlot<TamzoState::Source> slot;
-  return slot;
-}
+using SharedSettings = std::shared_ptr<const TamzoWebSettings>;
 
-HookSlot<std::shared_ptr<const TamzoWebSettings>>& settingsSlot() {
-  static HookSlot<std::shared_ptr<const TamzoWebSettings>> slot;
+// Never destroyed: a thread may still parse while the process ends.
+HookSlot<SharedSettings>& publishedSettings() {
+  static auto& slot = *new HookSlot<SharedSettings>();
   return slot;
 }
 
 }  // namespace
 
-void TamzoState::setSource(Source source) { sourceSlot().set(std::move(source)); }
-
 Text TamzoState::getBlockedAdCategories() {
-  const auto source = sourceSlot().get();
-  return source->blockedAdCategories ? source->blockedAdCategories() : Text();
+  const HostInUse host;
+  return host->blockedAdCategories ? host->blockedAdCategories() : Text();
 }
 
 Text TamzoState::getSessionId() {
-  const auto source = sourceSlot().get();
-  Text id = source->sessionId ? source->sessionId() : Text();
+  const HostInUse host;
+  Text id = host->sessionId ? host->sessionId() : Text();
   return id.isNil() ? Text::literal("") : id;
 }
 
 std::shared_ptr<const TamzoWebSettings> TamzoState::getTamzoWebSettings() {
-  return *settingsSlot().get();
+  return *publishedSettings().get();
 }
 
 void TamzoState::setTamzoWebSettings(std::shared_ptr<const TamzoWebSettings> settings) {
-  settingsSlot().set(std::move(settings));
+  publishedSettings().set(std::move(settings));
 }
 
 }  // namespace tamzo

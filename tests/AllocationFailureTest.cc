@@ -28,6 +28,7 @@
 #include "tamzo/sdk/TamzoMacroReplacementUtil.h"
 #include "tamzo/vast/RecordJson.h"
 #include "tamzo/vast/TamzoVastAd.h"
+#include "tests/support/HostHooks.h"
 
 // libxml2 2.9.14 drops what it has copied of a node when memory runs out half-way. Leaks of what
 // C++ allocates are found all the same.
@@ -193,16 +194,16 @@ class AllocationFailure : public ::testing::TestWithParam<Case> {
       all.erase(0, end + 1);
     }
     documents_.push_back(all);
-    TamzoUrlReader::setReader([this](const Text&) {
+    readUrlsWith([this](const Text&) {
       ++fetches_;
       return fetches_ < documents_.size() ? std::optional<std::string>(documents_[fetches_])
                                           : std::nullopt;
     });
-    TamzoMacroReplacementUtil::Hooks hooks;
+    MacroHooks hooks;
     hooks.now = [] { return std::chrono::system_clock::time_point(); };
     hooks.random = [](std::uint32_t) { return std::uint32_t{7}; };
-    TamzoMacroReplacementUtil::setHooks(std::move(hooks));
-    TamzoLogger::setSink([](std::string_view) {});
+    fillMacrosWith(std::move(hooks));
+    writeLogTo([](std::string_view) {});
     isTamzoDebugEnabled = GetParam().isLogged;
     response_ = Text(documents_[0]);
     // Once undisturbed, for the record to compare with and for what is set up at first use.
@@ -212,9 +213,9 @@ class AllocationFailure : public ::testing::TestWithParam<Case> {
   }
   ~AllocationFailure() override {
     isTamzoDebugEnabled = false;
-    TamzoLogger::setSink({});
-    TamzoMacroReplacementUtil::setHooks({});
-    TamzoUrlReader::setReader({});
+    writeLogTo({});
+    fillMacrosWith({});
+    readUrlsWith({});
   }
 
   /// One parse with `injector` armed. What came of it, where it is none of what it may be.

@@ -82,7 +82,7 @@ TEST_F(CompanionsTest, AWrappersCompanionsComeFirstAndAreTheMostSuitable) {
   for (const char* version : {"2.0", "3.0", "4.0"}) {
     const std::string inLine =
         vast(version, "<InLine>" + companions("<Companion id='i'/>") + kLinear + "</InLine>");
-    TamzoUrlReader::setReader([&](const Text&) { return inLine; });
+    readUrlsWith([&](const Text&) { return inLine; });
     const auto both =
         TamzoVastAd::initWithVast(vast(version, wrapper(companions("<Companion id='w'/>"))));
     EXPECT_EQ(idsOf(*both), "w; i") << version;

@@ -63,11 +63,11 @@ class Fetch : public SdkTest {
     limits.connectSeconds = seconds;
     limits.totalSeconds = seconds;
     limits.maxBodyBytes = maxBodyBytes;
-    TamzoUrlReader::setLimits(limits);
+    limitFetches(limits);
   }
 
   std::optional<std::string> read(const std::string& path) const {
-    return TamzoUrlReader::read(Text(server_.url(path)));
+    return readUrl(Text(server_.url(path)));
   }
 
   void redirect(const std::string& from, const std::string& to,
@@ -162,7 +162,7 @@ TEST_F(Fetch, ARedirectLeavesHttpNowhere) {
     redirect("/out", target);
     EXPECT_EQ(read("/out"), std::nullopt) << target;
   }
-  EXPECT_EQ(TamzoUrlReader::read(Text("file://" + path)), std::nullopt);
+  EXPECT_EQ(readUrl(Text("file://" + path)), std::nullopt);
   std::remove(path.c_str());
 }
 
@@ -181,7 +181,7 @@ TEST_F(Fetch, APortWhereNobodyListensFails) {
     const HttpServer gone;
     url = gone.url("/x");
   }
-  EXPECT_EQ(TamzoUrlReader::read(Text(url)), std::nullopt);
+  EXPECT_EQ(readUrl(Text(url)), std::nullopt);
 }
 
 TEST_F(Fetch, WhatIsNoHttpUrlIsNotAsked) {
@@ -190,9 +190,9 @@ TEST_F(Fetch, WhatIsNoHttpUrlIsNotAsked) {
        {std::string(), std::string("http"), std::string("http:"), std::string("http://"),
         std::string("httpx"), "httpx://" + authority, "http:" + authority, "http" + authority,
         authority, "//" + authority, "ftp://" + authority, "httpss://" + authority}) {
-    EXPECT_EQ(TamzoUrlReader::read(Text(url)), std::nullopt) << url;
+    EXPECT_EQ(readUrl(Text(url)), std::nullopt) << url;
   }
-  EXPECT_EQ(TamzoUrlReader::read(Text()), std::nullopt);
+  EXPECT_EQ(readUrl(Text()), std::nullopt);
   EXPECT_TRUE(server_.requests().empty());
 }
 
@@ -349,10 +349,10 @@ TEST_F(Fetch, FailedReadsEndAsEmptyContent) {
 
 TEST_F(Fetch, AHostsReaderTakesThePlaceOfTheDefaultAndGivesItBack) {
   server_.serve("/x", "from the network");
-  TamzoUrlReader::setReader([](const Text& url) { return join({"host ", url.view()}); });
-  EXPECT_EQ(TamzoUrlReader::read("any text"), "host any text");
+  readUrlsWith([](const Text& url) { return join({"host ", url.view()}); });
+  EXPECT_EQ(readUrl("any text"), "host any text");
   EXPECT_TRUE(server_.requests().empty());
-  TamzoUrlReader::setReader({});
+  readUrlsWith({});
   EXPECT_EQ(read("/x"), "from the network");
 }
 

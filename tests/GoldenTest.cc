@@ -20,6 +20,7 @@
 #include "tamzo/net/TamzoUrlReader.h"
 #include "tamzo/sdk/TamzoState.h"
 #include "tamzo/vast/RecordJson.h"
+#include "tests/support/HostHooks.h"
 #include "tests/support/HttpServer.h"
 
 namespace tamzo::testing {
@@ -83,7 +84,7 @@ ordered_json differenceFromFresh(const TamzoVastAd& ad, const std::string& respo
 
 class Golden : public ::testing::TestWithParam<fs::path> {
  protected:
-  ~Golden() override { TamzoState::setSource({}); }
+  ~Golden() override { useState({}); }
 };
 
 TEST_P(Golden, ResponseGivesItsRecord) {
@@ -95,11 +96,11 @@ TEST_P(Golden, ResponseGivesItsRecord) {
   }
   if (fs::exists(beside(path, ".options.json"))) {
     const auto options = ordered_json::parse(readFile(beside(path, ".options.json")));
-    TamzoState::Source state;
+    HostState state;
     state.blockedAdCategories = [text = Text(options.value("blockedCategories", ""))] {
       return text;
     };
-    TamzoState::setSource(std::move(state));
+    useState(std::move(state));
   }
 
   const std::string response = replaceAll(readFile(path), "{{HOST}}", server.url());

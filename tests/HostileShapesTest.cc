@@ -179,7 +179,7 @@ const std::map<std::string_view, Check>& checks() {
 class HostileShapesTest : public SdkTest, public ::testing::WithParamInterface<HostileShape> {};
 
 TEST_P(HostileShapesTest, EndsAsItMustAndSoon) {
-  TamzoUrlReader::setReader([](const Text&) { return std::optional<std::string>(); });
+  readUrlsWith([](const Text&) { return std::optional<std::string>(); });
   const std::string response = GetParam().make(kBytes);
   const Stopwatch stopwatch;
   const auto ad = TamzoVastAd::initWithVast(response);
@@ -231,7 +231,7 @@ class HostileServerTest : public SdkTest {
   std::int32_t errorCodeOf(std::string answer) {
     TamzoUrlReader::Limits limits;
     limits.totalSeconds = 10.0;
-    TamzoUrlReader::setLimits(limits);
+    limitFetches(limits);
     HttpServer server;
     server.on("/tag", [&answer](const Exchange& exchange) { exchange.send(answer); });
     const Stopwatch stopwatch;

@@ -37,7 +37,7 @@ const char* const kImaTracking =
 class Intake : public SdkTest {
  protected:
   Intake() {
-    TamzoUrlReader::setReader([this](const Text& url) -> std::optional<std::string> {
+    readUrlsWith([this](const Text& url) -> std::optional<std::string> {
       asked_.emplace_back(url.view());
       const auto found = web_.find(std::string(url.view()));
       return found == web_.end() ? std::nullopt : std::optional(found->second);
@@ -342,7 +342,7 @@ TEST_F(Intake, TheCleanUpTakesTheAttributeAfterTheNamespaceWithIt) {
 
 TEST_F(Intake, AReaderThatThrowsHasReadNothing) {
   collectLog();
-  TamzoUrlReader::setReader(
+  readUrlsWith(
       [](const Text&) -> std::optional<std::string> { throw std::runtime_error("no network"); });
   const auto ad = TamzoVastAd::initWithVast("http://ads.example/1 ");
   EXPECT_EQ(ad->errorCode(), kEmptyContent);
@@ -352,11 +352,11 @@ TEST_F(Intake, AReaderThatThrowsHasReadNothing) {
 }
 
 TEST_F(Intake, AnExceptionOutsideTheReadEndsTheParse) {
-  TamzoMacroReplacementUtil::Hooks hooks;
+  MacroHooks hooks;
   hooks.replace = [](const Text&, const TamzoVastAd&) -> Text {
     throw std::runtime_error("no macros");
   };
-  TamzoMacroReplacementUtil::setHooks(std::move(hooks));
+  fillMacrosWith(std::move(hooks));
   collectLog();
   const auto ad = TamzoVastAd::initWithVast(wrapper("http://ads.example/2"));
   EXPECT_EQ(ad->errorCode(), kException);
@@ -369,12 +369,12 @@ TEST_F(Intake, WhatIsNoStdExceptionPassesThroughToTheCaller) {
   struct HostsOwn {
     int value;
   };
-  TamzoUrlReader::setReader([](const Text&) -> std::optional<std::string> { throw HostsOwn{7}; });
+  readUrlsWith([](const Text&) -> std::optional<std::string> { throw HostsOwn{7}; });
   EXPECT_THROW(TamzoVastAd::initWithVast("http://ads.example/1"), HostsOwn);
 
-  TamzoMacroReplacementUtil::Hooks hooks;
+  MacroHooks hooks;
   hooks.replace = [](const Text&, const TamzoVastAd&) -> Text { throw HostsOwn{8}; };
-  TamzoMacroReplacementUtil::setHooks(std::move(hooks));
+  fillMacrosWith(std::move(hooks));
   EXPECT_THROW(TamzoVastAd::initWithVast(wrapper("http://ads.example/2")), HostsOwn);
 }
 

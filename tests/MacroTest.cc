@@ -18,9 +18,9 @@ class MacroTest : public SdkTest {
     return std::string(TamzoMacroReplacementUtil::replaceVASTMacros(text, *ad_).view());
   }
   static void setClock(std::chrono::milliseconds sinceEpoch) {
-    TamzoMacroReplacementUtil::Hooks hooks;
+    MacroHooks hooks;
     hooks.now = [sinceEpoch] { return std::chrono::system_clock::time_point(sinceEpoch); };
-    TamzoMacroReplacementUtil::setHooks(std::move(hooks));
+    fillMacrosWith(std::move(hooks));
   }
 };
 
@@ -176,13 +176,13 @@ TEST_F(MacroTest, TheCacheBusterHasEightDigits) {
   std::uint32_t bound = 0;
   std::uint32_t drawn = 0;
   int draws = 0;
-  TamzoMacroReplacementUtil::Hooks hooks;
+  MacroHooks hooks;
   hooks.random = [&](std::uint32_t given) {
     bound = given;
     ++draws;
     return drawn;
   };
-  TamzoMacroReplacementUtil::setHooks(hooks);
+  fillMacrosWith(hooks);
   EXPECT_EQ(fill("[CACHEBUSTING]"), "10000000");
   EXPECT_EQ(bound, 90'000'000U);
   drawn = bound - 1;
@@ -194,7 +194,7 @@ TEST_F(MacroTest, TheCacheBusterHasEightDigits) {
   drawn = 0xFFFFFFFF;  // a host that does not keep to the bound
   EXPECT_EQ(fill("[CACHEBUSTING]").size(), 8U);
 
-  TamzoMacroReplacementUtil::setHooks({});
+  fillMacrosWith({});
   std::string first;
   bool differs = false;
   for (int i = 0; i < 20; ++i) {
@@ -301,7 +301,7 @@ TEST_F(MacroTest, ATagUrlIsFilledFromEarlierDocumentsOfTheChain) {
   };
   for (const std::string version : {"2.0", "3.0", "4.0"}) {
     std::vector<std::string> asked;
-    TamzoUrlReader::setReader([&](const Text& url) -> std::optional<std::string> {
+    readUrlsWith([&](const Text& url) -> std::optional<std::string> {
       asked.emplace_back(url.view());
       return asked.size() == 1 ? std::optional(wrapper(version, "2", "second")) : std::nullopt;
     });
@@ -313,14 +313,14 @@ TEST_F(MacroTest, ATagUrlIsFilledFromEarlierDocumentsOfTheChain) {
 }
 
 TEST_F(MacroTest, AHostMayReplaceTheWholeFunction) {
-  TamzoMacroReplacementUtil::Hooks hooks;
+  MacroHooks hooks;
   hooks.replace = [](const Text& text, const TamzoVastAd& ad) {
     return Text(std::string(text.view()) + "|" + std::to_string(ad.errorCode()));
   };
-  TamzoMacroReplacementUtil::setHooks(hooks);
+  fillMacrosWith(hooks);
   EXPECT_EQ(fill("[IFA]"), "[IFA]|100");
   EXPECT_EQ(fill(""), "|100");
-  TamzoMacroReplacementUtil::setHooks({});
+  fillMacrosWith({});
   EXPECT_EQ(fill("[IFA]"), "-1");
 }
 

@@ -47,7 +47,7 @@ std::string wrapperAd(const std::string& version, const std::string& content) {
 }
 
 void answerEveryUrlWith(const std::string& body) {
-  TamzoUrlReader::setReader([body](const Text&) { return body; });
+  readUrlsWith([body](const Text&) { return body; });
 }
 
 struct Row {

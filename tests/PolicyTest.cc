@@ -144,7 +144,7 @@ TEST_F(PolicyTest, OlderVersionsAndWrappersHaveNoPolicy) {
     EXPECT_EQ(ad->expires(), 0.0) << version;
     EXPECT_TRUE(ad->univversalIDRegistry().isNil()) << version;
   }
-  TamzoUrlReader::setReader([](const Text&) { return adWith("<Category>IAB1</Category>"); });
+  readUrlsWith([](const Text&) { return adWith("<Category>IAB1</Category>"); });
   const auto chain = TamzoVastAd::initWithVast(
       "<VAST version='4.0'><Ad><Wrapper><VASTAdTagURI>http://n.example/</VASTAdTagURI>"
       "<Category>IAB26</Category><Expires>9</Expires></Wrapper></Ad></VAST>");

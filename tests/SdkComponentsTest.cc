@@ -308,13 +308,13 @@ TEST_F(SdkComponentsTest, TheStateHasDefaults) {
   EXPECT_TRUE(TamzoState::getBlockedAdCategories().isNil());
   EXPECT_EQ(TamzoState::getSessionId(), "");
   EXPECT_EQ(TamzoState::getTamzoWebSettings(), nullptr);
-  TamzoState::Source source;
+  HostState source;
   source.sessionId = [] { return Text(); };
   source.blockedAdCategories = [] { return Text(" a,b "); };
-  TamzoState::setSource(source);
+  useState(source);
   EXPECT_EQ(TamzoState::getSessionId(), "") << "never nil";
   EXPECT_EQ(TamzoState::getBlockedAdCategories(), " a,b ");
-  TamzoState::setSource({});
+  useState({});
   EXPECT_TRUE(TamzoState::getBlockedAdCategories().isNil());
 }
 
@@ -324,11 +324,11 @@ TEST_F(SdkComponentsTest, TheStateIsSafeFromSeveralThreads) {
   for (int t = 0; t < 4; ++t) {
     threads.emplace_back([t, &bad] {
       for (int i = 0; i < 500; ++i) {
-        TamzoState::Source source;
+        HostState source;
         source.sessionId = [text = Text(std::string(32, static_cast<char>('a' + t)))] {
           return text;
         };
-        TamzoState::setSource(std::move(source));
+        useState(std::move(source));
         const Text id = TamzoState::getSessionId();
         bad += id.view().size() != 32 || id.view().front() != id.view().back() ? 1 : 0;
         TamzoState::setTamzoWebSettings(TamzoWebSettings::init());
@@ -344,7 +344,7 @@ TEST_F(SdkComponentsTest, TheStateIsSafeFromSeveralThreads) {
 
 TEST_F(SdkComponentsTest, TheLogIsSilentUntilSwitchedOn) {
   std::vector<std::string> lines;
-  TamzoLogger::setSink([&](std::string_view line) { lines.emplace_back(line); });
+  writeLogTo([&](std::string_view line) { lines.emplace_back(line); });
   int computed = 0;
   const auto argument = [&computed] {
     ++computed;
@@ -375,11 +375,11 @@ TEST_F(SdkComponentsTest, FormatsAreFilledInOrder) {
 TEST_F(SdkComponentsTest, TheTemplateOfAHostReplacesTheSdks) {
   const Text own = TamzoAssetsManager::getVpaidWrapperData();
   EXPECT_TRUE(own.hasCharacters());
-  TamzoAssetsManager::setVpaidWrapperSource([] { return Text("mine"); });
+  useTemplateFrom([] { return Text("mine"); });
   EXPECT_EQ(TamzoAssetsManager::getVpaidWrapperData(), "mine");
-  TamzoAssetsManager::setVpaidWrapperSource([] { return Text(); });
+  useTemplateFrom([] { return Text(); });
   EXPECT_TRUE(TamzoAssetsManager::getVpaidWrapperData().isNil());
-  TamzoAssetsManager::setVpaidWrapperSource({});
+  useTemplateFrom({});
   EXPECT_EQ(TamzoAssetsManager::getVpaidWrapperData(), own);
 }
 

@@ -83,7 +83,7 @@ TEST_F(ThreadsTest, RecordsAreFilledOnSeveralThreadsAtOnce) {
 }
 
 TEST_F(ThreadsTest, EverythingOfTheHostMayChangeWhileAdsAreParsed) {
-  TamzoUrlReader::setReader([](const Text&) { return inLineAd(1); });
+  readUrlsWith([](const Text&) { return inLineAd(1); });
   std::atomic<int> running{3};
   std::atomic<int> lines{0};
   std::atomic<int> unexpected{0};
@@ -102,22 +102,22 @@ TEST_F(ThreadsTest, EverythingOfTheHostMayChangeWhileAdsAreParsed) {
   bodies.emplace_back([&] {
     for (int round = 0; running > 0; ++round) {
       isTamzoDebugEnabled = round % 3 != 0;
-      TamzoLogger::setSink([&lines](std::string_view) { ++lines; });
+      writeLogTo([&lines](std::string_view) { ++lines; });
       blockCategories(round % 2 == 0 ? Text("IAB1,IAB2") : Text());
-      TamzoUrlReader::setLimits({});
-      TamzoUrlReader::setReader([](const Text&) { return inLineAd(1); });
+      limitFetches({});
+      readUrlsWith([](const Text&) { return inLineAd(1); });
       std::this_thread::yield();
     }
   });
   bodies.emplace_back([&] {
     for (std::uint32_t round = 0; running > 0; ++round) {
-      TamzoMacroReplacementUtil::Hooks hooks;
+      MacroHooks hooks;
       if (round % 2 == 0) {
         hooks.random = [round](std::uint32_t bound) { return round % bound; };
         hooks.now = [] { return std::chrono::system_clock::time_point(); };
       }
-      TamzoMacroReplacementUtil::setHooks(std::move(hooks));
-      TamzoAssetsManager::setVpaidWrapperSource([] { return Text("{{VAST_TAG}}"); });
+      fillMacrosWith(std::move(hooks));
+      useTemplateFrom([] { return Text("{{VAST_TAG}}"); });
       TamzoState::setTamzoWebSettings(TamzoWebSettings::init());
       unexpected += TamzoState::getTamzoWebSettings() == nullptr ? 1 : 0;
       std::this_thread::yield();

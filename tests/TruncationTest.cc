@@ -72,7 +72,7 @@ TEST_P(Truncation, FetchedDocumentCutAtEveryByteEndsInADefinedError) {
       R"(<Impression>i</Impression></Wrapper></Ad></VAST>)";
 
   std::size_t cut = 0;
-  TamzoUrlReader::setReader([&](const Text&) { return std::optional(fetched.substr(0, cut)); });
+  readUrlsWith([&](const Text&) { return std::optional(fetched.substr(0, cut)); });
   for (; cut <= fetched.size(); ++cut) {
     SCOPED_TRACE("cut at " + std::to_string(cut));
     const auto ad = TamzoVastAd::initWithVast(wrapper);

@@ -265,14 +265,14 @@ TEST_F(VersionProcessors, TheAdIdIsThatOfTheFirstPass) {
 TEST_F(VersionProcessors, AWrapperIsReadInTheOrderOfItsVersion) {
   const Names common{"AD ID updated to: wrapper", "This is wrapper node",
                      "VastTagURI:  tag filled ", "impressions added!"};
-  TamzoMacroReplacementUtil::Hooks hooks;
+  MacroHooks hooks;
   hooks.replace = [](const Text& text, const TamzoVastAd& ad) {
     EXPECT_EQ(text, Text(" tag [M] "));
     EXPECT_EQ(ad.vastTagURI(), Text(" tag [M] "));
     EXPECT_EQ(ad.trackers()->size(), 0U) << "the tag is resolved before anything is read";
     return Text(" tag filled ");
   };
-  TamzoMacroReplacementUtil::setHooks(std::move(hooks));
+  fillMacrosWith(std::move(hooks));
   for (const int version : {2, 3, 4}) {
     EXPECT_FALSE(process(version, wrapper(everything(kMp4))));
     EXPECT_EQ(ad_->errorCode(), 0) << version;
@@ -307,13 +307,13 @@ TEST_F(VersionProcessors, AWrapperIsReadInTheOrderOfItsVersion) {
 
 TEST_F(VersionProcessors, AnUnknownTagIsEmptyTextAndMacrosAreFilledInItToo) {
   int calls = 0;
-  TamzoMacroReplacementUtil::Hooks hooks;
+  MacroHooks hooks;
   hooks.replace = [&calls](const Text& text, const TamzoVastAd&) {
     ++calls;
     EXPECT_EQ(text, Text(""));
     return text;
   };
-  TamzoMacroReplacementUtil::setHooks(std::move(hooks));
+  fillMacrosWith(std::move(hooks));
   for (const char* inside : {"", "<VASTAdTagURI/>", "<X><VASTAdTagURI>u</VASTAdTagURI></X>"}) {
     EXPECT_FALSE(
         process(3, std::string("<VAST><Ad><Wrapper>") + inside + "</Wrapper></Ad></VAST>"));

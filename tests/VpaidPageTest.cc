@@ -10,12 +10,12 @@ namespace {
 class VpaidPageTest : public SdkTest {
  protected:
   static void useTemplate(const Text& text) {
-    TamzoAssetsManager::setVpaidWrapperSource([text] { return text; });
+    useTemplateFrom([text] { return text; });
   }
   static void useSession(const Text& id) {
-    TamzoState::Source source;
+    HostState source;
     source.sessionId = [id] { return id; };
-    TamzoState::setSource(std::move(source));
+    useState(std::move(source));
   }
   static std::shared_ptr<TamzoVastAd> adWithTag(const Text& tag) {
     auto ad = TamzoVastAd::initWithVast("");
@@ -127,7 +127,7 @@ TEST_F(VpaidPageTest, WithoutTagOrTemplateThereIsNoPage) {
 
 TEST_F(VpaidPageTest, NoTemplateIsAskedForWithoutATag) {
   int asked = 0;
-  TamzoAssetsManager::setVpaidWrapperSource([&asked] {
+  useTemplateFrom([&asked] {
     ++asked;
     return Text("page");
   });

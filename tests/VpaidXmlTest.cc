@@ -23,7 +23,7 @@ const std::string kUnit =
 class VpaidXml : public SdkTest {
  protected:
   VpaidXml() {
-    TamzoUrlReader::setReader([this](const Text& url) -> std::optional<std::string> {
+    readUrlsWith([this](const Text& url) -> std::optional<std::string> {
       const auto found = web_.find(std::string(url.view()));
       return found == web_.end() ? std::nullopt : std::optional(found->second);
     });

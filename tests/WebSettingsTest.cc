@@ -122,7 +122,7 @@ TEST_F(WebSettingsTest, ABlockOfAWrapperIsPublishedAndTheInLinesReplacesIt) {
            "></AdditionalWebSettings></Tamzo></Extension></Extensions>";
   };
   std::string seenByFetch;
-  TamzoUrlReader::setReader([&](const Text&) {
+  readUrlsWith([&](const Text&) {
     seenByFetch = flagsOf(*TamzoState::getTamzoWebSettings());
     return "<VAST version='3.0'><Ad><InLine>" + extension("canScroll") +
            "<Creatives><Creative><Linear><MediaFiles><MediaFile type='video/mp4'>u</MediaFile>"

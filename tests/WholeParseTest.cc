@@ -69,7 +69,7 @@ class WholeParse : public SdkTest {
   void check(const std::vector<Case>& cases) {
     for (const Case& row : cases) {
       std::size_t fetches = 0;
-      TamzoUrlReader::setReader([&](const Text&) -> std::optional<std::string> {
+      readUrlsWith([&](const Text&) -> std::optional<std::string> {
         return ++fetches < row.documents.size() ? std::optional(row.documents[fetches])
                                                 : std::nullopt;
       });
@@ -227,7 +227,7 @@ TEST_F(WholeParse, AMacroIsFilledFromTheBlocksReadSoFar) {
   const std::vector<std::string> documents{
       wrapper("3.0", tag, extension(vendor("<ClientUA>me</ClientUA>"))),
       wrapper("3.0", tag, extension(vendor(""))), wrapper("3.0", tag, "")};
-  TamzoUrlReader::setReader([&](const Text& url) -> std::optional<std::string> {
+  readUrlsWith([&](const Text& url) -> std::optional<std::string> {
     asked.emplace_back(url.view());
     return asked.size() < documents.size() ? std::optional(documents[asked.size()]) : std::nullopt;
   });

@@ -6,9 +6,8 @@
 
 #include "base/Numbers.h"
 #include "base/Utf8.h"
-#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/sdk/TamzoHost.h"
 #include "tamzo/sdk/TamzoLogger.h"
-#include "tamzo/sdk/TamzoState.h"
 #include "tools/CommandError.h"
 
 namespace tamzo::command {
@@ -45,14 +44,11 @@ void requireUtf8(const char* option, const std::optional<std::string>& text) {
   }
 }
 
-void logToStandardError() {
-  isTamzoDebugEnabled = true;
-  TamzoLogger::setSink([](std::string_view line) {
-    static std::mutex mutex;
-    const std::lock_guard lock(mutex);
-    std::fwrite(line.data(), 1, line.size(), stderr);
-    std::fputc('\n', stderr);
-  });
+void logToStandardError(std::string_view line) {
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
+  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::fputc('\n', stderr);
 }
 
 }  // namespace
@@ -84,27 +80,25 @@ void CommonOptions::apply() const {
   }
   requireUtf8("--blocked-categories", blockedCategories_);
   requireUtf8("--session-id", sessionId_);
-  TamzoUrlReader::Limits limits;
+  TamzoHost host = *TamzoHost::get();
   if (timeout_) {
-    limits.totalSeconds = parseSeconds(*timeout_);
-    limits.connectSeconds = limits.totalSeconds;
+    host.fetchLimits.totalSeconds = parseSeconds(*timeout_);
+    host.fetchLimits.connectSeconds = host.fetchLimits.totalSeconds;
   }
   if (maxBody_) {
-    limits.maxBodyBytes = parseBytes(*maxBody_);
+    host.fetchLimits.maxBodyBytes = parseBytes(*maxBody_);
   }
-  TamzoUrlReader::setLimits(limits);
-
-  TamzoState::Source state;
   if (blockedCategories_) {
-    state.blockedAdCategories = [text = Text(*blockedCategories_)] { return text; };
+    host.blockedAdCategories = [text = Text(*blockedCategories_)] { return text; };
   }
   if (sessionId_) {
-    state.sessionId = [text = Text(*sessionId_)] { return text; };
+    host.sessionId = [text = Text(*sessionId_)] { return text; };
   }
-  TamzoState::setSource(std::move(state));
   if (debug_) {
-    logToStandardError();
+    isTamzoDebugEnabled = true;
+    host.writeLog = logToStandardError;
   }
+  TamzoHost::set(std::move(host));
 }
 
 }  // namespace tamzo::command

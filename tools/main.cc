@@ -10,7 +10,8 @@
 #include <vector>
 
 #include "base/Utf8.h"
-#include "tamzo/sdk/TamzoAssetsManager.h"
+#include "tamzo/base/Version.h"
+#include "tamzo/sdk/TamzoHost.h"
 #include "tamzo/vast/RecordJson.h"
 #include "tools/Batch.h"
 #include "tools/CommandError.h"
@@ -22,7 +23,7 @@
 namespace tamzo::command {
 namespace {
 
-constexpr const char* kVersion = "tamzo-vast 8.0.0";
+constexpr const char* kVersion = "tamzo-vast " TAMZO_VERSION;
 constexpr unsigned kMostThreads = 256;
 
 // A text that begins with "http" is the parser's to fetch; anything else names a file.
@@ -140,8 +141,9 @@ struct Page {
       throw CommandError("--template takes the name of a file");
     }
     if (templatePath) {
-      TamzoAssetsManager::setVpaidWrapperSource(
-          [text = Text(readInput(*templatePath))] { return text; });
+      TamzoHost host = *TamzoHost::get();
+      host.vpaidWrapperTemplate = [text = Text(readInput(*templatePath))] { return text; };
+      TamzoHost::set(std::move(host));
     }
     const auto ad = parseInput(input);
     Output output(common.outputPath());

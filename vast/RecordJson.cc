@@ -22,7 +22,7 @@ class RecordWriter {
     json_.reserve(ad.vastTagURI().view().size() + ad.vastResponseStr().view().size() + kAllElse);
     json_.beginObject();
 #define TAMZO_PROPERTY(type, name, setter, when, initial) field(#name, ad.name());
-#include "tamzo/vast/TamzoVastAdProperties.def"
+#include "vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
     json_.endObject();
   }

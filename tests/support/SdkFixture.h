@@ -12,6 +12,7 @@
 #include "tamzo/sdk/TamzoMacroReplacementUtil.h"
 #include "tamzo/sdk/TamzoState.h"
 #include "tamzo/vast/TamzoVastAd.h"
+#include "tests/support/HostHooks.h"
 
 namespace tamzo::testing {
 
@@ -24,7 +25,7 @@ class SdkTest : public ::testing::Test {
   /// Turns debug logging on and collects the lines, prefix "[TAMZO-LOG][v8.0.0 p0] " included.
   void collectLog() {
     isTamzoDebugEnabled = true;
-    TamzoLogger::setSink([this](std::string_view line) {
+    writeLogTo([this](std::string_view line) {
       const std::lock_guard lock(mutex_);
       lines_.emplace_back(line);
     });
@@ -45,21 +46,16 @@ class SdkTest : public ::testing::Test {
   }
 
   static void blockCategories(const Text& categories) {
-    TamzoState::Source source;
+    HostState source;
     source.blockedAdCategories = [categories] { return categories; };
-    TamzoState::setSource(std::move(source));
+    useState(std::move(source));
   }
 
  private:
   static void reset() {
     isTamzoDebugEnabled = false;
-    TamzoLogger::setSink({});
-    TamzoState::setSource({});
     TamzoState::setTamzoWebSettings(nullptr);
-    TamzoUrlReader::setReader({});
-    TamzoUrlReader::setLimits({});
-    TamzoAssetsManager::setVpaidWrapperSource({});
-    TamzoMacroReplacementUtil::setHooks({});
+    TamzoHost::set({});
   }
 
   mutable std::mutex mutex_;

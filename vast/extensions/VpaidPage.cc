@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/WhiteSpace.h"
+#include "sdk/HostInUse.h"
 #include "tamzo/sdk/TamzoAssetsManager.h"
 #include "tamzo/sdk/TamzoState.h"
 
@@ -50,7 +51,10 @@ class PageText {
 
 }  // namespace
 
-Text TamzoVastAd::getVideoWAPView() {
+Text TamzoVastAd::getVideoWAPView() { return getVideoWAPView(*TamzoHost::get()); }
+
+Text TamzoVastAd::getVideoWAPView(const TamzoHost& host) {
+  const HostScope scope(host);
   if (!vastTagURI().hasCharacters()) {
     return Text::literal("");
   }

@@ -14,7 +14,8 @@ Text TamzoVastAd::replaceWithPattern(std::string_view word, const Text& forVastS
   const std::string_view text = forVastString;
   std::string cleaned;
   std::size_t copied = 0;
-  for (TextMatch match = findAssignment(text, word, 0); match; match = findAssignment(text, word, copied)) {
+  for (TextMatch match = findAssignment(text, word, 0); match;
+       match = findAssignment(text, word, copied)) {
     // Every line terminator is white space, so the shortest run always ends at the first of it.
     const std::size_t end = findWhiteSpace(text, match.end);
     if (end == text.size()) {

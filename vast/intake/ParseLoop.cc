@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "base/Numbers.h"
 #include "base/Utf8.h"
 #include "base/WhiteSpace.h"
+#include "sdk/HostInUse.h"
 #include "tamzo/net/TamzoUrlReader.h"
 #include "tamzo/sdk/TamzoLogger.h"
 
@@ -23,6 +25,11 @@ constexpr std::int32_t kWrapperLimitPass = 5;
 
 enum class From { never, init, parse };
 
+std::optional<std::string> readBody(const Text& url) {
+  const HostInUse host;
+  return host->readUrl ? host->readUrl(url) : TamzoUrlReader::read(url, host->fetchLimits);
+}
+
 // The first four characters equal "http"; throws for a text that has fewer than four.
 bool isUrl(const Text& tag) {
   if (isShorterThan(tag, kPrefixLength)) {
@@ -34,37 +41,62 @@ bool isUrl(const Text& tag) {
 }  // namespace
 
 std::shared_ptr<TamzoVastAd> TamzoVastAd::initWithVast(const Text& vast) {
+  return initWithVast(vast, *TamzoHost::get());
+}
+
+std::shared_ptr<TamzoVastAd> TamzoVastAd::initWithVast(const Text& vast, const TamzoHost& host) {
+  const HostScope scope(host);
   std::shared_ptr<TamzoVastAd> ad;
   try {
     ad = std::make_shared<TamzoVastAd>();
     const Text& response = vast;
 #define TAMZO_PROPERTY(type, name, setter, when, initial) \
   if constexpr (From::when == From::init) ad->setter(initial);
-#include "tamzo/vast/TamzoVastAdProperties.def"
+#include "vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
     static_cast<void>(response);
-    ad->parseVast(replaceWithPattern("xmlns", vast));
-  } catch (const std::bad_alloc&) {
+    ad->parse(replaceWithPattern("xmlns", vast));
+  } catch (const std::bad_alloc& exception) {
     // Memory ran out before the loop, whose guard answers for everything after.
     if (ad != nullptr) {
-      ad->setErrorCode(kException);
+      ad->fail(exception);
     }
   }
   return ad;
 }
 
-void TamzoVastAd::parseVast(const Text& vast) {
+void TamzoVastAd::parseVast(const Text& vast) { parseVast(vast, *TamzoHost::get()); }
+
+void TamzoVastAd::parseVast(const Text& vast, const TamzoHost& host) {
+  const HostScope scope(host);
+  try {
+    parse(vast);
+  } catch (const std::bad_alloc& exception) {
+    fail(exception);
+  }
+}
+
+void TamzoVastAd::parse(const Text& vast) {
   // A copy: `vast` may be one of the properties that are reset.
   const Text response = vast;  // NOLINT(performance-unnecessary-copy-initialization)
 #define TAMZO_PROPERTY(type, name, setter, when, initial) \
   if constexpr (From::when == From::parse) setter(initial);
-#include "tamzo/vast/TamzoVastAdProperties.def"
+#include "vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
   try {
     followChain();
   } catch (const std::exception& exception) {
+    fail(exception);
+  }
+}
+
+// Logging comes last and may itself fail: the code stands whatever becomes of the line.
+void TamzoVastAd::fail(const std::exception& exception) {
+  setErrorCode(kException);
+  try {
     TAMZO_LOG("%@", Text(std::string(exception.what()) + "\n" + TamzoLogger::callStackSymbols()));
-    setErrorCode(kException);
+  } catch (const std::exception&) {
+    return;
   }
 }
 
@@ -120,7 +152,7 @@ Text TamzoVastAd::readTagURI() {
     if (isTamzoDebugEnabled) {
       TamzoLogger::printLog(TamzoLogger::format("url formed from vastTagURI = %@", {url}));
     }
-    auto body = TamzoUrlReader::read(url);
+    auto body = readBody(url);
     xml = body && isUtf8(*body) ? Text(std::move(*body)) : Text();
   } catch (const std::bad_alloc&) {
     throw;  // no failure of the fetch

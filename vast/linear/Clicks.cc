@@ -1,4 +1,5 @@
-// Where clicks on the video lead, and the custom clicks. Click trackers are read with the tracking events.
+// Where clicks on the video lead, and the custom clicks. Click trackers are read with the tracking
+// events.
 
 #include "tamzo/vast/TamzoVastAd.h"
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,30 +10,21 @@
 
 namespace tamzo {
 
-/// Reads the whole body of a URL, on the calling thread. The default is libcurl: http and https
-/// only, redirects followed within those, limits on time and size, gzip understood. Every function
-/// may be called from any thread.
+/// Reads the whole body of a URL, on the calling thread, by libcurl: http and https only, redirects
+/// followed within those, limits on time and size, gzip understood. Every function may be called
+/// from any thread. A host puts a reader of its own in place by TamzoHost::readUrl.
 class TAMZO_EXPORT TamzoUrlReader {
  public:
+  /// What one read may take.
   struct Limits {
-    double connectSeconds = 5.0;
+    double connectSeconds = 5.0;                        ///< until there is a connection
     double totalSeconds = 15.0;                         ///< the whole read, redirects included
     std::size_t maxBodyBytes = std::size_t{16} << 20U;  ///< after decompression
   };
 
-  /// Takes a URL and returns the bytes of its body, or nothing when the read failed. May throw a
-  /// std::exception, which counts as a failed read.
-  using Reader = std::function<std::optional<std::string>(const Text& url)>;
-
-  /// Puts a host's own reader in place of libcurl; an empty function brings the default back.
-  static void setReader(Reader reader);
-
-  /// Limits of every read by the default reader from now on.
-  static void setLimits(const Limits& limits);
-
   /// The body, or nothing when it could not be read whole: any failure of the network, a limit
-  /// passed, HTTP status 400 or above, or a build without libcurl and no reader of the host's.
-  static std::optional<std::string> read(const Text& url);
+  /// passed, HTTP status 400 or above, or a build without libcurl. Throws std::bad_alloc only.
+  static std::optional<std::string> read(const Text& url, const Limits& limits);
 
   /// A URL made from a text: what a URL may not hold is percent-encoded as UTF-8, what is encoded
   /// already stays. Nil for an empty text, and for one beyond 1 MiB, which no server would take.

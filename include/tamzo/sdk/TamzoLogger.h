@@ -20,12 +20,7 @@ TAMZO_EXPORT extern std::atomic<bool> isTamzoDebugEnabled;
 /// The SDK's log. Every function may be called from any thread.
 class TAMZO_EXPORT TamzoLogger {
  public:
-  using Sink = std::function<void(std::string_view line)>;
   using Argument = std::variant<Text, std::int64_t>;
-
-  /// Where lines go, without a line break at the end. An empty function brings back the system
-  /// log. A sink may be called from several threads at once.
-  static void setSink(Sink sink);
 
   /// Writes one line as it is, when debug logging is on.
   static void printLog(const Text& line);

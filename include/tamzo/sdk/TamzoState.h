@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 
 #include "tamzo/base/Export.h"
@@ -10,25 +9,19 @@
 namespace tamzo {
 
 /// The SDK's class-level state, as far as the parser asks for it. Every function may be called
-/// from any thread at any time.
+/// from any thread at any time, and throws what the host's own functions throw.
 class TAMZO_EXPORT TamzoState {
  public:
-  /// Where a host app keeps these values. An empty function leaves the default in force.
-  struct Source {
-    std::function<Text()> blockedAdCategories;  ///< default: nil
-    std::function<Text()> sessionId;            ///< default: ""
-  };
-  static void setSource(Source source);
-
-  /// Category codes separated by ",", taken as they stand: a blank after a comma belongs to the
-  /// code that follows. Nil blocks nothing.
+  /// What the host says: category codes separated by ",", taken as they stand, so that a blank
+  /// after a comma belongs to the code that follows. Nil blocks nothing.
   static Text getBlockedAdCategories();
 
-  /// Never nil: a source that gives nil reads as "".
+  /// What the host says; never nil.
   static Text getSessionId();
 
-  /// The settings of the last vendor block that had any; null before the first.
+  /// The settings of the last vendor block that had any, in whatever parse; null before the first.
   static std::shared_ptr<const TamzoWebSettings> getTamzoWebSettings();
+  /// Publishes settings for the whole SDK, as every such vendor block does.
   static void setTamzoWebSettings(std::shared_ptr<const TamzoWebSettings> settings);
 };
 

@@ -1,92 +1,97 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
+#include <exception>
 #include <memory>
-#include <string>
 #include <string_view>
 
 #include "tamzo/base/Export.h"
 #include "tamzo/base/List.h"
 #include "tamzo/base/Text.h"
-#include "tamzo/sdk/TamzoAdDuration.h"
-#include "tamzo/sdk/TamzoCard.h"
-#include "tamzo/sdk/TamzoCompanionAd.h"
-#include "tamzo/sdk/TamzoExtraActions.h"
-#include "tamzo/sdk/TamzoHotspot360Info.h"
-#include "tamzo/sdk/TamzoMeasurementProviderModel.h"
-#include "tamzo/sdk/TamzoMediaFile.h"
-#include "tamzo/sdk/TamzoTrackerEvent.h"
-#include "tamzo/sdk/TamzoVpaidXML.h"
+#include "tamzo/sdk/TamzoHost.h"
 #include "tamzo/vast/ErrorCodes.h"
+#include "tamzo/vast/TamzoVastAdProperties.h"
 #include "tamzo/xml/DDXMLDocument.h"
 #include "tamzo/xml/NodeList.h"
 
 namespace tamzo {
-
-/// Elements by key; the keys are "iconClickTracking" and "iconClickThrough".
-using IconMap = std::map<std::string, DDXMLElement, std::less<>>;
 
 /// The record of one ad and the parser that fills it.
 ///
 ///     const auto ad = tamzo::TamzoVastAd::initWithVast(response);
 ///     if (ad->errorCode() == 0) play(ad->mediaFiles());
 ///
-/// **Reading.** Every property of vast/TamzoVastAdProperties.def has a getter of its name and a
-/// setter, and nothing else. Text and lists may be nil, which is not the same as empty: nil was
-/// never written. A setter keeps the very object it is given, and the getter returns it.
+/// **Reading.** The properties are those of TamzoVastAdProperties: each has a getter of its name
+/// and a setter. Text and lists may be nil, which is not the same as empty: nil was never written.
 ///
 /// **Failing.** A non-zero errorCode() marks a failed ad; what was read before the failure stays
 /// in the record. Nothing derived from std::exception is thrown to the caller. What else a host's
-/// own hook throws passes through.
+/// own function throws passes through.
 ///
 /// **Threads.** A record belongs to the thread that fills it, which blocks while Wrappers are
 /// fetched. Two records may be filled on two threads at once. A filled record that nobody changes
 /// may be read from any number of threads.
 ///
 /// **Ownership.** The record shares what it holds, and it may outlive everything that it was read
-/// from: texts and elements keep their document alive.
-class TAMZO_EXPORT TamzoVastAd {
+/// from: texts and elements keep their document alive. It is held by a std::shared_ptr and is not
+/// copied.
+class TAMZO_EXPORT TamzoVastAd : public TamzoVastAdProperties {
  public:
-  // ---- Entry ------------------------------------------------------------------------------
+  /// @name Parsing
+  /// @{
 
   /// Parses an ad server's response, or what it gives when it is a URL that begins with "http",
   /// and follows its Wrappers. Always returns a record, also for a failed ad; null only when there
-  /// is no memory for one.
+  /// is no memory for one. The host is that of the process.
   static std::shared_ptr<TamzoVastAd> initWithVast(const Text& vast);
+  /// The same with a host of its own, which is used until this returns.
+  static std::shared_ptr<TamzoVastAd> initWithVast(const Text& vast, const TamzoHost& host);
 
-  /// Resets the record as its table says and parses `vast` as it stands, without the clean-up that
-  /// initWithVast does first.
+  /// Resets the record as its properties say and parses `vast` as it stands, without the clean-up
+  /// that initWithVast() does first. The host is that of the process.
   void parseVast(const Text& vast);
+  /// The same with a host of its own, which is used until this returns.
+  void parseVast(const Text& vast, const TamzoHost& host);
 
-  // ---- Operations on a finished record ------------------------------------------------------
+  /// A record of which nothing was written yet: texts are nil, numbers 0, flags false.
+  TamzoVastAd() noexcept = default;
+  /// Not copied: share the std::shared_ptr that initWithVast() gives.
+  TamzoVastAd(const TamzoVastAd&) = delete;
+  TamzoVastAd& operator=(const TamzoVastAd&) = delete;
+  ~TamzoVastAd() = default;
+
+  /// @}
+
+  /// @name Operations on a finished record
+  /// @{
 
   /// The companions of the first document of the chain that had any, so a Wrapper's before the
   /// InLine's: that preference is meant. Null when there are none.
   std::shared_ptr<TamzoCompanionAd> getMostSuitableCompanion() const;
 
-  /// Sets `iconMap` to the click elements of the first icon below `node`. A missing one leaves its
-  /// key absent.
+  /// Sets iconMap() to the click elements of the first icon below `node`. A missing one leaves its
+  /// key absent; a nil node leaves both absent.
   void getImageAd(const DDXMLElement& node);
 
   /// The page that plays a JavaScript VPAID ad: the SDK's template filled for this ad, which is
-  /// stored in `vPaidHTML` too. "" when there is no tag or no template, or when the page would pass
-  /// 128 MiB; then `vPaidHTML` keeps its value. Values are put in unescaped, one placeholder after
-  /// another.
+  /// stored in vPaidHTML() too. "" when there is no tag or no template, or when the page would pass
+  /// 128 MiB; then vPaidHTML() keeps its value. Values are put in unescaped, one placeholder after
+  /// another. The host is that of the process.
   Text getVideoWAPView();
+  /// The same with a host of its own, which is used until this returns.
+  Text getVideoWAPView(const TamzoHost& host);
 
-  /// What TamzoVastAdHelper::getFirstElement returns: an element, its name notwithstanding.
+  /// What TamzoVastAdHelper::getFirstElement() returns: an element, its name notwithstanding.
   static DDXMLElement getNodeAsStringValue(const DDXMLElement& node, std::string_view withKeyPath);
 
-  // ---- Properties ---------------------------------------------------------------------------
+  /// @}
 
-#define TAMZO_PROPERTY(type, name, setter, when, initial) \
-  const type& name() const noexcept { return name##_; }   \
-  void setter(type value) noexcept { name##_ = std::move(value); }
-#include "tamzo/vast/TamzoVastAdProperties.def"
-#undef TAMZO_PROPERTY
+  // The rest is called by the parser itself, and by its tests, step by step. A host needs none of
+  // it.
 
-  // ---- Intake and dispatch ------------------------------------------------------------------
+  /// @name Intake and dispatch
+  /// Called by the parser and its tests.
+  /// @{
 
   /// `forVastString` with every `word=`, in any letter case, up to and including the next white
   /// space replaced by the bare word; a `word=` that no white space follows stays. For "xmlns"
@@ -116,9 +121,13 @@ class TAMZO_EXPORT TamzoVastAd {
   /// are none.
   static NodeList getWrapperLinearNode(const NodeList& nodes);
 
-  // ---- Updaters -----------------------------------------------------------------------------
-  // Each reads one part of the document from the first node of the list that it is given, and
-  // writes properties. What is absent is not written, except where a comment says so.
+  /// @}
+
+  /// @name Updaters
+  /// Called by the version processors and their tests. Each reads one part of the document from the
+  /// first node of the list that it is given, and writes properties. What is absent is not written,
+  /// except where a comment says so.
+  /// @{
 
   // Linear creative
   /// All Linear elements of the first InLine when the first of them can be played, otherwise nil.
@@ -168,7 +177,11 @@ class TAMZO_EXPORT TamzoVastAd {
   void updateAllCompanionNodes(const NodeList& nodes);
   void updateCompanion(const NodeList& companions);
 
+  /// @}
+
  private:
+  void parse(const Text& vast);
+  void fail(const std::exception& exception);
   void followChain();
   Text readTagURI();
   bool process(std::int32_t pass, std::int32_t version, const DDXMLDocument& document);
@@ -196,10 +209,6 @@ class TAMZO_EXPORT TamzoVastAd {
   void updateSkipOffsetOfVendor(const NodeList& vendorNodes);
   void updateHotspots(const NodeList& vendorNodes);
   void updateReplay(const NodeList& vendorNodes);
-
-#define TAMZO_PROPERTY(type, name, setter, when, initial) type name##_{};
-#include "tamzo/vast/TamzoVastAdProperties.def"
-#undef TAMZO_PROPERTY
 };
 
 }  // namespace tamzo

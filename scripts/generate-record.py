@@ -1,0 +1,217 @@
+"""Writes what comes out of the property table, vast/TamzoVastAdProperties.def:
+
+- include/tamzo/vast/TamzoVastAdProperties.h, the accessors as hosts and editors see them, and
+- the tables of the record in docs/embedding.md.
+
+    generate-record.py           writes both
+    generate-record.py --check   says what is not as the table has it, and fails then
+
+Both are committed, so that a build needs no generator. A test runs the check.
+"""
+
+import pathlib
+import re
+import sys
+import textwrap
+from dataclasses import dataclass
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+TABLE = ROOT / "vast/TamzoVastAdProperties.def"
+HEADER = ROOT / "include/tamzo/vast/TamzoVastAdProperties.h"
+DOCUMENT = ROOT / "docs/embedding.md"
+BEGIN = "<!-- The tables below are written by scripts/generate-record.py. -->\n"
+END = "<!-- The tables above are written by scripts/generate-record.py. -->\n"
+
+# In the order of the header and the document. A note stands under the heading in both.
+TOPICS = {
+    "outcome": ("Identity and outcome", ""),
+    "played": ("What is played", ""),
+    "beside": ("What is shown beside it", ""),
+    "fired": ("What is fired", ""),
+    "measured": ("What is measured", ""),
+    "webView": (
+        "How the web view behaves",
+        "The flags are published for the whole SDK as well: TamzoState::getTamzoWebSettings().",
+    ),
+    "policy": ("Selling and policy", ""),
+    "macros": (
+        "The request and the player",
+        "These fill macros in the tag URLs of later Wrappers.",
+    ),
+    "vpaid": ("JavaScript VPAID", ""),
+}
+
+WORDS = {
+    "Text": "text",
+    "MutableText": "growable text",
+    "bool": "flag",
+    "std::int32_t": "integer",
+    "double": "double",
+    "float": "float",
+}
+BY_VALUE = {"bool", "std::int32_t", "double", "float"}
+
+
+@dataclass
+class Property:
+    """One row of the table."""
+
+    type: str
+    name: str
+    setter: str
+    topic: str
+    text: str
+
+    def accessors(self):
+        """The lines of the header."""
+        by_value = self.type in BY_VALUE
+        result = self.type if by_value else f"const {self.type}&"
+        override = " override" if self.topic == "macros" else ""
+        keep = "value" if by_value else "std::move(value)"
+        lines = [f"  /// {line}" for line in textwrap.wrap(self.text, 94)]
+        lines += function(f"{result} {self.name}() const noexcept{override}", f"return {self.name}_;")
+        lines.append(f"  /// Sets {self.name}().")
+        lines += function(f"void {self.setter}({self.type} value) noexcept", f"{self.name}_ = {keep};")
+        if self.type == "bool":
+            lines.append("  template <typename T>")
+            lines.append(f"  void {self.setter}(const T*) = delete;  ///< \"false\" is no flag.")
+        return lines
+
+    def words(self):
+        """The type for people."""
+        if match := re.fullmatch(r"List<Text>", self.type):
+            return "list of texts"
+        if match := re.fullmatch(r"List<std::shared_ptr<(\w+)>>", self.type):
+            return f"list of `{match[1]}`"
+        if match := re.fullmatch(r"std::shared_ptr<(\w+)>", self.type):
+            return f"`{match[1]}`"
+        return WORDS.get(self.type, f"`{self.type}`")
+
+
+def function(head, body):
+    """On one line where it fits, as clang-format has it."""
+    line = f"  {head} {{ {body} }}"
+    if len(line) <= 100:
+        return [line]
+    if len(head) > 96:
+        head = head.replace(") const", ")\n      const") if "()" in head else head.replace("(", "(\n      ", 1)
+    return [f"  {head} {{", f"    {body}", "  }"]
+
+
+def read_table():
+    rows = []
+    text = []
+    for number, line in enumerate(TABLE.read_text(encoding="utf-8").splitlines(), 1):
+        if line.startswith("/// "):
+            text.append(line.removeprefix("/// "))
+        elif line.startswith("TAMZO_PROPERTY("):
+            match = re.fullmatch(r"TAMZO_PROPERTY\((.+), (\w+), (set\w+), \w+, .*\)  // (\w+)", line)
+            if not match or match[4] not in TOPICS or not text:
+                sys.exit(f"{TABLE.name}:{number}: a row needs a text above it and a topic behind it")
+            rows.append(Property(*match.groups(), " ".join(text)))
+            text = []
+    return rows
+
+
+def header(rows):
+    lines = [
+        "// Written by scripts/generate-record.py from vast/TamzoVastAdProperties.def.",
+        "",
+        "#pragma once",
+        "",
+        "#include <cstdint>",
+        "#include <functional>",
+        "#include <map>",
+        "#include <memory>",
+        "#include <string>",
+        "#include <utility>",
+        "",
+    ]
+    lines += [
+        f'#include "tamzo/{name}.h"'
+        for name in """base/Export base/List base/Text sdk/TamzoAdDuration sdk/TamzoCard
+        sdk/TamzoCompanionAd sdk/TamzoExtraActions sdk/TamzoHotspot360Info
+        sdk/TamzoMacroReplacementUtil sdk/TamzoMeasurementProviderModel sdk/TamzoMediaFile
+        sdk/TamzoTrackerEvent sdk/TamzoVpaidXML vast/ErrorCodes xml/DDXMLElement""".split()
+    ]
+    lines += [
+        "",
+        "namespace tamzo {",
+        "",
+        "/// Elements by key; the keys are \"iconClickTracking\" and \"iconClickThrough\".",
+        "using IconMap = std::map<std::string, DDXMLElement, std::less<>>;",
+        "",
+        f"/// The {len(rows)} properties of a TamzoVastAd. Each has a getter of its name and a setter, which",
+        "/// do nothing but read and store; the spellings are those that the SDK reads, and are meant.",
+        "///",
+        "/// A text or list is nil until something writes it, and nil is not empty. A setting of the vendor",
+        "/// block is nil, 0 or false before the first block; a later block that leaves it out makes it \"\",",
+        "/// 0 or false again, unless the property says that it is kept. A setter keeps the very object that",
+        "/// it is given, and the getter returns it.",
+        "///",
+        "/// Nothing here locks: one thread fills a record, and any number may read one that nobody changes.",
+        "class TAMZO_EXPORT TamzoVastAdProperties : public MacroValues {",
+        " public:",
+    ]
+    for topic, (title, note) in TOPICS.items():
+        lines.append(f"  /// @name {title}")
+        if note:
+            lines.append(f"  /// {note}")
+        lines.append("  /// @{")
+        for row in rows:
+            if row.topic == topic:
+                lines += ["", *row.accessors()]
+        lines += ["", "  /// @}", ""]
+    lines += [
+        " protected:",
+        "  TamzoVastAdProperties() noexcept = default;",
+        "  ~TamzoVastAdProperties() = default;",
+        "",
+        " private:",
+        *(f"  {row.type} {row.name}_{{}};" for row in rows),
+        "};",
+        "",
+        "}  // namespace tamzo",
+        "",
+    ]
+    return "\n".join(lines)
+
+
+def tables(rows):
+    """The tables of the document."""
+    text = ""
+    for topic, (title, note) in TOPICS.items():
+        text += f"### {title}\n\n"
+        if note:
+            text += re.sub(r"(\w+::\w+\(\))", r"`\1`", note) + "\n\n"
+        text += "| property | type | what it is |\n|---|---|---|\n"
+        for row in rows:
+            if row.topic == topic:
+                what = re.sub(r"(?<!`)\b(\w+\(\))", r"`\1`", row.text)
+                text += f"| `{row.name}` | {row.words()} | {what} |\n"
+        text += "\n"
+    return text
+
+
+def document(rows):
+    old = DOCUMENT.read_text(encoding="utf-8")
+    begin = old.index(BEGIN) + len(BEGIN)
+    return old[:begin] + "\n" + tables(rows) + old[old.index(END):]
+
+
+def main(arguments):
+    rows = read_table()
+    failed = False
+    for path, text in ((HEADER, header(rows)), (DOCUMENT, document(rows))):
+        if arguments != ["--check"]:
+            path.write_text(text, encoding="utf-8")
+        elif not path.exists() or path.read_text(encoding="utf-8") != text:
+            failed = True
+            print(f"{path.relative_to(ROOT)} is not what {TABLE.relative_to(ROOT)} says: "
+                  "run scripts/generate-record.py")
+    print(f"{len(rows)} properties")
+    return int(failed)
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
