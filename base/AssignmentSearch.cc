@@ -3,6 +3,8 @@
 namespace tamzo {
 namespace {
 
+constexpr bool isAscii(char c) noexcept { return (static_cast<unsigned char>(c) & 0x80U) == 0; }
+
 constexpr char lower(char c) noexcept {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
@@ -37,8 +39,13 @@ std::size_t matchAtEnd(std::string_view text, std::string_view word) noexcept {
 }  // namespace
 
 TextMatch findAssignment(std::string_view text, std::string_view word, std::size_t from) noexcept {
+  const char last = word.empty() ? '\0' : lower(word.back());
   for (std::size_t at = text.find('=', from); at != std::string_view::npos;
        at = text.find('=', at + 1)) {
+    // Another letter stands before most "=".
+    if (at > from && isAscii(text[at - 1]) && lower(text[at - 1]) != last && !word.empty()) {
+      continue;
+    }
     const std::size_t begin = matchAtEnd(text.substr(from, at - from), word);
     if (begin != std::string_view::npos) {
       return {from + begin, at + 1};

@@ -62,10 +62,7 @@ Text trackerOffset(const Text& attribute) {
 }
 
 std::shared_ptr<TamzoTrackerEvent> makeTracker(Text url, Text offset) {
-  auto event = TamzoTrackerEvent::init();
-  event->setUrl(std::move(url));
-  event->setOffset(std::move(offset));
-  return event;
+  return std::make_shared<TamzoTrackerEvent>(std::move(url), std::move(offset));
 }
 
 void appendTracker(const TrackerList& events, const DDXMLElement& element, Text offset) {

@@ -6,7 +6,7 @@
 namespace tamzo {
 
 void TamzoVastAd::updateImpressions(const NodeList& nodes) {
-  const TrackerList impressions = trackerMap().listFor(Text::literal("Impression"));
+  const TrackerList& impressions = trackerMap().listFor(Text::literal("Impression"));
   const NodeList elements = nodes.nodesUnderFirst("Impression");
   if (elements.empty()) {
     return;

@@ -13,10 +13,10 @@ void TamzoVastAd::updateTrackers(const NodeList& linears) {
   // `trackersOffset` is of no consequence here: an offset that it lists is tracked all the same.
   for (const DDXMLElement& tracking : linears.nodesUnderFirst("TrackingEvents/Tracking")) {
     // The list is made before the URL is looked at, so an event without a URL has an empty one.
-    const TrackerList events = trackerMap().listFor(tracking.attributeValue("event"));
+    const TrackerList& events = trackerMap().listFor(tracking.attributeValue("event"));
     appendTracker(events, tracking, trackerOffset(tracking.attributeValue("offset")));
   }
-  const TrackerList clicks = trackerMap().listFor(Text::literal("ClickTracking"));
+  const TrackerList& clicks = trackerMap().listFor(Text::literal("ClickTracking"));
   appendTrackers(clicks, linears.nodesUnderFirst("VideoClicks/ClickTracking"));
 }
 

@@ -18,7 +18,7 @@ void TamzoVastAd::updateExtraTrackingEvent(const NodeList& nodes) {
 
 void TamzoVastAd::updateExtraTrackingEvent_REC(const NodeList& trackingNodes) {
   for (const DDXMLElement& tracking : trackingNodes) {
-    const TrackerList events = trackerMap().listFor(tracking.attributeValue("event"));
+    const TrackerList& events = trackerMap().listFor(tracking.attributeValue("event"));
     appendTracker(events, tracking);
   }
 }

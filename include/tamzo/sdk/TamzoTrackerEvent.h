@@ -19,6 +19,11 @@ namespace tamzo {
 /// A plain value without locks: one thread may change it while no other reads it.
 class TAMZO_EXPORT TamzoTrackerEvent {
  public:
+  /// Without URL and offset.
+  TamzoTrackerEvent() noexcept = default;
+  TamzoTrackerEvent(Text url, Text offset) noexcept
+      : url_(std::move(url)), offset_(std::move(offset)) {}
+
   /// Without URL and offset. Never null.
   static std::shared_ptr<TamzoTrackerEvent> init() { return std::make_shared<TamzoTrackerEvent>(); }
 
