@@ -67,7 +67,7 @@ void TamzoVastAd::updateIcons(const NodeList& linears) {
     const bool isFirst = extraActions().list()->empty();
     programs->put(program, icon);
     if (!isFirst) {
-      TAMZO_LOG("scsd");
+      TAMZO_LOG("scsd");  // as the SDK has always logged it: its log filters look for this text
     }
   }
   TAMZO_LOG("Added Extra Action");
@@ -77,7 +77,7 @@ void TamzoVastAd::checkProgramExist(const Text& program, const DDXMLElement& wit
   if (extraActions().isList()) {
     IconPrograms(extraActions().list()).put(program, withElement);
   }
-  TAMZO_LOG("scsd");
+  TAMZO_LOG("scsd");  // see updateIcons
 }
 
 }  // namespace tamzo

@@ -8,7 +8,7 @@
 namespace tamzo {
 
 void TamzoVastAd::updateExtraTrackingEvent(const NodeList& nodes) {
-  TAMZO_LOG("edc");
+  TAMZO_LOG("edc");  // no slip: the SDK's log filters look for this text
   if (nodes.isNil()) {
     return;
   }

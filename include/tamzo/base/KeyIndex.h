@@ -15,6 +15,7 @@ namespace tamzo {
 /// Holds views: the characters of a key must outlive the index.
 class KeyIndex {
  public:
+  /// Nothing for a key that was never entered.
   std::optional<std::size_t> find(std::string_view key) const;
 
   /// Enters the key, or changes its position. Nothing is changed when memory runs out.

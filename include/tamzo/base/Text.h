@@ -23,15 +23,18 @@ class TAMZO_EXPORT Text {
  public:
   /// Nil.
   Text() noexcept = default;
+  /// Nil.
   Text(std::nullptr_t) noexcept {}  // NOLINT(google-explicit-constructor)
 
   /// Copies the characters. A null pointer gives nil.
   Text(const char* characters)  // NOLINT(google-explicit-constructor)
       : Text(characters == nullptr ? Text() : Text(std::string_view(characters))) {}
+  /// Copies the characters; empty ones give "".
   Text(std::string_view characters);  // NOLINT(google-explicit-constructor)
 
   /// Takes the string over without copying its characters.
-  Text(std::string&& characters);      // NOLINT(google-explicit-constructor)
+  Text(std::string&& characters);  // NOLINT(google-explicit-constructor)
+  /// Copies the characters.
   Text(const std::string& characters)  // NOLINT(google-explicit-constructor)
       : Text(std::string_view(characters)) {}
 
@@ -51,6 +54,7 @@ class TAMZO_EXPORT Text {
     return isGrowable() ? Text(part) : sharing(part, owner_);
   }
 
+  /// True for a text that was never written, which is not the same as "".
   bool isNil() const noexcept { return view_.data() == nullptr && owner_ == nullptr; }
 
   /// True when the text is neither nil nor "".
@@ -61,6 +65,7 @@ class TAMZO_EXPORT Text {
   std::string_view view() const noexcept {
     return isGrowable() ? std::string_view(*static_cast<const std::string*>(owner_.get())) : view_;
   }
+  /// view(), so that a text goes wherever a view does.
   operator std::string_view() const noexcept { return view(); }  // NOLINT
 
   /// True when a NUL is known to follow the characters, as after those of a string.
@@ -104,7 +109,9 @@ class TAMZO_EXPORT MutableText {
   /// A new empty text.
   static MutableText create();
 
+  /// True until create() made it.
   bool isNil() const noexcept { return characters_ == nullptr; }
+  /// What was appended so far; empty for nil. Valid until the next append.
   std::string_view view() const noexcept {
     return characters_ == nullptr ? std::string_view() : std::string_view(*characters_);
   }

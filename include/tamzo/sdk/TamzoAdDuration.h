@@ -9,7 +9,7 @@
 
 namespace tamzo {
 
-/// A VAST time value. Immutable, so any number of threads may read it.
+/// A VAST time value: how long a Linear is. Immutable, so any number of threads may read it.
 class TAMZO_EXPORT TamzoAdDuration {
  public:
   /// Reads a clock time, "HH:MM:SS" or "HH:MM:SS.mmm" with white space at either end. Anything

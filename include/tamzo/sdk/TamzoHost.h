@@ -22,22 +22,22 @@ class MacroValues;
 ///     host.sessionId = [] { return tamzo::Text("42"); };
 ///     tamzo::TamzoHost::set(std::move(host));
 ///
-/// A host is set for the whole process, or given to one parse, so that two components of an app need
-/// not share one: TamzoVastAd::initWithVast(). Each function may be called from several threads at
-/// once, on the thread that parses. What it refers to must outlive every parse that uses it: a parse
-/// goes on to its end with the host that it began with, whatever is set meanwhile.
+/// A host is set for the whole process, or given to one parse, so that two components of an app
+/// need not share one: TamzoVastAd::initWithVast(). Each function may be called from several
+/// threads at once, on the thread that parses. What it refers to must outlive every parse that uses
+/// it: a parse goes on to its end with the host that it began with, whatever is set meanwhile.
 ///
 /// A std::exception that one of them throws ends the parse with error 100, save where it says
 /// otherwise; anything else that is thrown passes through to the caller of the parse.
 struct TAMZO_EXPORT TamzoHost {
-  /// Reads the whole body behind a URL; nothing for a failed read, which ends the ad with error 301,
-  /// and so does a std::exception. Default: TamzoUrlReader::read() within `fetchLimits`.
+  /// Reads the whole body behind a URL; nothing for a failed read, which ends the ad with error
+  /// 301, and so does a std::exception. Default: TamzoUrlReader::read() within `fetchLimits`.
   std::function<std::optional<std::string>(const Text& url)> readUrl;
   /// How long a read by the default may take, and how much it may bring.
   TamzoUrlReader::Limits fetchLimits;
 
-  /// Takes one line of the log, without a line break, while isTamzoDebugEnabled is set. Default: the
-  /// system log.
+  /// Takes one line of the log, without a line break, while isTamzoDebugEnabled is set. Default:
+  /// the system log.
   std::function<void(std::string_view line)> writeLog;
 
   /// Category codes that the app blocks, separated by ","; nil, the default, blocks nothing.
@@ -55,8 +55,8 @@ struct TAMZO_EXPORT TamzoHost {
   /// A number from 0 to `bound` - 1 for [CACHEBUSTING]. Default: a random one.
   std::function<std::uint32_t(std::uint32_t bound)> random;
 
-  /// Sets the host of the whole process, for every parse that begins from now on. May be called from
-  /// any thread. An empty host brings all defaults back.
+  /// Sets the host of the whole process, for every parse that begins from now on. May be called
+  /// from any thread. An empty host brings all defaults back.
   static void set(TamzoHost host);
 
   /// The host of the whole process, as it was set last. Never null. To change one member, copy it,

@@ -8,13 +8,16 @@
 
 namespace tamzo {
 
-/// One hotspot of a 360-degree video.
+/// One hotspot of a 360-degree video, which the player reads from the element.
+///
+/// Immutable: any number of threads may read one. Keeps the element's document alive.
 class TAMZO_EXPORT TamzoHotspot360Info {
  public:
-  /// Null for an element that holds nothing to read: no attribute, no child element and no text
-  /// but white space.
+  /// A hotspot of that element. Null for one that holds nothing to read: no attribute, no child
+  /// element and no text but white space; a nil element is such a one.
   static std::shared_ptr<TamzoHotspot360Info> initWithNode(DDXMLElement node);
 
+  /// The Hotspot element; never nil.
   const DDXMLElement& node() const noexcept { return node_; }
 
  private:

@@ -15,11 +15,14 @@
 namespace tamzo {
 
 /// The SDK's debug switch. Off, no line is written and no argument of a line is computed.
+/// A host may turn it at any moment, from any thread.
 TAMZO_EXPORT extern std::atomic<bool> isTamzoDebugEnabled;
 
-/// The SDK's log. Every function may be called from any thread.
+/// The SDK's log, which goes to the system's or to TamzoHost::writeLog. Every function may be
+/// called from any thread, and throws what the host's own function throws.
 class TAMZO_EXPORT TamzoLogger {
  public:
+  /// What fills a "%@" or a "%ld".
   using Argument = std::variant<Text, std::int64_t>;
 
   /// Writes one line as it is, when debug logging is on.

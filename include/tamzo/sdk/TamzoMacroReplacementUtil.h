@@ -39,9 +39,7 @@ class TAMZO_EXPORT MacroValues {
   virtual const Text& clickType() const noexcept = 0;
 
  protected:
-  MacroValues() noexcept = default;
-  MacroValues(const MacroValues&) noexcept = default;
-  MacroValues& operator=(const MacroValues&) noexcept = default;
+  // Held and destroyed as what it is.
   ~MacroValues() = default;
 };
 

@@ -16,15 +16,17 @@ namespace tamzo {
 /// Immutable: any number of threads may read it.
 class TAMZO_EXPORT TamzoMeasurementProviderModel {
  public:
+  /// A script that measures.
   struct JavaScriptResource {
-    Text url;
-    Text apiFramework;  ///< "omid" for Open Measurement
-    std::optional<bool> browserOptional;
+    Text url;                             ///< trimmed
+    Text apiFramework;                    ///< "omid" for Open Measurement
+    std::optional<bool> browserOptional;  ///< it runs outside a browser too
   };
+  /// A program that measures.
   struct ExecutableResource {
-    Text url;
-    Text apiFramework;
-    Text type;
+    Text url;           ///< trimmed
+    Text apiFramework;  ///< who runs it
+    Text type;          ///< MIME type, as written
   };
 
   /// Of no element.
@@ -37,8 +39,11 @@ class TAMZO_EXPORT TamzoMeasurementProviderModel {
   std::shared_ptr<TamzoMeasurementProviderModel> createMeasurementProviderFromXML(
       const NodeList& verification) const;
 
+  /// Who measures, such as "company.com-omid".
   Text vendor() const;
+  /// In document order.
   std::vector<JavaScriptResource> javaScriptResources() const;
+  /// In document order.
   std::vector<ExecutableResource> executableResources() const;
   /// For the vendor's script, as it stands.
   Text verificationParameters() const;

@@ -21,6 +21,7 @@ class TAMZO_EXPORT TamzoTrackerEvent {
  public:
   /// Without URL and offset.
   TamzoTrackerEvent() noexcept = default;
+  /// With both.
   TamzoTrackerEvent(Text url, Text offset) noexcept
       : url_(std::move(url)), offset_(std::move(offset)) {}
 
@@ -29,11 +30,13 @@ class TAMZO_EXPORT TamzoTrackerEvent {
 
   /// The text of the element, untrimmed and with its macros unfilled. Nil until set.
   const Text& url() const noexcept { return url_; }
+  /// Sets url().
   void setUrl(Text url) noexcept { url_ = std::move(url); }
 
   /// When to fire, in whole seconds from the start, as decimal text; "" for an event that has no
   /// time. Nil until set.
   const Text& offset() const noexcept { return offset_; }
+  /// Sets offset().
   void setOffset(Text offset) noexcept { offset_ = std::move(offset); }
 
  private:
@@ -70,6 +73,7 @@ class TAMZO_EXPORT TrackerMap {
   std::size_t size() const noexcept { return entries_.size(); }
   /// The names and their lists, in the order in which the names were first met.
   std::vector<Entry>::const_iterator begin() const noexcept { return entries_.begin(); }
+  /// The end of begin().
   std::vector<Entry>::const_iterator end() const noexcept { return entries_.end(); }
 
  private:

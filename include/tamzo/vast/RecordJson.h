@@ -7,6 +7,7 @@
 
 namespace tamzo {
 
+/// How the text is laid out; what it says is the same.
 enum class JsonLayout {
   compact,   ///< on one line
   indented,  ///< for people, two blanks a level

@@ -58,7 +58,6 @@ class TAMZO_EXPORT TamzoVastAd : public TamzoVastAdProperties {
   /// Not copied: share the std::shared_ptr that initWithVast() gives.
   TamzoVastAd(const TamzoVastAd&) = delete;
   TamzoVastAd& operator=(const TamzoVastAd&) = delete;
-  ~TamzoVastAd() = default;
 
   /// @}
 
@@ -103,11 +102,13 @@ class TAMZO_EXPORT TamzoVastAd : public TamzoVastAdProperties {
   /// The version of the root VAST element; nil when there is none.
   static Text getVastVersion(const DDXMLDocument& document);
 
-  /// Fill the record from one document. `pass` is 1 for the response itself and counts up along
-  /// the chain. True: finished. False: `vastTagURI` holds the next document's URL, or `errorCode`
-  /// says why not.
+  /// Fills the record from one VAST 2 document. `pass` is 1 for the response itself and counts up
+  /// along the chain. True: finished. False: `vastTagURI` holds the next document's URL, or
+  /// `errorCode` says why not.
   bool processVASTVersion2(std::int32_t pass, const DDXMLDocument& withVASTDoc);
+  /// The same for VAST 3.
   bool processVASTVersion3(std::int32_t pass, const DDXMLDocument& withVASTDoc);
+  /// The same for VAST 4.
   bool processVASTVersion4(std::int32_t pass, const DDXMLDocument& withVASTDoc);
 
   /// The text that `withKeyPath` finds first under the first node; "" when it finds none.
@@ -129,52 +130,78 @@ class TAMZO_EXPORT TamzoVastAd : public TamzoVastAdProperties {
   /// except where a comment says so.
   /// @{
 
-  // Linear creative
   /// All Linear elements of the first InLine when the first of them can be played, otherwise nil.
-  /// Notes a JavaScript VPAID unit on the way.
+  /// Notes a JavaScript VPAID unit on the way: sets jsVPaidPresent() and, behind a Wrapper,
+  /// vastTagURI().
   NodeList newGetValidLinearNode(const NodeList& inlines);
-  /// Sets `jsVPaidPresent` when the first InteractiveCreativeFile has any text.
+  /// Sets jsVPaidPresent() when the first InteractiveCreativeFile has any text.
   void hasVPAIDMedia(const NodeList& linears);
+  /// MediaFiles/MediaFile into mediaFiles().
   void updateMediaFiles(const NodeList& linears);
-  /// Replaces or appends; throws std::out_of_range for an index beyond the end.
+  /// Puts a file into mediaFiles(): in place of the one at that index, or at the end. Throws
+  /// std::out_of_range for an index beyond the end.
   void addOrSetMediaFile(const DDXMLElement& element, std::int32_t withIndex);
+  /// Duration into duration(); an empty one is not written.
   void updateDuration(const NodeList& linears);
-  /// "HH:MM:SS", or a percentage of the duration that the record holds at this moment.
+  /// Into skipOffsetMillis(): "HH:MM:SS", or a percentage of the duration that the record holds at
+  /// this moment. Nil is not written.
   void updateSkipOffset(const Text& offset);
-  /// Throws std::invalid_argument for a Tracking element without an event name.
+  /// TrackingEvents/Tracking and VideoClicks/ClickTracking into trackers(). Throws
+  /// std::invalid_argument for a Tracking element without an event name.
   void updateTrackers(const NodeList& linears);
+  /// The id attribute into adID().
   void updateAdID(const NodeList& ads);
+  /// Impression into trackers(), empty URLs included.
   void updateImpressions(const NodeList& nodes);
+  /// VideoClicks/ClickThrough into clickThrough(): the last that has text.
   void updateLinearClickThrough(const NodeList& linears);
+  /// VideoClicks/CustomClick into trackers(), in place of those before, unless none has a URL.
   void updateCustomClickTracker(const NodeList& linears);
+  /// Icons/Icon into extraActions(), one a program.
   void updateIcons(const NodeList& linears);
-  /// Puts an icon in `extraActions`: in place of the last icon of that program, or at the end.
+  /// Puts an icon into extraActions(): in place of the last icon of that program, or at the end.
   void checkProgramExist(const Text& program, const DDXMLElement& withElement);
 
-  // Measurement and ad policy
+  /// ViewableImpression into trackers(), in place of those before.
   void updateViewableImpressions(const NodeList& nodes);
+  /// AdVerifications/Verification/ViewableImpression into trackers(), in place of those before,
+  /// unless none has a URL.
   void updateAdVerification(const NodeList& nodes);
-  /// Below 4.1 the providers are those in Extensions, from 4.1 on (or for a version that is not a
-  /// number) those of the ad itself. The processors pass 4.0 at most: that is meant.
+  /// Verification elements into measurementProviderList(). Below 4.1 the providers are those in
+  /// Extensions, from 4.1 on (or for a version that is not a number) those of the ad itself. The
+  /// processors pass 4.0 at most: that is meant.
   void updateOMVerificationResources(const NodeList& nodes, float vastVerrsion);
+  /// The markup of Verification/ViewableImpression of every element of the list, appended to
+  /// moatViewImpressionStr().
   void updateMoatAdVerification(const NodeList& adVerifications);
-  /// Throws std::out_of_range for an empty list that is not nil.
+  /// The vendor's own tracking events into trackers(). Throws std::out_of_range for an empty list
+  /// that is not nil.
   void updateExtraTrackingEvent(const NodeList& nodes);
-  /// Throws std::invalid_argument for a Tracking element without an event name.
+  /// Tracking elements into trackers(). Throws std::invalid_argument for one without an event name.
   void updateExtraTrackingEvent_REC(const NodeList& trackingNodes);
+  /// Expires into expires(); an empty one is not written.
   void updateExpires(const NodeList& nodes);
+  /// Category into categoryArray(), and error 205 when one of all that the list then holds is
+  /// blocked.
   void updateCategory(const NodeList& nodes);
+  /// True when one of the categories is exactly one that the app blocks. Nil blocks nothing.
   static bool isCategoryBlocked(const List<Text>& categories);
+  /// The attributes of UniversalAdId into univversalIDRegistry() and universalIDValue().
   void updateUniversalAdIdInfo(const NodeList& nodes);
   /// Part of the interface; reads and writes nothing.
   void updateSurvey(const NodeList& /*nodes*/) {}
 
-  // Extensions and companions
+  /// Hands the vendor block and the verifications of each Extensions/Extension to their readers.
   /// Throws std::out_of_range for an empty list.
   void updateExtensions(const NodeList& nodes);
+  /// The ad server's own settings: docs/vendor-block.md lists them.
   void updateTamzoExtensions(const NodeList& vendorNodes);
+  /// The flags of the web view, which are published for the whole SDK too. One that is absent is
+  /// off.
   void updateAdditionalWebSetting(const NodeList& settings);
+  /// Creatives/Creative/CompanionAds/Companion into companionAds(), as one entry.
   void updateAllCompanionNodes(const NodeList& nodes);
+  /// Companion elements into companionAds(), as one entry, which may be empty.
   void updateCompanion(const NodeList& companions);
 
   /// @}
