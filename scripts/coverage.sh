@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs the tests with coverage and prints the lines of vast/, xml/ and sdk/ that they reach. Fails
+# Runs the tests with coverage and prints the lines of the library that they reach. Fails
 # below 97 %.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -10,5 +10,5 @@ cmake --preset coverage >/dev/null
 cmake --build --preset coverage
 find build/coverage -name '*.gcda' -delete
 ctest --preset coverage -j "$(nproc)"
-gcovr --root . --filter 'vast/' --filter 'xml/' --filter 'sdk/' --exclude-throw-branches --gcov-ignore-parse-errors \
+gcovr --root . --filter '(base|net|sdk|vast|xml)/' --filter 'include/tamzo/' --exclude-throw-branches --gcov-ignore-parse-errors \
   --fail-under-line 97 build/coverage
