@@ -165,6 +165,8 @@ class TAMZO_EXPORT TamzoVastAd {
   void updateExtensions(const NodeList& nodes);
   void updateTamzoExtensions(const NodeList& vendorNodes);
   void updateAdditionalWebSetting(const NodeList& settings);
+  /// Allows replay. `url` is what to call then, in place of what was to be called before.
+  void updateReplay(const Text& url);
   void updateAllCompanionNodes(const NodeList& nodes);
   void updateCompanion(const NodeList& companions);
 
@@ -191,11 +193,6 @@ class TAMZO_EXPORT TamzoVastAd {
   void noteMissingLinear();
   void noteJavaScriptVPAID(const NodeList& inlines);
   TrackerMap& trackerMap();
-  void updateOverlay(const NodeList& vendorNodes);
-  void updateCards(const NodeList& vendorNodes);
-  void updateSkipOffsetOfVendor(const NodeList& vendorNodes);
-  void updateHotspots(const NodeList& vendorNodes);
-  void updateReplay(const NodeList& vendorNodes);
 
 #define TAMZO_PROPERTY(type, name, setter, when, initial) type name##_{};
 #include "tamzo/vast/TamzoVastAdProperties.def"
