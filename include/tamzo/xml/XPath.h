@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string_view>
 
 namespace tamzo {
@@ -21,8 +20,6 @@ class XPath {
     isAbsolute_ = !text.empty() && text.front() == '/';
     steps_ = isAbsolute_ ? text.substr(1) : text;
     isChildPath_ = isPathOfNames(steps_);
-    isSingleName_ = isChildPath_ && !isAbsolute_ && steps_.find('/') == std::string_view::npos;
-    firstStepHash_ = hashOfName(firstStep(steps_));
   }
 
   constexpr std::string_view text() const noexcept { return text_; }
@@ -32,24 +29,11 @@ class XPath {
   constexpr bool isAbsolute() const noexcept { return isAbsolute_; }
   /// True for a child path that starts at the node that is asked: without children it finds none.
   constexpr bool isBelowContext() const noexcept { return isChildPath_ && !isAbsolute_; }
-  /// True for the name of a child and nothing more.
-  constexpr bool isSingleName() const noexcept { return isSingleName_; }
   /// The path without a leading "/".
   constexpr std::string_view steps() const noexcept { return steps_; }
-  /// `hashOfName` of the first step.
-  constexpr std::uint32_t firstStepHash() const noexcept { return firstStepHash_; }
 
   static constexpr std::string_view firstStep(std::string_view steps) noexcept {
     return steps.substr(0, steps.find('/'));
-  }
-
-  /// FNV-1a; good enough for buckets whose chains are never searched on insertion.
-  static constexpr std::uint32_t hashOfName(std::string_view name) noexcept {
-    std::uint32_t hash = 2166136261U;
-    for (const char c : name) {
-      hash = (hash ^ static_cast<std::uint8_t>(c)) * 16777619U;
-    }
-    return hash;
   }
 
  private:
@@ -73,10 +57,8 @@ class XPath {
 
   std::string_view text_;
   std::string_view steps_;
-  std::uint32_t firstStepHash_ = 0;
   bool isAbsolute_ = false;
   bool isChildPath_ = false;
-  bool isSingleName_ = false;
 };
 
 }  // namespace tamzo
