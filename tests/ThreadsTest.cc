@@ -147,6 +147,24 @@ TEST_F(ThreadsTest, AFilledRecordIsReadFromSeveralThreads) {
   EXPECT_EQ(differing, 0);
 }
 
+TEST_F(ThreadsTest, OneListOfNodesIsAskedBySeveralThreads) {
+  std::string xml;
+  for (int i = 0; i < 50; ++i) {
+    xml += "<n" + std::to_string(i) + "/><a>" + std::to_string(i) + "</a>";
+  }
+  const NodeList list = rootOf("<r>" + xml + "</r>");
+  std::atomic<int> differing{0};
+  std::vector<std::function<void()>> bodies(4, [&] {
+    for (int i = 0; i < kParses; ++i) {
+      differing += list.firstMatch("a").stringValue() == "0" ? 0 : 1;
+      differing += list.firstMatch("n49") ? 0 : 1;
+      differing += list.nodesUnderFirst("a").size() == 50 ? 0 : 1;
+    }
+  });
+  runAll(bodies);
+  EXPECT_EQ(differing, 0);
+}
+
 TEST_F(ThreadsTest, WhatARecordGaveOutOutlivesEverythingOnAnotherThread) {
   struct Kept {
     DDXMLElement icon;

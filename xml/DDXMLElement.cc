@@ -4,8 +4,8 @@
 #include <libxml/xmlIO.h>
 #include <libxml/xmlsave.h>
 
+#include <algorithm>
 #include <new>
-#include <vector>
 
 #include "tamzo/xml/NodeList.h"
 #include "xml/QuietLibrary.h"
@@ -270,6 +270,27 @@ DDXMLElement DDXMLElement::firstNodeForXPath(const XPath& path) const {
   };
   walkChildPath(path.isAbsolute() ? tree_->documentNode() : node_, path.steps(), keep);
   return first == nullptr ? DDXMLElement() : DDXMLElement(first, tree_);
+}
+
+std::vector<DDXMLElement> DDXMLElement::firstChildren(
+    std::span<const std::string_view> names) const {
+  std::vector<DDXMLElement> found(names.size());
+  xmlNode* child = node_ == nullptr ? nullptr : node_->children;
+  for (; child != nullptr; child = child->next) {
+    if (child->type != XML_ELEMENT_NODE || child->ns != nullptr) {
+      continue;
+    }
+    const std::string_view name(asChars(child->name));
+    const auto at = std::lower_bound(names.begin(), names.end(), name);
+    if (at == names.end() || *at != name) {
+      continue;
+    }
+    DDXMLElement& first = found[static_cast<std::size_t>(at - names.begin())];
+    if (!first) {
+      first = DDXMLElement(child, tree_);
+    }
+  }
+  return found;
 }
 
 DDXMLElement DDXMLElement::firstChildElement() const {

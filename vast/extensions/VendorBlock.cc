@@ -1,122 +1,188 @@
 // The ad server's own settings.
 
-#include "tamzo/vast/TamzoVastAd.h"
+#include "vast/extensions/VendorBlock.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <functional>
 #include <utility>
 
 #include "base/Numbers.h"
 #include "tamzo/sdk/TamzoLogger.h"
 
 namespace tamzo {
+namespace {
 
-// The vendor block. A setting whose element is absent reads as "", 0 or NO, so that a later block
-// overwrites an earlier one whole; only what has an `if` keeps its value. Element names are matched
-// as they stand here, whatever their case looks like.
-void TamzoVastAd::updateTamzoExtensions(const NodeList& vendorNodes) {
-  if (vendorNodes.empty()) {
-    return;
-  }
-  const auto text = [&vendorNodes](const XPath& name) {
-    return getSingleValueFromNode(vendorNodes, name);
-  };
-  setViewabilityAction(integerValue(text("ViewabilityAction")));
-  setWebViewBaseUrl(text("WebViewBaseUrl"));
-  setAnalytics(text("Analytics"));
-  setAnalyticsKey(text("AnalyticsKey"));
-  setAnalyticsData(text("AnalyticsData"));
-  setNielsenKey(text("NielsenKey"));
-  setNielsenUrl(text("NielsenUrl"));
-  setNielsenCI(text("NielsenCI"));
-  setNielsenCA(text("NielsenCA"));
-  setNielsenPlacementId(text("NielsenPlacementId"));
-  setNielsenCreativeId(text("NielsenCreativeId"));
-  if (const Text json = text("ExtraActions"); json.hasCharacters()) {
-    setExtraActions(TamzoExtraActions::fromJson(json));
-  }
-  setInvalidCachedOfferIds(text("InvalidCachedOfferIds"));
-  setGratificationInfo(text("GratificationInfo"));
-  setGratificationTime(text("GratificationTime"));
-  setWebViewBaseUrl(text("WebViewBaseUrl"));  // a second time, as the ad server's list has it
-  setComScoreCreativeId(text("ComscoreCreativeId"));
-  setComScoreCampaignId(text("ComscoreCampaignId"));
-  setComScorePlacementId(text("ComscorePlacementId"));
-  setVideoPlacementType(text("VideoPlacementType"));
-  setIsCoppaEnabled(boolValue(text("CoppaEnabled")));
-  setIsImaEnabled(boolValue(text("ImaTracking")));
-  setIs360Video(boolValue(text("Is360Video")));
-  if (const Text flag = text("isOMIDEnabled"); flag.hasCharacters()) {
-    setIsOMIDEnable(boolValue(flag));
-  }
-  setBid(doubleValue(text("vc")));
-  updateOverlay(vendorNodes);
-  updateCards(vendorNodes);
-  updateSkipOffsetOfVendor(vendorNodes);
-  updateHotspots(vendorNodes);
-  updateAdditionalWebSetting(vendorNodes.nodesUnderFirst("AdditionalWebSettings"));
-  updateReplay(vendorNodes);
-  setTrackId(text("TrackId"));
-  setServerUA(text("ServerUA"));
-  setDeviceIP(text("DeviceIp"));
-  setOmidPartner(text("OMIDPartner"));
-  setPlayerCapability(text("PlayerCapability"));
-  setInventoryState(text("InventoryState"));
-  setGDPRConsentInfo(text("GDPRConsent"));
-  setVastVersions(text("VastVersions"));
-  setApiFrameworks(text("APIFrameworks"));
-  setVerificationVendors(text("VerificationVendors"));
-  setSupportedExtension(text("SupportedExtension"));
-  setMimeType(text("MimeType"));
-  setClickType(text("ClickType"));
-  setClientUA(text("ClientUA"));
+using Ad = TamzoVastAd;
+using enum VendorReading;
+using enum VendorAbsence;
+
+Text textOf(const DDXMLElement& element) {
+  return element ? element.stringValue() : Text::literal("");
 }
 
-void TamzoVastAd::updateOverlay(const NodeList& vendorNodes) {
-  const DDXMLElement first = vendorNodes.firstMatch("AdOverlay");
-  if (!first) {
-    return;
-  }
-  const NodeList overlay = NodeList::of(first);
-  setOverlayDimensionRatioNode(
-      floatValue(getSingleValueFromNode(overlay, "AdOverlayDimensionRatio")));
-  setOverlayUrl(getSingleValueFromNode(overlay, "AdOverlayUrl"));
+// What is made of a text before it is set.
+template <VendorReading>
+constexpr auto kConvert = std::identity();
+template <>
+constexpr auto kConvert<integer> = integerValue;
+template <>
+constexpr auto kConvert<flag> = boolValue;
+template <>
+constexpr auto kConvert<number> = doubleValue;
+template <>
+constexpr auto kConvert<json> = TamzoExtraActions::fromJson;
+
+// A setting that is the text of a child of the block.
+template <auto kSet, VendorReading kReading = text, VendorAbsence kAbsence = reset>
+constexpr VendorSetting row(std::string_view element, std::string_view property) {
+  return {element, property, kReading, kAbsence,
+          [](Ad& ad, const NodeList&, const DDXMLElement& child) {
+            const Text value = textOf(child);
+            if (kAbsence != keptAlsoWhenEmpty || value.hasCharacters()) {
+              (ad.*kSet)(kConvert<kReading>(value));
+            }
+          }};
 }
 
-// A block without cards empties the list.
-void TamzoVastAd::updateCards(const NodeList& vendorNodes) {
-  setCards(makeList<std::shared_ptr<TamzoCard>>());
-  for (const DDXMLElement& card : vendorNodes.nodesUnderFirst("Cards/Card")) {
-    cards()->push_back(TamzoCard::initWithNode(card));
+// The same for a flag, whose setter must be told from its deleted twin.
+template <void (TamzoVastAdProperties::*kSet)(bool), VendorAbsence kAbsence = reset>
+constexpr VendorSetting flagRow(std::string_view element, std::string_view property) {
+  return row<kSet, flag, kAbsence>(element, property);
+}
+
+void readOverlayRatio(Ad& ad, const NodeList&, const DDXMLElement& overlay) {
+  ad.setOverlayDimensionRatioNode(
+      floatValue(overlay.firstNodeForXPath("AdOverlayDimensionRatio").stringValue()));
+}
+
+void readOverlayUrl(Ad& ad, const NodeList&, const DDXMLElement& overlay) {
+  ad.setOverlayUrl(textOf(overlay.firstNodeForXPath("AdOverlayUrl")));
+}
+
+// Here and below, several parents count like one.
+void readCards(Ad& ad, const NodeList& block, const DDXMLElement& first) {
+  ad.setCards(makeList<std::shared_ptr<TamzoCard>>());
+  for (const DDXMLElement& card : first ? block.nodesUnderFirst("Cards/Card") : NodeList()) {
+    ad.cards()->push_back(TamzoCard::initWithNode(card));
   }
 }
 
-// Overrides the attribute of the Linear, which is read before the extensions are.
-void TamzoVastAd::updateSkipOffsetOfVendor(const NodeList& vendorNodes) {
-  if (const DDXMLElement offset = vendorNodes.firstMatch("SkipOffset")) {
-    updateSkipOffset(offset.stringValue());
-  }
-}
-
-void TamzoVastAd::updateHotspots(const NodeList& vendorNodes) {
-  const NodeList hotspots = vendorNodes.nodesUnderFirst("Video360/Hotspots/Hotspot");
+void readHotspots(Ad& ad, const NodeList& block, const DDXMLElement&) {
+  const NodeList hotspots = block.nodesUnderFirst("Video360/Hotspots/Hotspot");
   if (hotspots.empty()) {
     return;
   }
-  setHotspotList(makeList<std::shared_ptr<TamzoHotspot360Info>>());
+  ad.setHotspotList(makeList<std::shared_ptr<TamzoHotspot360Info>>());
   for (const DDXMLElement& element : hotspots) {
     if (auto hotspot = TamzoHotspot360Info::initWithNode(element)) {
-      hotspotList()->push_back(std::move(hotspot));
+      ad.hotspotList()->push_back(std::move(hotspot));
     } else {
       TAMZO_LOG("Hotspot XML parsing error");
     }
   }
 }
 
-// The URL to call on replay; that there is one is what allows replay.
-void TamzoVastAd::updateReplay(const NodeList& vendorNodes) {
-  const Text url = vendorNodes.firstMatch("canReplay").stringValue();
-  if (!url.hasCharacters()) {
+void readWebSettings(Ad& ad, const NodeList&, const DDXMLElement& settings) {
+  ad.updateAdditionalWebSetting(NodeList::of(settings));
+}
+
+// In this order. A later block overwrites an earlier one whole, save for what is kept. Names of
+// elements are matched as they stand here, whatever their case looks like.
+constexpr auto kSettings = std::to_array<VendorSetting>({
+    row<&Ad::setViewabilityAction, integer>("ViewabilityAction", "viewabilityAction"),
+    row<&Ad::setWebViewBaseUrl>("WebViewBaseUrl", "webViewBaseUrl"),
+    row<&Ad::setAnalytics>("Analytics", "analytics"),
+    row<&Ad::setAnalyticsKey>("AnalyticsKey", "analyticsKey"),
+    row<&Ad::setAnalyticsData>("AnalyticsData", "analyticsData"),
+    row<&Ad::setNielsenKey>("NielsenKey", "nielsenKey"),
+    row<&Ad::setNielsenUrl>("NielsenUrl", "nielsenUrl"),
+    row<&Ad::setNielsenCI>("NielsenCI", "nielsenCI"),
+    row<&Ad::setNielsenCA>("NielsenCA", "nielsenCA"),
+    row<&Ad::setNielsenPlacementId>("NielsenPlacementId", "nielsenPlacementId"),
+    row<&Ad::setNielsenCreativeId>("NielsenCreativeId", "nielsenCreativeId"),
+    row<&Ad::setExtraActions, json, keptAlsoWhenEmpty>("ExtraActions", "extraActions"),
+    row<&Ad::setInvalidCachedOfferIds>("InvalidCachedOfferIds", "invalidCachedOfferIds"),
+    row<&Ad::setGratificationInfo>("GratificationInfo", "gratificationInfo"),
+    row<&Ad::setGratificationTime>("GratificationTime", "gratificationTime"),
+    // A second time, as the ad server's list has it.
+    row<&Ad::setWebViewBaseUrl>("WebViewBaseUrl", "webViewBaseUrl"),
+    row<&Ad::setComScoreCreativeId>("ComscoreCreativeId", "comScoreCreativeId"),
+    row<&Ad::setComScoreCampaignId>("ComscoreCampaignId", "comScoreCampaignId"),
+    row<&Ad::setComScorePlacementId>("ComscorePlacementId", "comScorePlacementId"),
+    row<&Ad::setVideoPlacementType>("VideoPlacementType", "VideoPlacementType"),
+    flagRow<&Ad::setIsCoppaEnabled>("CoppaEnabled", "isCoppaEnabled"),
+    flagRow<&Ad::setIsImaEnabled>("ImaTracking", "isImaEnabled"),
+    flagRow<&Ad::setIs360Video>("Is360Video", "is360Video"),
+    flagRow<&Ad::setIsOMIDEnable, keptAlsoWhenEmpty>("isOMIDEnabled", "isOMIDEnable"),
+    row<&Ad::setBid, number>("vc", "bid"),
+    {"AdOverlay/AdOverlayDimensionRatio", "overlayDimensionRatioNode", singlePrecision, kept,
+     readOverlayRatio},
+    {"AdOverlay/AdOverlayUrl", "overlayUrl", text, kept, readOverlayUrl},
+    {"Cards/Card", "cards", cards, reset, readCards},
+    // Overrides the attribute of the Linear, which is read before the extensions are.
+    row<&Ad::updateSkipOffset, skipOffset, kept>("SkipOffset", "skipOffsetMillis"),
+    {"Video360/Hotspots/Hotspot", "hotspotList", hotspots, kept, readHotspots},
+    {"AdditionalWebSettings",
+     "canZoom, canOpenExternal, canAutoPlay, canScroll, shouldAskPermission", webSettings, kept,
+     readWebSettings},
+    row<&Ad::updateReplay, url, keptAlsoWhenEmpty>("canReplay",
+                                                   "canReplay, trackers[\"canReplay\"]"),
+    row<&Ad::setTrackId>("TrackId", "trackId"),
+    row<&Ad::setServerUA>("ServerUA", "serverUA"),
+    row<&Ad::setDeviceIP>("DeviceIp", "deviceIP"),
+    row<&Ad::setOmidPartner>("OMIDPartner", "omidPartner"),
+    row<&Ad::setPlayerCapability>("PlayerCapability", "playerCapability"),
+    row<&Ad::setInventoryState>("InventoryState", "inventoryState"),
+    row<&Ad::setGDPRConsentInfo>("GDPRConsent", "GDPRConsentInfo"),
+    row<&Ad::setVastVersions>("VastVersions", "vastVersions"),
+    row<&Ad::setApiFrameworks>("APIFrameworks", "apiFrameworks"),
+    row<&Ad::setVerificationVendors>("VerificationVendors", "verificationVendors"),
+    row<&Ad::setSupportedExtension>("SupportedExtension", "supportedExtension"),
+    row<&Ad::setMimeType>("MimeType", "mimeType"),
+    row<&Ad::setClickType>("ClickType", "clickType"),
+    row<&Ad::setClientUA>("ClientUA", "clientUA"),
+});
+
+// The children of the block that rows begin with, as firstChildren wants them.
+constexpr auto kChildren = [] {
+  std::array<std::string_view, kSettings.size()> names{};
+  std::transform(kSettings.begin(), kSettings.end(), names.begin(),
+                 [](const auto& setting) { return XPath::firstStep(setting.element); });
+  std::sort(names.begin(), names.end());
+  return names;
+}();
+
+// The place of each row's child among them. Rows of one child share the first place of its name.
+constexpr auto kPlaces = [] {
+  std::array<std::size_t, kSettings.size()> places{};
+  std::transform(kSettings.begin(), kSettings.end(), places.begin(), [](const auto& setting) {
+    const std::string_view name = XPath::firstStep(setting.element);
+    const auto* at = std::lower_bound(kChildren.begin(), kChildren.end(), name);
+    return static_cast<std::size_t>(at - kChildren.begin());
+  });
+  return places;
+}();
+
+}  // namespace
+
+std::span<const VendorSetting> vendorSettings() noexcept { return kSettings; }
+
+void TamzoVastAd::updateTamzoExtensions(const NodeList& vendorNodes) {
+  if (vendorNodes.empty()) {
     return;
   }
+  const auto children = vendorNodes.at(0).firstChildren(kChildren);
+  for (std::size_t i = 0; i < kSettings.size(); ++i) {
+    const DDXMLElement& child = children[kPlaces[i]];
+    if (child || kSettings[i].absence == reset) {
+      kSettings[i].read(*this, vendorNodes, child);
+    }
+  }
+}
+
+void TamzoVastAd::updateReplay(const Text& url) {
   auto event = TamzoTrackerEvent::init();
   event->setUrl(url);
   auto events = makeList<std::shared_ptr<TamzoTrackerEvent>>();

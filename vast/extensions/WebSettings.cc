@@ -1,5 +1,7 @@
 #include "tamzo/vast/TamzoVastAd.h"
 
+#include <array>
+#include <string_view>
 #include <utility>
 
 #include "base/Numbers.h"
@@ -13,14 +15,14 @@ void TamzoVastAd::updateAdditionalWebSetting(const NodeList& settings) {
   if (settings.empty()) {
     return;
   }
-  const auto flag = [&settings](const XPath& name) {
-    return boolValue(getSingleValueFromNode(settings, name));
-  };
-  setCanZoom(flag("canZoom"));
-  setCanOpenExternal(flag("canOpenExternal"));
-  setCanAutoPlay(flag("canAutoPlay"));
-  setCanScroll(flag("canScroll"));
-  setShouldAskPermission(flag("shouldAskPermission"));
+  constexpr std::array<std::string_view, 5> kFlags{"canAutoPlay", "canOpenExternal", "canScroll",
+                                                   "canZoom", "shouldAskPermission"};
+  const auto flags = settings.at(0).firstChildren(kFlags);
+  setCanAutoPlay(boolValue(flags[0].stringValue()));
+  setCanOpenExternal(boolValue(flags[1].stringValue()));
+  setCanScroll(boolValue(flags[2].stringValue()));
+  setCanZoom(boolValue(flags[3].stringValue()));
+  setShouldAskPermission(boolValue(flags[4].stringValue()));
 
   auto published = TamzoWebSettings::init();
   published->setCanZoom(canZoom());

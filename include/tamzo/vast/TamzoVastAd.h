@@ -199,6 +199,8 @@ class TAMZO_EXPORT TamzoVastAd : public TamzoVastAdProperties {
   /// The flags of the web view, which are published for the whole SDK too. One that is absent is
   /// off.
   void updateAdditionalWebSetting(const NodeList& settings);
+  /// Allows replay. `url` is what to call then, in place of what was to be called before.
+  void updateReplay(const Text& url);
   /// Creatives/Creative/CompanionAds/Companion into companionAds(), as one entry.
   void updateAllCompanionNodes(const NodeList& nodes);
   /// Companion elements into companionAds(), as one entry, which may be empty.
@@ -231,11 +233,6 @@ class TAMZO_EXPORT TamzoVastAd : public TamzoVastAdProperties {
   void noteMissingLinear();
   void noteJavaScriptVPAID(const NodeList& inlines);
   TrackerMap& trackerMap();
-  void updateOverlay(const NodeList& vendorNodes);
-  void updateCards(const NodeList& vendorNodes);
-  void updateSkipOffsetOfVendor(const NodeList& vendorNodes);
-  void updateHotspots(const NodeList& vendorNodes);
-  void updateReplay(const NodeList& vendorNodes);
 };
 
 }  // namespace tamzo

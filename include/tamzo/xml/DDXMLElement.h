@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tamzo/base/Export.h"
 #include "tamzo/base/Text.h"
@@ -64,6 +66,11 @@ class TAMZO_EXPORT DDXMLElement {
 
   /// The first node that `nodesForXPath` would find, or nil.
   DDXMLElement firstNodeForXPath(const XPath& path) const;
+
+  /// The first child element of each name, in no namespace, at the place of its name; nil where
+  /// there is none. `names` must be in ascending order; of equal ones only the first is looked for.
+  /// Takes one pass over the children, however many names there are.
+  std::vector<DDXMLElement> firstChildren(std::span<const std::string_view> names) const;
 
   /// The first child element, and the next element after this one; nil at the end.
   DDXMLElement firstChildElement() const;

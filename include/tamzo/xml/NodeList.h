@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "tamzo/base/Export.h"
@@ -10,19 +11,15 @@
 
 namespace tamzo {
 
-class ChildIndex;
-
 /// What a query gives: nil (the query failed or was never made), empty, or nodes in document
-/// order. Keeps the document alive. Moves cheaply; one thread at a time may use one list.
+/// order. Keeps the document alive and moves cheaply.
+///
+/// Reading one list from several threads is safe, queries included (see DDXMLElement for the one
+/// kind of query that is not); assigning to it is not.
 class TAMZO_EXPORT NodeList {
  public:
   /// Nil.
-  NodeList() noexcept;
-  NodeList(const NodeList& other);
-  NodeList(NodeList&& other) noexcept;
-  NodeList& operator=(const NodeList& other);
-  NodeList& operator=(NodeList&& other) noexcept;
-  ~NodeList();
+  NodeList() noexcept = default;
 
   /// An empty list, which is not nil.
   static NodeList makeEmpty();
@@ -37,8 +34,7 @@ class TAMZO_EXPORT NodeList {
   /// Throws std::out_of_range past the end.
   DDXMLElement at(std::size_t index) const;
 
-  /// The first node that `path` finds under the first node of the list, or nil. A list that is
-  /// asked for one child after another looks at each child once, not once for every question.
+  /// The first node that `path` finds under the first node of the list, or nil.
   DDXMLElement firstMatch(const XPath& path) const;
 
   /// What `path` finds under the first node of the list; nil when the list holds none.
@@ -68,20 +64,21 @@ class TAMZO_EXPORT NodeList {
   // Most lists are short, and live on the stack without an allocation.
   static constexpr std::size_t kInline = 4;
 
-  explicit NodeList(std::shared_ptr<const XmlTree> tree) noexcept;
+  explicit NodeList(std::shared_ptr<const XmlTree> tree) noexcept
+      : tree_(std::move(tree)), isNil_(false) {}
   void append(_xmlNode* node);
   _xmlNode* node(std::size_t index) const noexcept {
     return index < kInline ? inline_[index] : rest_[index - kInline];
   }
   DDXMLElement element(std::size_t index) const { return {node(index), tree_}; }
 
+  // Before all others: copying it is all that can fail, and an assignment that fails here has not
+  // yet put nodes of one document beside the tree of another.
+  std::vector<_xmlNode*> rest_;
   std::shared_ptr<const XmlTree> tree_;
   std::array<_xmlNode*, kInline> inline_{};
-  std::vector<_xmlNode*> rest_;
   std::size_t size_ = 0;
   bool isNil_ = true;
-  mutable unsigned lookups_ = 0;
-  mutable std::unique_ptr<ChildIndex> index_;
 };
 
 }  // namespace tamzo

@@ -1,55 +1,45 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string_view>
 
 namespace tamzo {
 
-/// An XPath 1.0 expression, told apart once: a path of plain child names ("Icons/Icon",
-/// "/VAST/Ad"), which is walked over the tree, or anything else, which libxml2 evaluates. For a
-/// literal the telling apart happens when the program is compiled.
+/// An XPath 1.0 expression. It is of one of two kinds: a path of plain child names ("Icons/Icon",
+/// "/VAST/Ad"), which is walked over the tree at next to no cost, or anything else, which libxml2
+/// evaluates. Which of the two is settled when the XPath is made: for a literal, when the program
+/// is compiled.
 ///
-/// Holds a view of the text it was made from, which must outlive it.
+/// Holds a view of the text it was made from, which must outlive it. A plain value without locks.
 class XPath {
  public:
+  /// Of a literal, which may stand wherever an XPath is asked for.
   template <std::size_t N>
   consteval XPath(const char (&literal)[N])  // NOLINT(google-explicit-constructor)
       : XPath(std::string_view(literal, N - 1)) {}
 
+  /// Of a text that is made while the program runs, malformed ones included.
   explicit constexpr XPath(std::string_view text) noexcept : text_(text) {
     isAbsolute_ = !text.empty() && text.front() == '/';
     steps_ = isAbsolute_ ? text.substr(1) : text;
     isChildPath_ = isPathOfNames(steps_);
-    isSingleName_ = isChildPath_ && !isAbsolute_ && steps_.find('/') == std::string_view::npos;
-    firstStepHash_ = hashOfName(firstStep(steps_));
   }
 
+  /// The expression as it was given.
   constexpr std::string_view text() const noexcept { return text_; }
 
   /// True for names joined by "/", with or without a leading "/".
   constexpr bool isChildPath() const noexcept { return isChildPath_; }
+  /// True for an expression with a leading "/", which starts at the document whatever is asked.
   constexpr bool isAbsolute() const noexcept { return isAbsolute_; }
   /// True for a child path that starts at the node that is asked: without children it finds none.
   constexpr bool isBelowContext() const noexcept { return isChildPath_ && !isAbsolute_; }
-  /// True for the name of a child and nothing more.
-  constexpr bool isSingleName() const noexcept { return isSingleName_; }
   /// The path without a leading "/".
   constexpr std::string_view steps() const noexcept { return steps_; }
-  /// `hashOfName` of the first step.
-  constexpr std::uint32_t firstStepHash() const noexcept { return firstStepHash_; }
 
+  /// The first name of a path without a leading "/".
   static constexpr std::string_view firstStep(std::string_view steps) noexcept {
     return steps.substr(0, steps.find('/'));
-  }
-
-  /// FNV-1a; good enough for buckets whose chains are never searched on insertion.
-  static constexpr std::uint32_t hashOfName(std::string_view name) noexcept {
-    std::uint32_t hash = 2166136261U;
-    for (const char c : name) {
-      hash = (hash ^ static_cast<std::uint8_t>(c)) * 16777619U;
-    }
-    return hash;
   }
 
  private:
@@ -73,10 +63,8 @@ class XPath {
 
   std::string_view text_;
   std::string_view steps_;
-  std::uint32_t firstStepHash_ = 0;
   bool isAbsolute_ = false;
   bool isChildPath_ = false;
-  bool isSingleName_ = false;
 };
 
 }  // namespace tamzo

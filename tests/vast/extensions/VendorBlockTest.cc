@@ -1,14 +1,18 @@
-// The settings of the vendor block, one row after another.
+// The settings of the vendor block, one row after another, and the document that lists them.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <utility>
 
 #include "tamzo/vast/RecordJson.h"
 #include "tests/support/SdkFixture.h"
+#include "vast/extensions/VendorBlock.h"
 
 namespace tamzo::testing {
 namespace {
@@ -35,48 +39,78 @@ std::string property(const TamzoVastAd& ad, const std::string& name) {
   return ordered_json::parse(recordAsJson(ad)).at(name).dump();
 }
 
+// ---- The document ------------------------------------------------------------------------------
+
+// A row of docs/vendor-block.md, without the remarks that follow a semicolon.
+struct Row {
+  std::string element;
+  std::string property;
+  std::string reading;
+  std::string absence;
+
+  bool operator==(const Row&) const = default;
+  friend void PrintTo(const Row& row, std::ostream* out) {
+    *out << row.element << " | " << row.property << " | " << row.reading << " | " << row.absence;
+  }
+};
+
+std::string takeCell(std::string& line) {
+  const std::size_t end = line.find(" | ");
+  std::string cell = line.substr(0, std::min(end, line.find(';')));
+  line.erase(0, std::min(line.size(), end + 3));
+  std::erase(cell, '`');
+  return cell;
+}
+
+std::vector<Row> readDocument() {
+  std::ifstream document(TAMZO_DOCS "/vendor-block.md");
+  std::vector<Row> rows;
+  std::string line;
+  while (std::getline(document, line) && !line.starts_with("| element |")) {
+  }
+  std::getline(document, line);  // the rule below the heading
+  while (std::getline(document, line) && line.starts_with("| ")) {
+    line = line.substr(2, line.rfind(" |") - 2);
+    rows.push_back({takeCell(line), takeCell(line), takeCell(line), takeCell(line)});
+  }
+  return rows;
+}
+
+TEST_F(VendorSettingsTest, TheDocumentListsTheTableRowByRow) {
+  // In the order of VendorReading; what a setting is reset to, for those that are.
+  const std::pair<const char*, const char*> words[] = {{"text", R"("")"},
+                                                       {"integer", "0"},
+                                                       {"flag", "NO"},
+                                                       {"number", "0"},
+                                                       {"number, single precision", "0"},
+                                                       {"JSON", ""},
+                                                       {"skip offset", ""},
+                                                       {"URL", ""},
+                                                       {"list of TamzoCard", "an empty list"},
+                                                       {"list of TamzoHotspot360Info", ""},
+                                                       {"flags", ""}};
+  std::vector<Row> table;
+  for (const VendorSetting& row : vendorSettings()) {
+    const auto& [reading, reset] = words[static_cast<std::size_t>(row.reading)];
+    const char* absences[] = {reset, "kept", "kept, also when empty"};
+    table.push_back({std::string(row.element), std::string(row.property), reading,
+                     absences[static_cast<std::size_t>(row.absence)]});
+  }
+  EXPECT_THAT(readDocument(), ::testing::ElementsAreArray(table));
+}
+
 // ---- Rows that are texts as they stand ---------------------------------------------------------
 
-struct TextRow {
-  const char* element;
-  const char* property;
-};
-constexpr TextRow kTexts[] = {
-    {"WebViewBaseUrl", "webViewBaseUrl"},
-    {"Analytics", "analytics"},
-    {"AnalyticsKey", "analyticsKey"},
-    {"AnalyticsData", "analyticsData"},
-    {"NielsenKey", "nielsenKey"},
-    {"NielsenUrl", "nielsenUrl"},
-    {"NielsenCI", "nielsenCI"},
-    {"NielsenCA", "nielsenCA"},
-    {"NielsenPlacementId", "nielsenPlacementId"},
-    {"NielsenCreativeId", "nielsenCreativeId"},
-    {"InvalidCachedOfferIds", "invalidCachedOfferIds"},
-    {"GratificationInfo", "gratificationInfo"},
-    {"GratificationTime", "gratificationTime"},
-    {"ComscoreCreativeId", "comScoreCreativeId"},
-    {"ComscoreCampaignId", "comScoreCampaignId"},
-    {"ComscorePlacementId", "comScorePlacementId"},
-    {"VideoPlacementType", "VideoPlacementType"},
-    {"TrackId", "trackId"},
-    {"ServerUA", "serverUA"},
-    {"DeviceIp", "deviceIP"},
-    {"OMIDPartner", "omidPartner"},
-    {"PlayerCapability", "playerCapability"},
-    {"InventoryState", "inventoryState"},
-    {"GDPRConsent", "GDPRConsentInfo"},
-    {"VastVersions", "vastVersions"},
-    {"APIFrameworks", "apiFrameworks"},
-    {"VerificationVendors", "verificationVendors"},
-    {"SupportedExtension", "supportedExtension"},
-    {"MimeType", "mimeType"},
-    {"ClickType", "clickType"},
-    {"ClientUA", "clientUA"},
-};
-
+// Taken from the document, so that no row of the parser's own table vouches for itself.
+std::vector<Row> textRows() {
+  std::vector<Row> rows = readDocument();
+  std::erase_if(rows,
+                [](const Row& row) { return row.reading != "text" || row.absence == "kept"; });
+  EXPECT_EQ(rows.size(), 32U);
+  return rows;
+}
 TEST_F(VendorSettingsTest, TextsAreTakenAsTheyStand) {
-  for (const TextRow& row : kTexts) {
+  for (const Row& row : textRows()) {
     const auto ad = recordOf(element(row.element, " a &amp; <b>b</b><![CDATA[<c>]]>\n"));
     EXPECT_EQ(property(*ad, row.property), R"(" a & b<c>\n")") << row.element;
   }
@@ -85,13 +119,13 @@ TEST_F(VendorSettingsTest, TextsAreTakenAsTheyStand) {
 TEST_F(VendorSettingsTest, AnAbsentTextIsEmptyAndNotNil) {
   EXPECT_EQ(property(*TamzoVastAd::initWithVast(""), "trackId"), "null");
   const auto ad = recordOf("");
-  for (const TextRow& row : kTexts) {
+  for (const Row& row : textRows()) {
     EXPECT_EQ(property(*ad, row.property), R"("")") << row.element;
   }
 }
 
 TEST_F(VendorSettingsTest, ALaterBlockOverwritesEveryText) {
-  for (const TextRow& row : kTexts) {
+  for (const Row& row : textRows()) {
     const auto ad = recordOf(element(row.element, "first"));
     ad->updateTamzoExtensions(vendorBlock(element(row.element, "second")));
     EXPECT_EQ(property(*ad, row.property), R"("second")") << row.element;
@@ -101,24 +135,23 @@ TEST_F(VendorSettingsTest, ALaterBlockOverwritesEveryText) {
 }
 
 TEST_F(VendorSettingsTest, OnlyTheFirstDirectChildOfThatVeryNameCounts) {
-  for (const TextRow& row : kTexts) {
-    const std::string name = row.element;
-    std::string otherCase = name;
+  for (const Row& row : textRows()) {
+    std::string otherCase = row.element;
     otherCase[0] = static_cast<char>(otherCase[0] ^ 0x20);
     const auto ad =
-        recordOf(element(otherCase, "case") + element("Deeper", element(name, "deeper")) +
-                 element(name, "1") + element(name, "2"));
+        recordOf(element(otherCase, "case") + element("Deeper", element(row.element, "deeper")) +
+                 element(row.element, "1") + element(row.element, "2"));
     EXPECT_EQ(property(*ad, row.property), R"("1")") << row.element;
   }
 }
 
 TEST_F(VendorSettingsTest, EachTextFeedsItsOwnPropertyOnly) {
   std::string content;
-  for (const TextRow& row : kTexts) {
+  for (const Row& row : textRows()) {
     content += element(row.element, row.property);
   }
   const ordered_json record = ordered_json::parse(recordAsJson(*recordOf(content)));
-  for (const TextRow& row : kTexts) {
+  for (const Row& row : textRows()) {
     EXPECT_EQ(record.at(row.property), row.property) << row.element;
   }
 }
@@ -343,7 +376,7 @@ TEST_F(VendorSettingsTest, AReplayUrlAllowsReplay) {
 TEST_F(VendorSettingsTest, AnEmptyBlockResetsWhatIsNotMarkedAsKept) {
   const ordered_json fresh = ordered_json::parse(recordAsJson(*TamzoVastAd::initWithVast("")));
   ordered_json expected = fresh;
-  for (const TextRow& row : kTexts) {
+  for (const Row& row : textRows()) {
     expected[row.property] = "";
   }
   expected["cards"] = ordered_json::array();
