@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace tamzo {
 NodeList NodeList::makeEmpty() { return NodeList(std::shared_ptr<const XmlTree>()); }
@@ -28,6 +29,14 @@ DDXMLElement NodeList::firstMatch(const XPath& path) const {
 
 NodeList NodeList::nodesUnderFirst(const XPath& path, XmlError* error) const {
   return size_ == 0 ? NodeList() : element(0).nodesForXPath(path, error);
+}
+
+void NodeList::swap(NodeList& other) noexcept {
+  rest_.swap(other.rest_);
+  tree_.swap(other.tree_);
+  inline_.swap(other.inline_);
+  std::swap(size_, other.size_);
+  std::swap(isNil_, other.isNil_);
 }
 
 void NodeList::append(_xmlNode* node) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -20,19 +21,34 @@ class TAMZO_EXPORT NodeList {
  public:
   /// Nil.
   NodeList() noexcept = default;
+  /// Shares the nodes.
+  NodeList(const NodeList&) = default;
+  /// Shares the nodes.
+  NodeList& operator=(const NodeList&) = default;
+  /// Leaves `other` nil.
+  NodeList(NodeList&& other) noexcept { swap(other); }
+  /// Leaves `other` nil.
+  NodeList& operator=(NodeList&& other) noexcept {
+    NodeList(std::move(other)).swap(*this);
+    return *this;
+  }
 
   /// An empty list, which is not nil.
   static NodeList makeEmpty();
-  /// A list of one.
+  /// A list of one; an empty one for a nil element.
   static NodeList of(const DDXMLElement& element);
 
+  /// True for a list that no query made, or one whose query failed.
   bool isNil() const noexcept { return isNil_; }
   /// True for nil too: a list that is absent counts as no match.
   bool empty() const noexcept { return size_ == 0; }
+  /// How many nodes; 0 for nil.
   std::size_t size() const noexcept { return size_; }
 
   /// Throws std::out_of_range past the end.
   DDXMLElement at(std::size_t index) const;
+  /// Throws std::out_of_range past the end, as at() does: an index may come from a document.
+  DDXMLElement operator[](std::size_t index) const { return at(index); }
 
   /// The first node that `path` finds under the first node of the list, or nil.
   DDXMLElement firstMatch(const XPath& path) const;
@@ -40,21 +56,38 @@ class TAMZO_EXPORT NodeList {
   /// What `path` finds under the first node of the list; nil when the list holds none.
   NodeList nodesUnderFirst(const XPath& path, XmlError* error = nullptr) const;
 
+  /// Walks over the nodes; each is given as a handle of its own.
   class Iterator {
    public:
+    /// @cond What the standard library asks of an iterator.
+    using iterator_category = std::input_iterator_tag;
+    using iterator_concept = std::forward_iterator_tag;
+    using value_type = DDXMLElement;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = DDXMLElement;
+    Iterator() noexcept = default;
     Iterator(const NodeList* list, std::size_t index) noexcept : list_(list), index_(index) {}
     DDXMLElement operator*() const { return list_->element(index_); }
     Iterator& operator++() noexcept {
       ++index_;
       return *this;
     }
+    Iterator operator++(int) noexcept {
+      const Iterator before = *this;
+      ++index_;
+      return before;
+    }
     bool operator==(const Iterator& other) const noexcept { return index_ == other.index_; }
+    /// @endcond
 
    private:
-    const NodeList* list_;
-    std::size_t index_;
+    const NodeList* list_ = nullptr;
+    std::size_t index_ = 0;
   };
+  /// The nodes in document order. Valid as long as this very list lives and is not assigned to.
   Iterator begin() const noexcept { return {this, 0}; }
+  /// The end of begin().
   Iterator end() const noexcept { return {this, size_}; }
 
  private:
@@ -67,6 +100,7 @@ class TAMZO_EXPORT NodeList {
   explicit NodeList(std::shared_ptr<const XmlTree> tree) noexcept
       : tree_(std::move(tree)), isNil_(false) {}
   void append(_xmlNode* node);
+  void swap(NodeList& other) noexcept;
   _xmlNode* node(std::size_t index) const noexcept {
     return index < kInline ? inline_[index] : rest_[index - kInline];
   }
