@@ -1,0 +1,78 @@
+#include "xml/TagSize.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+
+#include "tests/support/Documents.h"
+#include "tests/support/Growth.h"
+
+namespace tamzo::testing {
+namespace {
+
+constexpr int kMost = 800;
+
+// Long enough for 800 of them to make a large tag.
+std::string attributes(int count) { return repeat(" name='a value'", count); }
+
+TEST(TagSizeTest, ALargeTagMayHaveEightHundredAttributes) {
+  for (const std::string open : {"<a", "<", "<x:a"}) {
+    for (const std::string close : {">", "/>", "", " "}) {
+      EXPECT_FALSE(hasOversizedTag(open + attributes(kMost) + close)) << open << close;
+      EXPECT_TRUE(hasOversizedTag(open + attributes(kMost + 1) + close)) << open << close;
+    }
+  }
+}
+
+TEST(TagSizeTest, ItIsFoundWhereverItBegins) {
+  for (std::size_t before = 0; before < 9000; before += 500) {
+    const std::string front = "<r>" + std::string(before, 'x');
+    EXPECT_TRUE(hasOversizedTag(front + "<a" + attributes(kMost + 1) + "/></r>")) << before;
+    EXPECT_FALSE(hasOversizedTag(front + "<a" + attributes(kMost) + "/></r>")) << before;
+    EXPECT_TRUE(hasOversizedTag("<r>" + repeat("<b/>", 2000) + front + "<a" +
+                                attributes(kMost + 1) + "/></r>"))
+        << before;
+  }
+}
+
+TEST(TagSizeTest, EqualsSignsInValuesAreNoAttributes) {
+  const std::string pairs = repeat("key=value;", 2000);
+  EXPECT_FALSE(hasOversizedTag("<a b='" + pairs + "'/>"));
+  EXPECT_FALSE(hasOversizedTag("<a b=\"" + pairs + "\"/>"));
+  EXPECT_FALSE(hasOversizedTag("<a b='>" + pairs + "'/>")) << "nor does a value end the tag";
+  EXPECT_TRUE(hasOversizedTag("<a b='>'" + attributes(kMost) + "/>"));
+}
+
+TEST(TagSizeTest, WhatIsNoTagHasNoAttributes) {
+  const std::string large = "<a" + attributes(2 * kMost) + "/>";
+  const std::string pairs = attributes(2 * kMost);
+  EXPECT_FALSE(hasOversizedTag(pairs)) << "text";
+  EXPECT_FALSE(hasOversizedTag("<r>" + pairs + "</r>"));
+  EXPECT_FALSE(hasOversizedTag("<r><!--" + large + "--></r>"));
+  EXPECT_FALSE(hasOversizedTag("<r><![CDATA[" + large + "]]></r>"));
+  EXPECT_FALSE(hasOversizedTag("<r><?p " + large + "?></r>"));
+  EXPECT_FALSE(hasOversizedTag("<!DOCTYPE r" + pairs + ">")) << "a declaration";
+  // What such a place only seems to hold open does not hide what follows.
+  EXPECT_TRUE(hasOversizedTag("<r><!-- - - > --><![CDATA[]]]]><?p ? ?>" + large + "</r>"));
+  EXPECT_TRUE(hasOversizedTag("<r><![CDATA[<]]><!--<--><?p <?>" + large + "</r>"));
+}
+
+TEST(TagSizeTest, ASmallTagMayHaveMore) {
+  EXPECT_FALSE(hasOversizedTag("<r><a" + repeat(" a=''", kMost + 1) + "/></r>"))
+      << "5 KB cost little however many attributes they are";
+}
+
+TEST(TagSizeTest, ReadsATextOnce) {
+  const std::string block(4096, '=');
+  for (const std::string& piece :
+       {"<" + block, "<a" + attributes(kMost) + ">" + block, "<!--" + block + "-->", block}) {
+    EXPECT_TRUE(growsLinearly(40, [&piece](std::size_t size) {
+      const std::string text = "<r>" + repeat(piece, static_cast<int>(size));
+      return [text] { static_cast<void>(hasOversizedTag(text)); };
+    })) << piece.substr(0, 10);
+  }
+}
+
+}  // namespace
+}  // namespace tamzo::testing

@@ -1,0 +1,168 @@
+#include "xml/XPathQuery.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/Documents.h"
+#include "xml/XmlParser.h"
+
+namespace tamzo::testing {
+namespace {
+
+constexpr const char* kTree =
+    "<r><a><b>1</b><c>x</c><b>2</b></a><d><b>3</b></d><a><b>4</b><e><b>5</b></e></a>"
+    "<n:a xmlns:n='urn:n'><b>6</b></n:a><a xmlns='urn:o'><b>7</b></a></r>";
+
+struct QueryRow {
+  const char* path;
+  Texts found;
+};
+
+// Plain paths, which are walked, and the same asked in a way that libxml2 evaluates.
+const std::vector<QueryRow> kPlain{
+    {"a/b", {"1", "2", "4"}},
+    {"d/b", {"3"}},
+    {"a/e/b", {"5"}},
+    {"a/c", {"x"}},
+    {"b", {}},
+    {"a/B", {}},
+    {"none/b", {}},
+    {"a/none", {}},
+    {"n/b", {}},
+    {"r/a", {}},
+    {"/r/a/b", {"1", "2", "4"}},
+    {"/r/d/b", {"3"}},
+    {"/a/b", {}},
+    {"/none", {}},
+};
+
+TEST(Query, OfPlainNamesFindsChildrenWithoutNamespaceInDocumentOrder) {
+  const DDXMLElement r = root(kTree);
+  for (const QueryRow& row : kPlain) {
+    const NodeList found = r.nodesForXPath(XPath(row.path));
+    EXPECT_FALSE(found.isNil()) << row.path;
+    EXPECT_EQ(texts(found), row.found) << row.path;
+    EXPECT_EQ(r.firstNodeForXPath(XPath(row.path)).stringValue(),
+              row.found.empty() ? Text() : Text(row.found[0]))
+        << row.path;
+    const std::string evaluated = std::string(row.path) + "[true()]";
+    EXPECT_EQ(texts(r.nodesForXPath(XPath(evaluated))), row.found) << evaluated;
+  }
+}
+
+TEST(Query, OfAnyOtherKindIsEvaluated) {
+  const std::vector<QueryRow> rows{
+      {"//b", {"1", "2", "3", "4", "5", "6"}},
+      {"a[2]/b", {"4"}},
+      {"(a/b)[last()]", {"4"}},
+      {"*/b", {"1", "2", "3", "4", "6"}},
+      {"a/b/text()", {"1", "2", "4"}},
+      {"a/c/..", {"1x2"}},
+      {"d | a[1]", {"1x2", "3"}},
+      {"/",
+       {"1x2345"
+        "67"}},
+      {".",
+       {"1x2345"
+        "67"}},
+      {"child::d", {"3"}},
+      {"a/b[. > 1]", {"2", "4"}},
+      {"@none", {}},
+      {"//none", {}},
+  };
+  const DDXMLElement r = root(kTree);
+  for (const QueryRow& row : rows) {
+    XmlError error;
+    const NodeList found = r.nodesForXPath(XPath(row.path), &error);
+    EXPECT_FALSE(found.isNil()) << row.path << ": " << error.message;
+    EXPECT_EQ(texts(found), row.found) << row.path;
+  }
+}
+
+TEST(Query, IsRelativeToItsElementUnlessItBeginsWithASlash) {
+  const auto document = documentOf(kTree);
+  const DDXMLElement e = document->nodesForXPath("/r/a/e").at(0);
+  EXPECT_EQ(texts(e.nodesForXPath("b")), Texts{"5"});
+  EXPECT_EQ(texts(e.nodesForXPath("./b")), Texts{"5"});
+  EXPECT_EQ(texts(e.nodesForXPath("/r/d/b")), Texts{"3"});
+  EXPECT_EQ(texts(e.nodesForXPath("../b")), Texts{"4"});
+  EXPECT_EQ(texts(document->nodesForXPath("r/d")), Texts{"3"});
+  EXPECT_TRUE(document->nodesForXPath("/d").empty());
+}
+
+TEST(Query, FindsAttributesToo) {
+  const NodeList found = root("<r><a i='1'/><a/><a i='2'/></r>").nodesForXPath("a/@i");
+  EXPECT_EQ(texts(found), (Texts{"1", "2"}));
+  EXPECT_EQ(found.at(0).name(), Text("i"));
+}
+
+TEST(Query, ThatFailsGivesNilAndSaysWhy) {
+  const DDXMLElement r = root(kTree);
+  for (const char* path : {"a[", "a//", "a/", "//", "", "@", "a b", "a/@", "n:a", "count(a)",
+                           "1 + 1", "'text'", "true()", "unknown()", "$variable", "..."}) {
+    XmlError error;
+    EXPECT_TRUE(r.nodesForXPath(XPath(path), &error).isNil()) << path;
+    EXPECT_FALSE(error.message.empty()) << path;
+    EXPECT_FALSE(r.firstNodeForXPath(XPath(path))) << path;
+  }
+}
+
+TEST(Query, ThatTakesTooManyStepsIsGivenUp) {
+  const DDXMLElement r = root("<r>" + repeat("<a/>", 1000) + "</r>");
+  XmlError error;
+  // Each of a thousand elements is asked for those of which each is asked for all.
+  EXPECT_TRUE(r.nodesForXPath("//a[count(//a[count(//a) > 0]) > 0]", &error).isNil());
+  EXPECT_NE(error.message, "");
+  EXPECT_EQ(r.nodesForXPath("//a[position() > 0]").size(), 1000U) << "the next one is not";
+}
+
+TEST(Query, LeavesOutNamespacesWhichAreNoNodesOfTheTree) {
+  const DDXMLElement r = root("<r xmlns:x='urn:x'><a x:i='1'/></r>");
+  const NodeList found = r.nodesForXPath("namespace::* | a");
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found.at(0).name(), Text("a"));
+  const NodeList none = r.nodesForXPath("namespace::*");
+  EXPECT_TRUE(none.empty());
+  EXPECT_FALSE(none.isNil());
+}
+
+TEST(Query, EndsAtNoNul) {
+  const DDXMLElement r = root("<r><a/></r>");
+  using namespace std::string_view_literals;
+  for (const std::string_view path : {"a\0"sv, "\0"sv, "a\0[1]"sv, "a[1]\0"sv}) {
+    XmlError error;
+    EXPECT_TRUE(r.nodesForXPath(XPath(path), &error).isNil());
+    EXPECT_NE(error.message, "");
+  }
+}
+
+TEST(WalkChildPath, StopsAtTheNodeThatSatisfies) {
+  const auto tree = parseXml("<r><a><b/></a><a><b/><b/></a></r>", nullptr);
+  ASSERT_NE(tree, nullptr);
+  xmlNode* root = xmlDocGetRootElement(tree->doc());
+  for (const int enough : {1, 2, 3, 4}) {
+    int seen = 0;
+    const auto visit = [&](xmlNode* node) {
+      EXPECT_TRUE(isElementNamed(node, "b"));
+      return ++seen == enough;
+    };
+    EXPECT_EQ(walkChildPath(root, "a/b", visit), enough <= 3) << enough;
+    EXPECT_EQ(seen, std::min(enough, 3));
+  }
+}
+
+TEST(WalkChildPath, AsksNothingOfANodeWithoutChildren) {
+  const auto tree = parseXml("<r/>", nullptr);
+  const auto never = [](xmlNode*) { return true; };
+  EXPECT_FALSE(walkChildPath(xmlDocGetRootElement(tree->doc()), "a", never));
+  EXPECT_FALSE(walkChildPath(xmlDocGetRootElement(tree->doc()), "a/b", never));
+  EXPECT_TRUE(walkChildPath(tree->documentNode(), "r", never));
+}
+
+}  // namespace
+}  // namespace tamzo::testing
