@@ -23,9 +23,9 @@ class JsonStream {
 
   Ch Peek() const noexcept {
     if (isNumber_) {
-      return isNumberTaken_ ? characterAt(numberEnd_) : '0';
+      return isNumberTaken_ ? charAt(numberEnd_) : '0';
     }
-    return characterAt(at_);
+    return charAt(at_);
   }
   Ch Take() noexcept {
     if (isNumber_) {
@@ -76,10 +76,10 @@ class JsonStream {
     return {begin, static_cast<std::size_t>(end - begin)};
   }
 
-  char characterAt(const char* at) const noexcept { return at == end_ ? '\0' : *at; }
+  char charAt(const char* at) const noexcept { return at == end_ ? '\0' : *at; }
 
   const char* endOfDigits(const char* at) const noexcept {
-    while (isDigit(characterAt(at))) {
+    while (isDigit(charAt(at))) {
       ++at;
     }
     return at;
@@ -88,27 +88,27 @@ class JsonStream {
   // The end of the number at the current place; null where that is none.
   const char* endOfNumber() const noexcept {
     const char* integer = at_ + (*at_ == '-' ? 1 : 0);
-    const char* at = characterAt(integer) == '0' ? integer + 1 : endOfDigits(integer);
+    const char* at = charAt(integer) == '0' ? integer + 1 : endOfDigits(integer);
     if (at == integer) {
       return nullptr;
     }
-    if (characterAt(at) == '.') {
+    if (charAt(at) == '.') {
       const char* fraction = at + 1;
       at = endOfDigits(fraction);
       if (at == fraction) {
         return nullptr;
       }
     }
-    if (characterAt(at) == 'e' || characterAt(at) == 'E') {
+    if (charAt(at) == 'e' || charAt(at) == 'E') {
       const char* exponent = at + 1;
-      exponent += characterAt(exponent) == '+' || characterAt(exponent) == '-' ? 1 : 0;
+      exponent += charAt(exponent) == '+' || charAt(exponent) == '-' ? 1 : 0;
       at = endOfDigits(exponent);
       if (at == exponent) {
         return nullptr;
       }
     }
     // What RapidJSON would take for more of the number is left to it, to be refused.
-    const char next = characterAt(at);
+    const char next = charAt(at);
     return isDigit(next) || next == '.' || next == 'e' || next == 'E' ? nullptr : at;
   }
 
