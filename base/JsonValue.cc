@@ -2,10 +2,13 @@
 
 #include <fast_float/fast_float.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <span>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -21,6 +24,14 @@ using Node = Document::ValueType;
 
 std::string_view viewOf(const Node& text) noexcept {
   return {text.GetString(), text.GetStringLength()};
+}
+
+// The members of a map. RapidJSON's own iterators do not compare without warnings in C++20.
+template <typename Map>
+auto membersOf(Map& map) noexcept {
+  using Member = std::remove_reference_t<decltype(*map.MemberBegin())>;
+  return map.ObjectEmpty() ? std::span<Member>()
+                           : std::span<Member>(&*map.MemberBegin(), map.MemberCount());
 }
 
 // ---- Reading -------------------------------------------------------------------------------
@@ -91,8 +102,8 @@ bool isLess(std::string_view a, std::string_view b) noexcept {
 std::vector<bool> overwrittenMembers(const Node& map) {
   std::vector<std::pair<std::string_view, std::size_t>> names;
   names.reserve(map.MemberCount());
-  for (auto member = map.MemberBegin(); member != map.MemberEnd(); ++member) {
-    names.emplace_back(viewOf(member->name), names.size());
+  for (const auto& member : membersOf(map)) {
+    names.emplace_back(viewOf(member.name), names.size());
   }
   std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) {
     return a.first == b.first ? a.second < b.second : isLess(a.first, b.first);
@@ -106,19 +117,19 @@ std::vector<bool> overwrittenMembers(const Node& map) {
 
 void dropOverwrittenMembers(Node& map) {
   const std::vector<bool> overwritten = overwrittenMembers(map);
-  auto kept = map.MemberBegin();
-  for (std::size_t i = 0; i < overwritten.size(); ++i) {
-    const auto member = map.MemberBegin() + static_cast<std::ptrdiff_t>(i);
+  const auto members = membersOf(map);
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < members.size(); ++i) {
     if (overwritten[i]) {
       continue;
     }
-    if (kept != member) {
-      kept->name = member->name;  // moves it, as assigning does with RapidJSON
-      kept->value = member->value;
+    if (kept != i) {
+      members[kept].name = members[i].name;  // moves it, as assigning does with RapidJSON
+      members[kept].value = members[i].value;
     }
     ++kept;
   }
-  map.EraseMember(kept, map.MemberEnd());
+  map.EraseMember(map.MemberBegin() + static_cast<std::ptrdiff_t>(kept), map.MemberEnd());
 }
 
 // The depth is bounded by what readJson takes.
@@ -131,7 +142,7 @@ void dropOverwritten(Node& node) {
     if (node.MemberCount() > 1) {
       dropOverwrittenMembers(node);
     }
-    for (auto& member : node.GetObject()) {
+    for (auto& member : membersOf(node)) {
       dropOverwritten(member.value);
     }
   }
@@ -164,7 +175,7 @@ void write(const Node& node, CompactJsonWriter& json) {
     json.endArray();
   } else if (node.IsObject()) {
     json.beginObject();
-    for (const auto& member : node.GetObject()) {
+    for (const auto& member : membersOf(node)) {
       json.key(viewOf(member.name));
       write(member.value, json);
     }
@@ -273,27 +284,22 @@ JsonValue JsonValue::at(std::size_t index) const noexcept {
   if (index >= size()) {
     return {};
   }
-  const auto offset = static_cast<std::ptrdiff_t>(index);
-  return node.IsArray() ? part(node.Begin() + offset) : part(&(node.MemberBegin() + offset)->value);
+  return part(node.IsArray() ? node.Begin() + index : &membersOf(node)[index].value);
 }
 
 Text JsonValue::keyAt(std::size_t index) const noexcept {
   const Node& node = nodeOf(node_);
-  if (!node.IsObject() || index >= size()) {
-    return {};
-  }
-  return Text::sharing(viewOf((node.MemberBegin() + static_cast<std::ptrdiff_t>(index))->name),
-                       node_);
+  const bool isMember = node.IsObject() && index < size();
+  return isMember ? Text::sharing(viewOf(membersOf(node)[index].name), node_) : Text();
 }
 
 JsonValue JsonValue::find(std::string_view key) const noexcept {
   const Node& node = nodeOf(node_);
-  if (!node.IsObject()) {
-    return {};
-  }
-  for (auto member = node.MemberBegin(); member != node.MemberEnd(); ++member) {
-    if (viewOf(member->name) == key) {
-      return part(&member->value);
+  if (node.IsObject()) {
+    for (const auto& member : membersOf(node)) {
+      if (viewOf(member.name) == key) {
+        return part(&member.value);
+      }
     }
   }
   return {};

@@ -13,10 +13,7 @@
 // Its own default of four bytes on 32-bit machines is too little for a double on some of them.
 #define RAPIDJSON_ALIGN(size) (((size) + std::size_t{7}) & ~std::size_t{7})
 
-#include <rapidjson/document.h>
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/reader.h>
-#include <rapidjson/writer.h>
+#include <rapidjson/internal/stack.h>
 
 namespace tamzo {
 
@@ -37,4 +34,22 @@ class JsonAllocator {
   static void Free(void* block) noexcept { ::operator delete(block); }
 };
 
+namespace rapidjson::internal {
+
+// As it comes, it computes with the null pointer of a stack that has no memory yet.
+template <>
+template <typename T>
+inline void Stack<JsonAllocator>::Reserve(std::size_t count) {
+  if (static_cast<std::ptrdiff_t>(sizeof(T) * count) > stackEnd_ - stackTop_) {
+    Expand<T>(count);
+  }
+}
+
+}  // namespace rapidjson::internal
+
 }  // namespace tamzo
+
+#include <rapidjson/document.h>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/reader.h>
+#include <rapidjson/writer.h>

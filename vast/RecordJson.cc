@@ -218,7 +218,7 @@ class RecordWriter {
     }
     json_.beginArray();
     for (const TamzoExtraActions::Entry& entry : *actions.list()) {
-      std::visit([this](const auto& either) { write(either); }, entry);
+      std::visit([this](const auto& either) { this->write(either); }, entry);
     }
     json_.endArray();
   }
