@@ -10,6 +10,14 @@ namespace tamzo {
 /// True when the bytes are well-formed UTF-8.
 bool isUtf8(std::string_view bytes) noexcept;
 
+/// The bytes that a text goes on with: a character, or the longest beginning of one (at least a
+/// byte) where it is broken.
+struct Utf8Sequence {
+  std::size_t bytes = 1;
+  bool isCharacter = false;
+};
+Utf8Sequence utf8SequenceAt(std::string_view text, std::size_t at) noexcept;
+
 /// One character of a text.
 struct Character {
   char32_t value = U'\uFFFD';  ///< U+FFFD for a byte that is no part of well-formed UTF-8

@@ -8,13 +8,14 @@
 
 #include "bench/Documents.h"
 #include "bench/Floor.h"
+#include "tamzo/vast/RecordJson.h"
 
 namespace {
 
 constexpr std::uint64_t kSeed = 1;
 
 int usage() {
-  std::fprintf(stderr, "usage: tamzo_bench_instructions floor|parse a|b|c|d|d+xmlns COUNT\n");
+  std::fprintf(stderr, "usage: tamzo_bench_instructions floor|parse|json a|b|c|d|d+xmlns COUNT\n");
   return 2;
 }
 
@@ -28,6 +29,16 @@ int run(std::string_view what, std::string_view name, int count) {
     if (what == "floor") {
       for (int i = 0; i < count; ++i) {
         if (!tamzo::bench::buildAndFreeTree(text)) {
+          return 1;
+        }
+      }
+      return 0;
+    }
+    if (what == "json") {
+      const auto ad = tamzo::TamzoVastAd::initWithVast(text);
+      tamzo::bench::requireWholeRecord(name, *ad);
+      for (int i = 0; i < count; ++i) {
+        if (tamzo::recordAsJson(*ad).size() < text.size()) {
           return 1;
         }
       }

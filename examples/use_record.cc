@@ -3,7 +3,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
 #include <variant>
@@ -73,8 +72,8 @@ std::vector<std::string> extraActions(const tamzo::TamzoVastAd& ad) {
     if (const auto* icon = std::get_if<tamzo::DDXMLElement>(&entry)) {
       names.push_back("icon " + std::string(icon->attributeValue("program").view()));
     } else {
-      const auto& json = *std::get<tamzo::TamzoExtraActions::JsonValue>(entry);
-      names.push_back("action " + json.value("action", "?"));
+      const tamzo::Text action = std::get<tamzo::JsonValue>(entry).find("action").asText();
+      names.push_back("action " + std::string(action.isNil() ? "?" : action.view()));
     }
   }
   return names;

@@ -65,6 +65,38 @@ inline void makeDeterministic() {
   testing::useState(std::move(state));
 }
 
+/// True when a text nests no deeper than the 512 that are taken, and holds no NUL, which
+/// nlohmann-json takes for the end. Whether it is JSON besides is not looked at.
+inline bool isShallowJson(std::string_view text) {
+  int depth = 0;
+  bool inString = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '\0') {
+      return false;
+    }
+    if (inString) {
+      i += c == '\\' ? 1 : 0;
+      inString = c != '"';
+    } else if (c == '"') {
+      inString = true;
+    } else if (c == '[' || c == '{') {
+      if (++depth > 512) {
+        return false;
+      }
+    } else if (c == ']' || c == '}') {
+      --depth;
+    }
+  }
+  return true;
+}
+
+/// A JSON value of nlohmann-json, whatever the texts in it, as text.
+template <typename Json>
+std::string dump(const Json& value) {
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 /// The record as JSON, after a check that both layouts are JSON and say the same.
 inline nlohmann::ordered_json checkedRecord(const TamzoVastAd& ad) {
   require(findVastError(ad.errorCode()) != nullptr, "the error code is none of the table's");

@@ -3,5 +3,5 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 cmake --preset clang -B build/lint -DTAMZO_BUILD_TESTS=OFF -DTAMZO_BUILD_EXAMPLES=OFF >/dev/null
-git ls-files 'xml/*.cc' 'sdk/*.cc' 'vast/*.cc' 'tools/*.cc' | grep -v NoCurlReader |
+git ls-files 'base/*.cc' 'net/*.cc' 'xml/*.cc' 'sdk/*.cc' 'vast/*.cc' 'tools/*.cc' | grep -v NoCurlReader |
   xargs -P "$(nproc)" -n 3 clang-tidy -p build/lint --quiet 2>/dev/null

@@ -15,51 +15,26 @@
 #include <iostream>
 #include <map>
 #include <mutex>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <thread>
 #include <utility>
 
-#include "base/JsonDepth.h"
-#include "base/Utf8.h"
 #include "tamzo/vast/ErrorCodes.h"
-#include "tamzo/vast/RecordJson.h"
+#include "tools/BatchLine.h"
 #include "tools/CommandError.h"
 #include "tools/Input.h"
-#include "tools/JsonMember.h"
 #include "tools/Output.h"
 
 namespace tamzo::command {
 namespace {
 
-using nlohmann::json;
-
-constexpr const char* kNoId = "null";
-
-std::string dump(const json& value) {
-  return value.dump(-1, ' ', false, json::error_handler_t::replace);
-}
-
-// `id` is JSON.
-BatchAnswer refuse(const std::string& id, const std::string& why) {
-  return {R"({"id": )" + id + R"(, "error": )" + dump(json(why)) + "}", why, 0};
-}
-
-BatchAnswer parse(const std::string& id, std::string vast) {
-  const auto ad = TamzoVastAd::initWithVast(Text(withoutByteOrderMark(std::move(vast))));
-  if (ad == nullptr) {
-    return refuse(id, "out of memory");
-  }
-  return {R"({"id": )" + id + R"(, "record": )" + recordAsJson(*ad) + "}", "", ad->errorCode()};
-}
-
 BatchAnswer answerFile(const std::string& path) {
-  const std::string id = dump(json(path));
+  const std::string id = idOf(path);
   if (path.empty()) {
     return refuse(id, "a PATH is empty");
   }
   try {
-    return parse(id, readInput(path));
+    return answerResponse(id, readInput(path));
   } catch (const CommandError& error) {
     return refuse(id, error.what());
   }
@@ -98,8 +73,7 @@ Source sourceOfPaths(const std::vector<std::string>& paths, std::size_t& total) 
         work->push_back([file] { return answerFile(file); });
       }
     } catch (const CommandError& error) {
-      work->push_back(
-          [path, why = std::string(error.what())] { return refuse(dump(json(path)), why); });
+      work->push_back([path, why = std::string(error.what())] { return refuse(idOf(path), why); });
     }
   }
   total = work->size();
@@ -315,32 +289,6 @@ void printTable(const std::map<int, std::size_t>& counts, std::size_t unreadable
 }
 
 }  // namespace
-
-BatchAnswer answerBatchLine(const std::string& line) {
-  if (!isUtf8(line)) {
-    return refuse(kNoId, "is not UTF-8 text");
-  }
-  if (!isShallowJson(line)) {
-    return refuse(kNoId, "is nested too deep");
-  }
-  // No JSON holds a NUL, but the reader takes one for the end.
-  if (line.find('\0') != std::string::npos) {
-    return refuse(kNoId, "holds a NUL character");
-  }
-  json request = json::parse(line, nullptr, /*allow_exceptions=*/false);
-  if (request.is_discarded()) {
-    return refuse(kNoId, "is not JSON, or holds a number that no double can");
-  }
-  if (!request.is_object()) {
-    return refuse(kNoId, "is no JSON object");
-  }
-  const std::string id = writtenMember(line, "id");
-  const auto vast = request.find("vast");
-  if (vast == request.end() || !vast->is_string()) {
-    return refuse(id, "has no text \"vast\"");
-  }
-  return parse(id, std::move(vast->get_ref<std::string&>()));
-}
 
 int runBatch(const std::vector<std::string>& paths, unsigned threads,
              const std::string& outputPath) {

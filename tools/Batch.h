@@ -12,12 +12,4 @@ namespace tamzo::command {
 int runBatch(const std::vector<std::string>& paths, unsigned threads,
              const std::string& outputPath);
 
-/// What one line of standard input is answered with.
-struct BatchAnswer {
-  std::string line;     ///< one line of JSON, without its line break
-  std::string problem;  ///< why the input could not be read; empty when it could
-  int errorCode = 0;    ///< the record's, where there is one
-};
-BatchAnswer answerBatchLine(const std::string& line);
-
 }  // namespace tamzo::command

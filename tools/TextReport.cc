@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <variant>
 #include <vector>
 
@@ -229,8 +228,7 @@ void reportExtraActions(Report& report, const TamzoVastAd& ad) {
     if (const auto* icon = std::get_if<DDXMLElement>(&entry)) {
       rows.push_back({"icon", orDash(icon->attributeValue("program"))});
     } else {
-      const auto& value = std::get<TamzoExtraActions::JsonValue>(entry);
-      rows.push_back({"JSON", printable(value->dump())});
+      rows.push_back({"JSON", printable(std::get<JsonValue>(entry).dump())});
     }
   }
   report.heading(titled("Icons and extra actions", rows.size()));

@@ -1,21 +1,19 @@
 #include "tamzo/vast/RecordJson.h"
 
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <variant>
 #include <vector>
 
-#include "vast/JsonWriter.h"
+#include "base/JsonWriter.h"
 
 namespace tamzo {
 namespace {
 
 // How each type that occurs in a record is written. A property of a new type needs one more
 // overload here, a property of a known one nothing at all.
+template <typename Json>
 class RecordWriter {
  public:
-  explicit RecordWriter(JsonLayout layout) : json_(layout == JsonLayout::indented) {}
-
   void write(const TamzoVastAd& ad) {
     // The two texts that are documents make up most of it.
     constexpr std::size_t kAllElse = 4096;
@@ -197,9 +195,7 @@ class RecordWriter {
     json_.endObject();
   }
 
-  void write(const TamzoExtraActions::JsonValue& value) {
-    json_.raw(value->dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
-  }
+  void write(const JsonValue& value) { json_.raw(value.dump()); }
 
   void write(const DDXMLElement& icon) {
     json_.beginObject();
@@ -222,20 +218,26 @@ class RecordWriter {
     }
     json_.beginArray();
     for (const TamzoExtraActions::Entry& entry : *actions.list()) {
-      std::visit([this](const auto& either) { write(either); }, entry);
+      std::visit([this](const auto& either) { this->write(either); }, entry);
     }
     json_.endArray();
   }
 
-  JsonWriter json_;
+  Json json_;
 };
+
+template <typename Json>
+std::string writtenWith(const TamzoVastAd& ad) {
+  RecordWriter<Json> writer;
+  writer.write(ad);
+  return writer.take();
+}
 
 }  // namespace
 
 std::string recordAsJson(const TamzoVastAd& ad, JsonLayout layout) {
-  RecordWriter writer(layout);
-  writer.write(ad);
-  return writer.take();
+  return layout == JsonLayout::indented ? writtenWith<IndentedJsonWriter>(ad)
+                                        : writtenWith<CompactJsonWriter>(ad);
 }
 
 }  // namespace tamzo

@@ -1,118 +1,115 @@
+// The extra actions of an ad, as the vendor's JSON gives them.
+
 #include "tamzo/sdk/TamzoExtraActions.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstddef>
-#include <iterator>
-#include <nlohmann/json.hpp>
-#include <string>
+#include <array>
 #include <thread>
-#include <variant>
 #include <vector>
 
-#include "tests/support/Documents.h"
+#include "tamzo/vast/RecordJson.h"
+#include "tests/support/SdkFixture.h"
 
 namespace tamzo::testing {
 namespace {
 
-std::string nested(std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); }
+using ExtraActions = SdkTest;
 
-TEST(TamzoExtraActionsTest, NilIsNoEmptyList) {
-  const TamzoExtraActions nil;
-  EXPECT_TRUE(nil.isNil());
-  EXPECT_FALSE(nil.isList());
-  EXPECT_EQ(nil.list(), nullptr);
-  EXPECT_EQ(nil.value(), nullptr);
-  const TamzoExtraActions empty = TamzoExtraActions::makeEmptyList();
-  EXPECT_FALSE(empty.isNil());
-  ASSERT_TRUE(empty.isList());
-  EXPECT_TRUE(empty.list()->empty());
-  EXPECT_EQ(empty.value(), nullptr);
+// The actions as a record has them.
+std::string written(const TamzoExtraActions& actions) {
+  const auto ad = TamzoVastAd::initWithVast("");
+  ad->setExtraActions(actions);
+  const std::string json = recordAsJson(*ad);
+  const std::string key = "\"extraActions\":";
+  const std::size_t begin = json.find(key) + key.size();
+  return json.substr(begin, json.find(",\"VideoPlacementType\":", begin) - begin);
 }
 
-TEST(TamzoExtraActionsTest, AnArrayBecomesAListOfItsValues) {
-  const auto actions = TamzoExtraActions::fromJson(R"([1, "two", {"three": [3]}, null, []])");
-  ASSERT_TRUE(actions.isList());
-  EXPECT_EQ(actions.value(), nullptr);
-  const char* expected[] = {"1", "\"two\"", R"({"three":[3]})", "null", "[]"};
-  ASSERT_EQ(actions.list()->size(), std::size(expected));
-  for (std::size_t i = 0; i < std::size(expected); ++i) {
-    EXPECT_EQ(std::get<TamzoExtraActions::JsonValue>((*actions.list())[i])->dump(), expected[i]);
+std::string decoded(const std::string& json) { return written(TamzoExtraActions::fromJson(json)); }
+
+std::string nested(std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); }
+
+TEST_F(ExtraActions, AreWhateverTheJsonSays) {
+  const std::pair<std::string, std::string> rows[] = {
+      {R"({"a":1,"a":2})", R"({"a":2})"},
+      {R"(["\u00e9\ud83d\ude00\n"])", "[\"\xC3\xA9\xF0\x9F\x98\x80\\n\"]"},
+      {" -1.5e2 ", "-150.0"},
+      {"\n[ 1 , 2 ]\t", "[1,2]"}};
+  for (const auto& [json, expected] : rows) {
+    EXPECT_EQ(decoded(json), expected) << json;
+  }
+  for (const std::string& json :
+       {std::string(R"([{"a":1}])"), std::string("[]"), std::string(R"({"b":[1,2],"a":3})"),
+        std::string(R"("text")"), std::string("12"), std::string("true"), std::string("false"),
+        std::string("null"), std::string("[null]"), std::string(R"(["\"[{"])"), nested(512)}) {
+    EXPECT_EQ(decoded(json), json);
   }
 }
 
-TEST(TamzoExtraActionsTest, AnythingElseIsOneValue) {
-  for (const char* json : {"{}", R"({"a":[1]})", "1", "-0.5", "\"\"", "true", "null"}) {
+TEST_F(ExtraActions, AreNilWhereTheJsonIsMalformedOrTooDeep) {
+  for (const std::string& json :
+       {std::string("not json"), std::string("[1,]"), std::string("[1"), std::string(""),
+        std::string("[1e999]"), nested(513), std::string(100'000, '[')}) {
+    const auto actions = TamzoExtraActions::fromJson(json);
+    EXPECT_TRUE(actions.isNil()) << json;
+    EXPECT_FALSE(actions.isList()) << json;
+    EXPECT_TRUE(actions.value().isNil()) << json;
+    EXPECT_EQ(written(actions), "null") << json;
+  }
+  EXPECT_TRUE(TamzoExtraActions().isNil());
+  EXPECT_TRUE(TamzoExtraActions::fromJson({}).isNil());
+}
+
+TEST_F(ExtraActions, AListHasItsEntriesAndNoValue) {
+  const auto actions = TamzoExtraActions::fromJson(R"([null,"x",{"n":1}])");
+  ASSERT_TRUE(actions.isList());
+  EXPECT_FALSE(actions.isNil());
+  EXPECT_TRUE(actions.value().isNil());
+  ASSERT_EQ(actions.list()->size(), 3U);
+  EXPECT_FALSE(std::get<JsonValue>(actions.list()->at(0)).isNil());
+  EXPECT_EQ(std::get<JsonValue>(actions.list()->at(1)).asText().view(), "x");
+  EXPECT_EQ(std::get<JsonValue>(actions.list()->at(2)).find("n").asInteger(), 1);
+  EXPECT_TRUE(TamzoExtraActions::makeEmptyList().isList());
+}
+
+TEST_F(ExtraActions, AnythingElseIsAValueAndNoList) {
+  for (const char* json : {"null", "7", "{\"a\":[]}"}) {
     const auto actions = TamzoExtraActions::fromJson(json);
     EXPECT_FALSE(actions.isNil()) << json;
     EXPECT_FALSE(actions.isList()) << json;
-    EXPECT_EQ(actions.list(), nullptr) << json;
-    ASSERT_NE(actions.value(), nullptr) << json;
-    EXPECT_EQ(actions.value()->dump(), json);
+    EXPECT_EQ(actions.value().dump(), json);
   }
 }
 
-TEST(TamzoExtraActionsTest, WhatIsNoJsonIsNil) {
-  for (const char* text : {"", " ", "x", "[", "[1", "[1,]", "{\"a\"}", "'a'", "[1] x", "nul", "01",
-                           "[\"\xE4\"]", "[\"\xED\xA0\x80\"]", "// c\n1"}) {
-    const auto actions = TamzoExtraActions::fromJson(text);
-    EXPECT_TRUE(actions.isNil()) << text;
-    EXPECT_FALSE(actions.isList()) << text;
+TEST_F(ExtraActions, ANilValueInAListIsWrittenAsNull) {
+  auto actions = TamzoExtraActions::makeEmptyList();
+  actions.list()->emplace_back(JsonValue());
+  actions.list()->emplace_back(DDXMLElement());
+  EXPECT_EQ(written(actions), R"([null,{"icon":{"program":null,"xml":null}}])");
+}
+
+TEST_F(ExtraActions, AListOfMegabytesIsDecodedWhole) {
+  std::string json = "[0";
+  while (json.size() < 5'000'000) {
+    json += "," + std::to_string(json.size());
   }
-  EXPECT_TRUE(TamzoExtraActions::fromJson(Text()).isNil());
+  json += "]";
+  EXPECT_EQ(decoded(json), json);
 }
 
-TEST(TamzoExtraActionsTest, NestingIsBounded) {
-  EXPECT_TRUE(TamzoExtraActions::fromJson(nested(512)).isList());
-  EXPECT_TRUE(TamzoExtraActions::fromJson(nested(513)).isNil());
-  EXPECT_TRUE(TamzoExtraActions::fromJson(nested(500'000)).isNil());
-  EXPECT_TRUE(TamzoExtraActions::fromJson("\"" + std::string(600, '[') + "\"").value() != nullptr)
-      << "brackets in a string nest nothing";
-}
-
-TEST(TamzoExtraActionsTest, LengthIsBounded) {
-  constexpr std::size_t kMost = std::size_t{1} << 20U;
-  const std::string fits = "\"" + std::string(kMost - 2, 'x') + "\"";
-  EXPECT_FALSE(TamzoExtraActions::fromJson(fits).isNil());
-  EXPECT_TRUE(TamzoExtraActions::fromJson(fits + " ").isNil());
-}
-
-TEST(TamzoExtraActionsTest, CopiesSeeOneList) {
-  const auto actions = TamzoExtraActions::fromJson("[1]");
-  const TamzoExtraActions copy = actions;
-  const DDXMLElement icon = root("<Icon/>");
-  actions.list()->emplace_back(icon);
-  ASSERT_EQ(copy.list()->size(), 2U);
-  EXPECT_EQ(std::get<DDXMLElement>(copy.list()->back()), icon);
-  EXPECT_EQ(TamzoExtraActions::fromJson("[1]").list()->size(), 1U);
-}
-
-TEST(TamzoExtraActionsTest, AValueOutlivesItsActions) {
-  TamzoExtraActions::JsonValue value;
-  List<TamzoExtraActions::Entry> list;
-  {
-    value = TamzoExtraActions::fromJson(R"({"a": "a text that takes memory of its own"})").value();
-    list = TamzoExtraActions::fromJson(R"([["another text with memory of its own"]])").list();
+TEST_F(ExtraActions, AreDecodedOnceByWhicheverThreadAsksFirst) {
+  const auto actions = TamzoExtraActions::fromJson(R"([{"a":1}])");
+  std::array<const void*, 4> lists{};
+  std::vector<std::thread> threads;
+  for (const void*& list : lists) {
+    threads.emplace_back([&list, copy = actions] { list = copy.list().get(); });
   }
-  EXPECT_EQ(value->at("a"), "a text that takes memory of its own");
-  EXPECT_EQ(std::get<TamzoExtraActions::JsonValue>(list->at(0))->dump(),
-            R"(["another text with memory of its own"])");
-}
-
-TEST(TamzoExtraActionsTest, MayBeReadFirstBySeveralThreadsAtOnce) {
-  for (int round = 0; round < 50; ++round) {
-    const auto actions = TamzoExtraActions::fromJson("[1,2,3]");
-    std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-      threads.emplace_back(
-          [&actions, &wrong] { wrong += actions.isList() && actions.list()->size() == 3 ? 0 : 1; });
-    }
-    for (std::thread& thread : threads) {
-      thread.join();
-    }
-    EXPECT_EQ(wrong, 0);
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  for (const void* list : lists) {
+    EXPECT_EQ(list, actions.list().get());
   }
 }
 

@@ -18,11 +18,13 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <new>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "tamzo/base/JsonValue.h"
 #include "tamzo/net/TamzoUrlReader.h"
 #include "tamzo/sdk/TamzoLogger.h"
 #include "tamzo/sdk/TamzoMacroReplacementUtil.h"
@@ -295,6 +297,59 @@ TEST_P(AllocationFailure, OfCpp) { failEach(cpp, false); }
 TEST_P(AllocationFailure, OfCppForGood) { failEach(cpp, true); }
 TEST_P(AllocationFailure, OfLibxml2) { failEach(libxml, false); }
 TEST_P(AllocationFailure, OfLibxml2ForGood) { failEach(libxml, true); }
+
+// Decoding and writing JSON, outside of a parse, which would turn the exception into an error code.
+TEST(AllocationFailureOfJson, LeavesAsBadAlloc) {
+  std::string json = R"([{"a":1,"b":"a text longer than a value holds itself","a":"\u00e9"})";
+  for (int i = 0; i < 500; ++i) {
+    json += ",[" + std::to_string(i) + ",1.5,\"x\"]";
+  }
+  const Text text(json + "]");
+  const std::string whole = JsonValue::parse(text).dump();
+  const auto ad = TamzoVastAd::initWithVast(seed("response/everything-v4.xml"));
+  const std::string record = recordAsJson(*ad, JsonLayout::indented);
+  const auto work = [&] {
+    ad->setExtraActions(TamzoExtraActions::fromJson(text));
+    return ad->extraActions().isList() && JsonValue::parse(text).dump() == whole &&
+           recordAsJson(*ad, JsonLayout::indented).size() > record.size();
+  };
+  long failing = 1;
+  for (bool isDone = false; !isDone; ++failing) {
+    cpp = Injector();
+    cpp.failing = failing;
+    bool isThrown = false;
+    cpp.isArmed = true;
+    try {
+      isDone = work();
+    } catch (const std::bad_alloc&) {
+      isThrown = true;
+    }
+    cpp.isArmed = false;
+    ASSERT_EQ(isThrown, cpp.hasFailed) << "allocation " << failing << "\n" << stackOf(cpp);
+    ASSERT_TRUE(isDone || isThrown) << "allocation " << failing;
+  }
+  EXPECT_GT(failing, 30);
+}
+
+TEST(AllocationFailureOfJson, ATextIsDecodedByWhoeverAsksNext) {
+  const auto actions = TamzoExtraActions::fromJson(Text("[1]"));
+  cpp = Injector();
+  cpp.failing = 1;
+  cpp.isArmed = true;
+  EXPECT_THROW(actions.isNil(), std::bad_alloc);
+  cpp.isArmed = false;
+  EXPECT_TRUE(actions.isList());
+}
+
+TEST(AllocationFailureOfJson, NothingIsAllocatedToDestroyAValue) {
+  auto value =
+      std::make_unique<JsonValue>(JsonValue::parse(R"([[[{"a":[1,"a long text, not short"]}]]])"));
+  cpp = Injector();
+  cpp.isArmed = true;
+  value.reset();
+  cpp.isArmed = false;
+  EXPECT_EQ(cpp.count, 0);
+}
 
 std::string nameOf(const ::testing::TestParamInfo<Case>& info) { return info.param.name; }
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <memory>
-#include <nlohmann/json_fwd.hpp>
 #include <variant>
 
 #include "tamzo/base/Export.h"
+#include "tamzo/base/JsonValue.h"
 #include "tamzo/base/List.h"
 #include "tamzo/base/Text.h"
 #include "tamzo/xml/DDXMLElement.h"
@@ -16,7 +16,6 @@ namespace tamzo {
 /// handle: copies see the same list. Reading one from several threads is safe.
 class TAMZO_EXPORT TamzoExtraActions {
  public:
-  using JsonValue = std::shared_ptr<const nlohmann::json>;
   using Entry = std::variant<JsonValue, DDXMLElement>;
 
   /// Nil.
@@ -24,9 +23,9 @@ class TAMZO_EXPORT TamzoExtraActions {
 
   static TamzoExtraActions makeEmptyList();
 
-  /// What a JSON text holds, top-level scalars allowed. Nil when the text is malformed; nesting
-  /// deeper than 512 and more than a megabyte count as malformed. The text is decoded when it is
-  /// first asked for: a vendor block may overwrite it before.
+  /// What a JSON text holds, as JsonValue::parse reads it: nil when the text is malformed. The text
+  /// is decoded when it is first asked for: a vendor block may overwrite it before. Whichever
+  /// function asks first may throw std::bad_alloc; the next one tries again.
   static TamzoExtraActions fromJson(Text text);
 
   bool isNil() const;
@@ -34,7 +33,7 @@ class TAMZO_EXPORT TamzoExtraActions {
 
   /// The entries; null unless this is a list.
   const List<Entry>& list() const;
-  /// The decoded value; null unless this is JSON that is no list.
+  /// The decoded value; nil unless this is JSON that is no list.
   const JsonValue& value() const;
 
  private:

@@ -1,0 +1,92 @@
+// Reading JSON from front to back.
+
+#include "base/JsonReader.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace tamzo::testing {
+namespace {
+
+// Writes down what is read, each with what stands in the text for it.
+class Notes : public JsonHandler {
+ public:
+  bool scalar(std::string_view written) override { return note("scalar", "", written); }
+  bool string(std::string_view characters, std::string_view written) override {
+    return note("string", characters, written);
+  }
+  bool key(std::string_view characters) override { return note("key", characters, ""); }
+  bool begin(std::string_view written) override { return note("begin", "", written); }
+  bool end(std::string_view written, std::size_t count) override {
+    return note("end", std::to_string(count), written);
+  }
+
+  std::string text;
+  int left = 1000;
+
+ private:
+  bool note(std::string_view what, std::string_view characters, std::string_view written) {
+    for (const std::string_view part : {what, characters, written}) {
+      text += part.empty() ? "" : std::string(part) + " ";
+    }
+    text.back() = '\n';
+    return --left > 0;
+  }
+};
+
+TEST(JsonReader, TellsWhatStandsInTheTextInItsOrder) {
+  Notes notes;
+  EXPECT_EQ(readJson("\t{ \"a\\u0041\" : [ -1.50E+2 ,\"\\n\", true ] ,\"b\":{}}\r\n", notes),
+            JsonFault::none);
+  EXPECT_EQ(notes.text,
+            "begin {\nkey aA\nbegin [\nscalar -1.50E+2\nstring \n \"\\n\"\nscalar true\nend 3 ]\n"
+            "key b\nbegin {\nend 0 }\nend 2 }\n");
+}
+
+TEST(JsonReader, NumbersAreShownAsTheyAreWritten) {
+  for (const std::string& number :
+       {std::string("0"), std::string("-0"), std::string("0e999"), std::string("1E400"),
+        std::string(1000, '9'), std::string(400, '1') + "." + std::string(400, '2') + "e-3"}) {
+    Notes notes;
+    EXPECT_EQ(readJson(number, notes), JsonFault::none) << number;
+    EXPECT_EQ(notes.text, "scalar " + number + "\n");
+  }
+}
+
+TEST(JsonReader, SaysWhatIsWrong) {
+  const std::pair<std::string, JsonFault> rows[] = {
+      {"[1,]", JsonFault::malformed},
+      {"1.5.5", JsonFault::malformed},
+      {"[1.5.5]", JsonFault::malformed},
+      {"-", JsonFault::malformed},
+      {"", JsonFault::malformed},
+      {std::string("1\0", 2), JsonFault::malformed},
+      {"\"\xFF\"", JsonFault::notText},
+      {R"("\ud83d")", JsonFault::notText},
+      {R"("\ude00")", JsonFault::notText},
+      {R"({"\ude00":1})", JsonFault::notText},
+      {std::string(513, '['), JsonFault::tooDeep},
+      {std::string(512, '['), JsonFault::malformed},
+  };
+  for (const auto& [text, fault] : rows) {
+    Notes notes;
+    EXPECT_EQ(readJson(text, notes), fault) << text;
+  }
+}
+
+TEST(JsonReader, EndsWhereItsHandlerDoes) {
+  Notes notes;
+  notes.left = 2;
+  EXPECT_EQ(readJson("[1,2,3", notes), JsonFault::stopped);
+  EXPECT_EQ(notes.text, "begin [\nscalar 1\n");
+
+  struct Thrower : Notes {
+    bool key(std::string_view) override { throw std::runtime_error("enough"); }
+  } thrower;
+  EXPECT_THROW(readJson(R"({"a":1})", thrower), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace tamzo::testing
