@@ -13,6 +13,7 @@ struct _xmlNode;
 
 namespace tamzo {
 
+class DocumentBuilder;
 class NodeList;
 class XmlTree;
 
@@ -53,10 +54,6 @@ class TAMZO_EXPORT DDXMLElement {
   /// written as references.
   Text XMLString() const;
 
-  /// As XMLString, but able to stand alone: every namespace prefix in it is declared, and what an
-  /// entity reference stands for is written in its place.
-  Text XMLStringStandingAlone() const;
-
   /// The nodes that an XPath 1.0 expression finds from this node, in document order: an empty list
   /// when it finds none, a nil list when the expression is malformed or gives no nodes (a number,
   /// say); `error` then says why. A path of plain names finds elements in no namespace.
@@ -79,6 +76,7 @@ class TAMZO_EXPORT DDXMLElement {
  private:
   friend class NodeList;
   friend class DDXMLDocument;
+  friend class DocumentBuilder;
 
   DDXMLElement(_xmlNode* node, std::shared_ptr<const XmlTree> tree) noexcept
       : node_(node), tree_(std::move(tree)) {}
