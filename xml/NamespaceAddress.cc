@@ -103,7 +103,7 @@ std::string addressOf(const xmlNs& ns, const xmlDoc* doc) {
 }
 
 std::string acceptableAddress(std::string_view address) {
-  const std::string text(address);
+  std::string text(address);
   if (!isReserved(text) && isUri(text)) {
     return text;
   }
