@@ -33,7 +33,6 @@ void read(const DDXMLElement& node) {
   require(static_cast<bool>(node), "a query found nil");
   require(!node.stringValue().isNil(), "a node without a text");
   require(!node.XMLString().isNil(), "a node that cannot be written");
-  static_cast<void>(node.XMLStringStandingAlone());
   static_cast<void>(node.name());
   require(node.attributeForName("id").stringValue() == node.attributeValue("id"),
           "two ways to one attribute differ");

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "sdk/InlineVastWriter.h"
+#include "sdk/InlineVastMerge.h"
 
 namespace tamzo {
 
@@ -24,7 +24,7 @@ Text TamzoVpaidXML::createInlineVast(const NodeList& inlines, const Text& withAd
   std::reverse(chain.begin(), chain.end());
   const DDXMLElement inlineAd = inlines.empty() ? DDXMLElement() : inlines.at(0);
   const Text version = vastVersion_.hasCharacters() ? vastVersion_ : Text::literal("2.0");
-  return Text(writeInlineVast(chain, inlineAd, version, withAdId));
+  return Text(mergeInlineVast(chain, inlineAd, version, withAdId));
 }
 
 }  // namespace tamzo

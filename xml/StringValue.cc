@@ -60,6 +60,12 @@ std::string entityTextOf(const xmlNode* reference) {
   return text;
 }
 
+std::string textOf(const xmlNode* node) {
+  std::string all;
+  appendDescendants(all, node, 0);
+  return all;
+}
+
 Text stringValueOf(const xmlNode* node, const std::shared_ptr<const XmlTree>& tree) {
   switch (node->type) {
     case XML_TEXT_NODE:
@@ -81,9 +87,7 @@ Text stringValueOf(const xmlNode* node, const std::shared_ptr<const XmlTree>& tr
   if (child->next == nullptr && isCharacterData(child)) {
     return shareContent(child, tree);
   }
-  std::string all;
-  appendDescendants(all, node, 0);
-  return Text(std::move(all));
+  return Text(textOf(node));
 }
 
 }  // namespace tamzo

@@ -281,6 +281,29 @@ void watch(xmlParserCtxt* parser, Guard& guard) noexcept {
   sax.unparsedEntityDecl = onUnparsedEntityDecl;
 }
 
+// Much that fails for want of memory is reported to nobody in particular, and the report would be
+// gone with the next one: on this thread they all come here meanwhile.
+class MemoryWatch {
+ public:
+  explicit MemoryWatch(Guard& guard) noexcept
+      : handler_(xmlStructuredError), context_(xmlStructuredErrorContext) {
+    xmlSetStructuredErrorFunc(&guard, onReport);
+  }
+  ~MemoryWatch() { xmlSetStructuredErrorFunc(context_, handler_); }
+  MemoryWatch(const MemoryWatch&) = delete;
+  MemoryWatch& operator=(const MemoryWatch&) = delete;
+
+ private:
+  static void onReport(void* guard, xmlError* error) noexcept {
+    if (error->code == XML_ERR_NO_MEMORY) {
+      static_cast<Guard*>(guard)->setRanOutOfMemory();
+    }
+  }
+
+  xmlStructuredErrorFunc handler_;
+  void* context_;
+};
+
 struct FreeParser {
   void operator()(xmlParserCtxt* parser) const noexcept { xmlFreeParserCtxt(parser); }
 };
@@ -342,7 +365,6 @@ std::shared_ptr<const XmlTree> parseXml(const Text& given, XmlError* error) {
   const std::string copy(given.isTerminated() ? std::string_view() : text);
   initLibraryOnce();
   const QuietLibrary quiet;
-  xmlResetLastError();
 
   const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlNewParserCtxt());
   if (parser == nullptr) {
@@ -352,12 +374,14 @@ std::shared_ptr<const XmlTree> parseXml(const Text& given, XmlError* error) {
   Guard guard(parser.get());
   watch(parser.get(), guard);
   xmlCtxtUseOptions(parser.get(), kOptions);
-  xmlParseDocument(parser.get());
+  {
+    const MemoryWatch reports(guard);
+    xmlParseDocument(parser.get());
+  }
   std::unique_ptr<xmlDoc, FreeDoc> doc(parser->myDoc);
   parser->myDoc = nullptr;
 
-  const xmlError* last = xmlGetLastError();
-  if (guard.ranOutOfMemory() || (last != nullptr && last->code == XML_ERR_NO_MEMORY)) {
+  if (guard.ranOutOfMemory()) {
     throw std::bad_alloc();
   }
   if (doc == nullptr || parser->wellFormed == 0 || guard.stopped()) {

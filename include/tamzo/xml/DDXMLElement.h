@@ -15,6 +15,7 @@ struct _xmlNode;
 
 namespace tamzo {
 
+class DocumentBuilder;
 class NodeList;
 class XmlTree;
 
@@ -55,10 +56,6 @@ class TAMZO_EXPORT DDXMLElement {
   /// written as references.
   Text XMLString() const;
 
-  /// As XMLString, but able to stand alone: every namespace prefix in it is declared, and what an
-  /// entity reference stands for is written in its place.
-  Text XMLStringStandingAlone() const;
-
   /// The nodes that an XPath 1.0 expression finds from this node, in document order: an empty list
   /// when it finds none, a nil list when the expression is malformed or gives no nodes (a number,
   /// say); `error` then says why. A path of plain names finds elements in no namespace.
@@ -86,6 +83,7 @@ class TAMZO_EXPORT DDXMLElement {
  private:
   friend class NodeList;
   friend class DDXMLDocument;
+  friend class DocumentBuilder;
 
   DDXMLElement(_xmlNode* node, std::shared_ptr<const XmlTree> tree) noexcept
       : node_(node), tree_(std::move(tree)) {}
