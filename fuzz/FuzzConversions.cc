@@ -1,5 +1,5 @@
-// Number and time texts against versions that are slow and obvious. The input is a text, and after a
-// line feed another, which is the duration that a percentage is taken of.
+// Number and time texts against versions that are slow and obvious. The input is a text, and after
+// a line feed another, which is the duration that a percentage is taken of.
 
 #include <algorithm>
 #include <bit>
