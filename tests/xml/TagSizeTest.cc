@@ -64,9 +64,11 @@ TEST(TagSizeTest, ASmallTagMayHaveMore) {
 }
 
 TEST(TagSizeTest, ReadsATextOnce) {
-  const std::string block(4096, '=');
-  for (const std::string& piece :
-       {"<" + block, "<a" + attributes(kMost) + ">" + block, "<!--" + block + "-->", block}) {
+  // Long enough for each to hold a whole block without "<", which is looked at more closely.
+  const std::string signs(9000, '=');
+  const std::string letters(9000, 'x');
+  for (const std::string& piece : {"<" + signs, "<a" + attributes(kMost) + ">" + signs,
+                                   "<!--" + signs + "-->", signs, "<a>" + letters}) {
     EXPECT_TRUE(growsLinearly(40, [&piece](std::size_t size) {
       const std::string text = "<r>" + repeat(piece, static_cast<int>(size));
       return [text] { static_cast<void>(hasOversizedTag(text)); };
