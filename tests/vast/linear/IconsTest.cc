@@ -95,7 +95,7 @@ TEST_F(IconsTest, JsonAmongTheActionsStaysWhereItIs) {
   ad_->updateIcons(linearWith("<Icon program='p'/><Icon program='q'/><Icon program='p' id='2'/>"));
   const auto& actions = *ad_->extraActions().list();
   ASSERT_EQ(actions.size(), 4U);
-  EXPECT_EQ(std::get<TamzoExtraActions::JsonValue>(actions[0])->dump(), R"({"program":"p"})");
+  EXPECT_EQ(std::get<JsonValue>(actions[0]).dump(), R"({"program":"p"})");
   EXPECT_EQ(std::get<DDXMLElement>(actions[2]).attributeValue("id"), Text("2"));
   EXPECT_EQ(std::get<DDXMLElement>(actions[3]).attributeValue("program"), Text("q"));
 }
@@ -105,7 +105,7 @@ TEST_F(IconsTest, ThereIsNoPlaceForOneWhereExtraActionsAreASingleValue) {
   ad_->updateIcons(linearWith("<Icon program='p'/>"));
   ad_->checkProgramExist("p", rootOf("<Icon program='p'/>").at(0));
   EXPECT_FALSE(ad_->extraActions().isList());
-  EXPECT_EQ(ad_->extraActions().value()->dump(), "{}");
+  EXPECT_EQ(ad_->extraActions().value().dump(), "{}");
 }
 
 TEST_F(IconsTest, ElementsAreKeptThemselvesAndOutliveTheirDocument) {
