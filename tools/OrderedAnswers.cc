@@ -13,6 +13,17 @@
 #include <utility>
 #include <vector>
 
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+// TBB's library is compiled without the sanitizer, so that what its headers store in one thread and
+// load in another looks like a race: of these alone, no report. What this project's code does in a
+// filter has frames of its own above TBB's.
+extern "C" const char* __tsan_default_suppressions() {
+  return "race_top:^tbb::detail::d1::concrete_filter<\n";
+}
+#endif
+#endif
+
 namespace tamzo::command {
 namespace {
 

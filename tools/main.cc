@@ -4,6 +4,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "tamzo/base/Version.h"
 #include "tools/Arguments.h"
@@ -16,13 +17,17 @@
 namespace tamzo::command {
 namespace {
 
-// Says what CLI11 found no place for. A command takes any number of inputs, so that a word that is
-// left over stands where a command does.
-[[noreturn]] void refuse(const std::string& unexpected) {
-  if (unexpected.starts_with('-')) {
-    throw CommandError("unknown option " + unexpected + " (see tamzo-vast --help)");
+// What CLI11 found no place for comes before what it says of the rest. A command takes any number
+// of inputs, so that a word that is left over stands where a command does.
+void refuseUnexpected(const std::vector<std::string>& unexpected) {
+  for (const std::string& argument : unexpected) {
+    if (!argument.starts_with('-')) {
+      throw CommandError("there is no command \"" + argument + "\"; take parse, page or batch");
+    }
+    if (argument != "--") {
+      throw CommandError("unknown option " + argument + " (see tamzo-vast --help)");
+    }
   }
-  throw CommandError("there is no command \"" + unexpected + "\"; take parse, page or batch");
 }
 
 // The commands run from here.
@@ -31,15 +36,8 @@ void readArguments(CLI::App& app, int argc, char** argv) {
     app.parse(argumentsOf(argc, argv));
   } catch (const CLI::Success&) {
     throw;
-  } catch (const CLI::ValidationError& error) {
-    throw CommandError(error.what());
   } catch (const CLI::ParseError& error) {
-    const bool isOfPlace = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr ||
-                           dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
-    const auto unexpected = app.remaining(/*recurse=*/true);
-    if (isOfPlace && !unexpected.empty()) {
-      refuse(unexpected.front());
-    }
+    refuseUnexpected(app.remaining(/*recurse=*/true));
     throw CommandError(std::string(error.what()) + " (see tamzo-vast --help)");
   }
 }
