@@ -5,24 +5,21 @@
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
-#include <cstdio>
 #include <deque>
 #include <exception>
 #include <filesystem>
-#include <fstream>
-#include <functional>
-#include <iostream>
 #include <map>
-#include <mutex>
+#include <new>
 #include <optional>
-#include <thread>
+#include <string_view>
 #include <utility>
 
 #include "tamzo/vast/ErrorCodes.h"
 #include "tools/BatchLine.h"
 #include "tools/CommandError.h"
 #include "tools/Input.h"
+#include "tools/LineReader.h"
+#include "tools/OrderedAnswers.h"
 #include "tools/Output.h"
 
 namespace tamzo::command {
@@ -39,10 +36,6 @@ BatchAnswer answerFile(const std::string& path) {
     return refuse(id, error.what());
   }
 }
-
-/// Gives out one piece of work after another, and nothing at the end.
-using Work = std::function<BatchAnswer()>;
-using Source = std::function<std::optional<Work>()>;
 
 std::vector<std::string> filesOf(const std::string& path) {
   namespace fs = std::filesystem;
@@ -64,170 +57,100 @@ std::vector<std::string> filesOf(const std::string& path) {
   return files;
 }
 
-// A folder that cannot be listed is answered in its place, as a file that cannot be read is.
-Source sourceOfPaths(const std::vector<std::string>& paths, std::size_t& total) {
-  auto work = std::make_shared<std::deque<Work>>();
-  for (const std::string& path : paths) {
-    try {
-      for (const std::string& file : filesOf(path)) {
-        work->push_back([file] { return answerFile(file); });
+// Work that fails has its answer too.
+BatchAnswer answerOf(const Work& work) {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    return refuse(kNoId, "out of memory");
+  } catch (const std::exception& error) {
+    return refuse(kNoId, error.what());
+  }
+}
+
+/// The files that the paths name. A folder that cannot be listed is answered in its place, as a
+/// file that cannot be read is.
+class PathSource : public WorkSource {
+ public:
+  explicit PathSource(const std::vector<std::string>& paths) {
+    for (const std::string& path : paths) {
+      try {
+        for (const std::string& file : filesOf(path)) {
+          work_.emplace_back([file] { return answerOf([&file] { return answerFile(file); }); });
+        }
+      } catch (const CommandError& error) {
+        work_.emplace_back(
+            [path, why = std::string(error.what())] { return refuse(idOf(path), why); });
       }
-    } catch (const CommandError& error) {
-      work->push_back([path, why = std::string(error.what())] { return refuse(idOf(path), why); });
     }
   }
-  total = work->size();
-  return [work]() -> std::optional<Work> {
-    if (work->empty()) {
+
+  std::size_t left() const { return work_.size(); }
+
+  std::optional<Work> next() override {
+    if (work_.empty()) {
       return std::nullopt;
     }
-    Work next = std::move(work->front());
-    work->pop_front();
+    Work next = std::move(work_.front());
+    work_.pop_front();
     return next;
-  };
-}
+  }
+
+ private:
+  std::deque<Work> work_;
+};
 
 bool isBlank(std::string_view line) {
   return line.find_first_not_of(" \t\r\n\v\f") == std::string_view::npos;
 }
 
-Source sourceOfLines() {
-  std::ios::sync_with_stdio(false);
-  auto number = std::make_shared<std::size_t>(0);
-  std::optional<Work> failure = Work([] { return refuse(kNoId, "standard input cannot be read"); });
-  return [number, failure]() mutable -> std::optional<Work> {
-    std::string line;
-    while (std::getline(std::cin, line)) {
-      if (++*number == 1) {
-        line = withoutByteOrderMark(std::move(line));
+BatchAnswer numbered(std::size_t line, BatchAnswer answer) {
+  if (!answer.problem.empty()) {
+    answer.problem = fmt::format("line {}: {}", line, answer.problem);
+  }
+  return answer;
+}
+
+/// The lines of standard input. One that memory does not hold is answered in its place, and so is
+/// an error that ends them.
+class LineSource : public WorkSource {
+ public:
+  std::optional<Work> next() override {
+    try {
+      return nextLine();
+    } catch (const std::bad_alloc&) {
+      return [at = number_] { return numbered(at, refuse(kNoId, "out of memory")); };
+    } catch (const CommandError&) {
+      isAtEnd_ = true;
+      return [] { return refuse(kNoId, "standard input cannot be read"); };
+    }
+  }
+
+  void stop() noexcept override { lines_.stop(); }
+
+ private:
+  std::optional<Work> nextLine() {
+    while (!isAtEnd_) {
+      ++number_;
+      std::optional<std::string> line = lines_.next();
+      if (!line) {
+        break;
       }
-      if (!isBlank(line)) {
-        return [line = std::move(line), at = *number] {
-          BatchAnswer answer = answerBatchLine(line);
-          if (!answer.problem.empty()) {
-            answer.problem = fmt::format("line {}: {}", at, answer.problem);
-          }
-          return answer;
+      if (number_ == 1) {
+        line = withoutByteOrderMark(std::move(*line));
+      }
+      if (!isBlank(*line)) {
+        return [line = std::move(*line), at = number_] {
+          return numbered(at, answerOf([&line] { return answerBatchLine(line); }));
         };
       }
     }
-    // A read error ends the stream as its end does, but is no end to keep quiet about.
-    return std::cin.bad() ? std::exchange(failure, std::nullopt) : std::nullopt;
-  };
-}
-
-/// Works on several threads and gives the answers out in the order of the input. At most a few
-/// pieces a thread are under way at once, so a long stream takes no more memory than a short one.
-class OrderedWork {
- public:
-  OrderedWork(Source source, unsigned threads)
-      : source_(std::move(source)), window_(std::size_t{threads} * 4) {
-    reader_ = std::thread([this] { read(); });
-    for (unsigned i = 0; i < threads; ++i) {
-      workers_.emplace_back([this] { work(); });
-    }
+    return std::nullopt;
   }
 
-  OrderedWork(const OrderedWork&) = delete;
-  OrderedWork& operator=(const OrderedWork&) = delete;
-
-  ~OrderedWork() {
-    {
-      const std::lock_guard lock(mutex_);
-      isStopped_ = true;
-    }
-    changed_.notify_all();
-    reader_.join();
-    for (std::thread& worker : workers_) {
-      worker.join();
-    }
-  }
-
-  /// The next answer in order; nothing at the end.
-  std::optional<BatchAnswer> next() {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] {
-      return (!jobs_.empty() && jobs_.front()->answer) || (jobs_.empty() && isRead_);
-    });
-    if (jobs_.empty()) {
-      return std::nullopt;
-    }
-    BatchAnswer answer = std::move(*jobs_.front()->answer);
-    jobs_.pop_front();
-    lock.unlock();
-    changed_.notify_all();
-    return answer;
-  }
-
- private:
-  struct Job {
-    Work work;
-    std::optional<BatchAnswer> answer;
-    bool isTaken = false;
-  };
-
-  void read() {
-    for (;;) {
-      std::optional<Work> work = source_();
-      std::unique_lock lock(mutex_);
-      changed_.wait(lock, [this] { return isStopped_ || jobs_.size() < window_; });
-      if (isStopped_ || !work) {
-        isRead_ = true;
-        lock.unlock();
-        changed_.notify_all();
-        return;
-      }
-      jobs_.push_back(std::make_shared<Job>(Job{std::move(*work), std::nullopt, false}));
-      lock.unlock();
-      changed_.notify_all();
-    }
-  }
-
-  std::shared_ptr<Job> untaken() const {
-    const auto found =
-        std::find_if(jobs_.begin(), jobs_.end(), [](const auto& job) { return !job->isTaken; });
-    return found == jobs_.end() ? nullptr : *found;
-  }
-
-  void work() {
-    for (;;) {
-      std::unique_lock lock(mutex_);
-      std::shared_ptr<Job> job;
-      changed_.wait(lock, [this, &job] {
-        job = untaken();
-        return isStopped_ || job != nullptr || isRead_;
-      });
-      if (isStopped_ || job == nullptr) {
-        return;
-      }
-      job->isTaken = true;
-      const Work task = std::move(job->work);
-      lock.unlock();
-      BatchAnswer answer = answerOf(task);
-      lock.lock();
-      job->answer = std::move(answer);
-      lock.unlock();
-      changed_.notify_all();
-    }
-  }
-
-  static BatchAnswer answerOf(const Work& task) {
-    try {
-      return task();
-    } catch (const std::exception& error) {
-      return refuse(kNoId, error.what());
-    }
-  }
-
-  Source source_;
-  std::size_t window_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::deque<std::shared_ptr<Job>> jobs_;
-  bool isRead_ = false;
-  bool isStopped_ = false;
-  std::thread reader_;
-  std::vector<std::thread> workers_;
+  LineReader lines_{STDIN_FILENO};
+  std::size_t number_ = 0;
+  bool isAtEnd_ = false;
 };
 
 /// A bar on standard error, for a person who waits.
@@ -247,8 +170,7 @@ class Progress {
   /// Makes room for a line of text, or for the end.
   void clear() const {
     if (isShown_) {
-      fmt::print(stderr, "\r\x1b[K");
-      std::fflush(stderr);
+      writeToStandardError("\r\x1b[K");
     }
   }
 
@@ -263,12 +185,12 @@ class Progress {
     }
     drawn_ = Clock::now();
     if (total_ == 0) {
-      fmt::print(stderr, "\r{} responses", done_);
+      writeToStandardError(fmt::format("\r{} responses", done_));
     } else {
       const std::size_t filled = done_ * kWidth / total_;
-      fmt::print(stderr, "\r[{:<{}}] {}/{}", std::string(filled, '#'), kWidth, done_, total_);
+      writeToStandardError(
+          fmt::format("\r[{:<{}}] {}/{}", std::string(filled, '#'), kWidth, done_, total_));
     }
-    std::fflush(stderr);
   }
 
   std::size_t total_;
@@ -277,50 +199,75 @@ class Progress {
   Clock::time_point drawn_;
 };
 
-void printTable(const std::map<int, std::size_t>& counts, std::size_t unreadable) {
-  fmt::print(stderr, "{:>9}  {:>5}  {}\n", "responses", "error", "meaning");
+std::string tableOf(const std::map<int, std::size_t>& counts, std::size_t unreadable) {
+  std::string table = fmt::format("{:>9}  {:>5}  {}\n", "responses", "error", "meaning");
   for (const auto& [code, count] : counts) {
     const VastError* error = findVastError(code);
-    fmt::print(stderr, "{:>9}  {:>5}  {}\n", count, code, error == nullptr ? "" : error->name);
+    table += fmt::format("{:>9}  {:>5}  {}\n", count, code, error == nullptr ? "" : error->name);
   }
   if (unreadable > 0) {
-    fmt::print(stderr, "{:>9}  {:>5}  {}\n", unreadable, "-", "could not be read");
+    table += fmt::format("{:>9}  {:>5}  {}\n", unreadable, "-", "could not be read");
   }
+  return table;
+}
+
+/// Where the answers go, and what is counted of them.
+class BatchReport {
+ public:
+  BatchReport(const std::string& outputPath, std::size_t total)
+      : output_(outputPath), progress_(total) {}
+
+  void add(BatchAnswer answer) {
+    answer.line += '\n';
+    output_.write(answer.line);
+    if (answer.problem.empty()) {
+      ++counts_[answer.errorCode];
+    } else {
+      ++unreadable_;
+      progress_.clear();
+      complain(answer.problem);
+    }
+    progress_.step();
+  }
+
+  void finish() {
+    output_.finish();
+    progress_.clear();
+    writeToStandardError(tableOf(counts_, unreadable_));
+  }
+
+  int status() const {
+    if (unreadable_ > 0) {
+      return kWrongUsage;
+    }
+    const bool allGood = counts_.empty() || (counts_.size() == 1 && counts_.contains(kNoError));
+    return allGood ? kAllPlayable : kSomeFailed;
+  }
+
+ private:
+  Output output_;
+  Progress progress_;
+  std::map<int, std::size_t> counts_;
+  std::size_t unreadable_ = 0;
+};
+
+int report(WorkSource& source, std::size_t total, unsigned threads, const std::string& outputPath) {
+  BatchReport report(outputPath, total);
+  answerInOrder(source, threads, [&report](BatchAnswer answer) { report.add(std::move(answer)); });
+  report.finish();
+  return report.status();
 }
 
 }  // namespace
 
 int runBatch(const std::vector<std::string>& paths, unsigned threads,
              const std::string& outputPath) {
-  std::size_t total = 0;
-  Source source = paths.empty() ? sourceOfLines() : sourceOfPaths(paths, total);
-  Output output(outputPath);
-  Progress progress(total);
-  std::map<int, std::size_t> counts;
-  std::size_t unreadable = 0;
-  {
-    OrderedWork work(std::move(source), threads);
-    while (std::optional<BatchAnswer> answer = work.next()) {
-      answer->line += '\n';
-      output.write(answer->line);
-      if (answer->problem.empty()) {
-        ++counts[answer->errorCode];
-      } else {
-        ++unreadable;
-        progress.clear();
-        complain(answer->problem);
-      }
-      progress.step();
-    }
+  if (paths.empty()) {
+    LineSource lines;
+    return report(lines, 0, threads, outputPath);
   }
-  output.finish();
-  progress.clear();
-  printTable(counts, unreadable);
-  if (unreadable > 0) {
-    return kWrongUsage;
-  }
-  const bool allGood = counts.empty() || (counts.size() == 1 && counts.contains(kNoError));
-  return allGood ? kAllPlayable : kSomeFailed;
+  PathSource files(paths);
+  return report(files, files.left(), threads, outputPath);
 }
 
 }  // namespace tamzo::command

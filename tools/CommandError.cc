@@ -24,9 +24,15 @@ std::string printable(std::string_view text) {
   return out;
 }
 
-void complain(std::string_view message) {
-  const std::string line = "tamzo-vast: " + printable(message) + "\n";
-  std::fwrite(line.data(), 1, line.size(), stderr);
+void writeToStandardError(std::string_view text) noexcept {
+  std::fwrite(text.data(), 1, text.size(), stderr);
+  std::fflush(stderr);
 }
+
+void complain(std::string_view message) {
+  writeToStandardError("tamzo-vast: " + printable(message) + "\n");
+}
+
+void complainOfMemory() noexcept { writeToStandardError("tamzo-vast: out of memory\n"); }
 
 }  // namespace tamzo::command

@@ -21,7 +21,13 @@ class CommandError : public std::runtime_error {
 /// "\u001b"; a line break is written so too.
 std::string printable(std::string_view text);
 
+/// Writes to standard error. Nobody may be there to read it, which is no failure.
+void writeToStandardError(std::string_view text) noexcept;
+
 /// Writes "tamzo-vast: <message>" as one line on standard error.
 void complain(std::string_view message);
+
+/// Says that memory has run out, and takes none for it.
+void complainOfMemory() noexcept;
 
 }  // namespace tamzo::command

@@ -11,18 +11,18 @@ class CommonOptions {
  public:
   void addTo(CLI::App& command);
 
-  /// Sets the SDK's state, log and fetch limits from them. Throws CommandError for a bad value.
+  /// Sets the SDK's state, log and fetch limits from them.
   void apply() const;
 
   /// "" for standard output.
-  std::string outputPath() const { return outputPath_.value_or(""); }
+  const std::string& outputPath() const { return outputPath_; }
 
  private:
-  std::optional<std::string> outputPath_;
+  std::string outputPath_;
   std::optional<std::string> blockedCategories_;
   std::optional<std::string> sessionId_;
   std::optional<std::string> timeout_;
-  std::optional<std::string> maxBody_;
+  std::optional<std::size_t> maxBody_;
   bool debug_ = false;
 };
 

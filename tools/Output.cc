@@ -1,24 +1,54 @@
 #include "tools/Output.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "tools/CommandError.h"
+#include "tools/Process.h"
 
 namespace tamzo::command {
+namespace {
+
+// Whoever has the other end may have made it one that does not wait.
+bool isPassing(int descriptor) {
+  if (errno == EAGAIN) {
+    pollfd writable{descriptor, POLLOUT, 0};
+    poll(&writable, 1, -1);
+    return true;
+  }
+  return errno == EINTR;
+}
+
+}  // namespace
+
+Output::~Output() {
+  if (file_ != kNotOpen) {
+    close(file_);
+  }
+}
 
 void Output::write(std::string_view text) {
-  std::FILE* out = stream();
-  if (std::fwrite(text.data(), 1, text.size(), out) != text.size()) {
-    fail();
+  const int to = descriptor();
+  const WholeWrite whole;
+  while (!text.empty()) {
+    const ssize_t written = ::write(to, text.data(), text.size());
+    if (written >= 0) {
+      text.remove_prefix(static_cast<std::size_t>(written));
+    } else if (!isPassing(to)) {
+      fail();
+    }
   }
 }
 
 void Output::finish() {
-  if (std::fflush(stream()) != 0) {
+  descriptor();
+  if (file_ != kNotOpen && close(std::exchange(file_, kNotOpen)) != 0) {
     fail();
   }
 }
@@ -27,21 +57,25 @@ bool Output::takesColours() const {
   return path_.empty() && std::getenv("NO_COLOR") == nullptr && isatty(STDOUT_FILENO) == 1;
 }
 
-std::FILE* Output::stream() {
+int Output::descriptor() {
   if (path_.empty()) {
-    return stdout;
+    return STDOUT_FILENO;
   }
-  if (file_ == nullptr) {
-    file_.reset(std::fopen(path_.c_str(), "wb"));
-    if (file_ == nullptr) {
+  if (file_ == kNotOpen) {
+    file_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (file_ == kNotOpen) {
       fail();
     }
   }
-  return file_.get();
+  return file_;
 }
 
 void Output::fail() const {
-  throw CommandError((path_.empty() ? "standard output" : path_) + ": " + std::strerror(errno));
+  const int error = errno;
+  if (error == EPIPE && path_.empty()) {
+    endByBrokenPipe();
+  }
+  throw CommandError((path_.empty() ? "standard output" : path_) + ": " + std::strerror(error));
 }
 
 }  // namespace tamzo::command

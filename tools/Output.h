@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -13,24 +11,26 @@ namespace tamzo::command {
 class Output {
  public:
   explicit Output(std::string path) : path_(std::move(path)) {}
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+  ~Output();
 
+  /// Hands the text to the system before it returns, all of it where a signal ends the program.
   void write(std::string_view text);
-  /// Hands all that was written to the system.
+  /// What was written is complete, be it nothing.
   void finish();
 
   /// True when a person watches, and has not asked for plain text (NO_COLOR).
   bool takesColours() const;
 
  private:
-  struct CloseFile {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-  };
+  static constexpr int kNotOpen = -1;
 
-  std::FILE* stream();
+  int descriptor();
   [[noreturn]] void fail() const;
 
   std::string path_;
-  std::unique_ptr<std::FILE, CloseFile> file_;
+  int file_ = kNotOpen;
 };
 
 }  // namespace tamzo::command

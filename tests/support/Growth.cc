@@ -7,8 +7,8 @@
 namespace tamzo::testing {
 namespace {
 
-constexpr std::size_t kFactor = 8;
-constexpr double kMostGrowth = 3.0 * kFactor;
+constexpr std::size_t kFactor = 16;
+constexpr double kMostGrowth = 6.0 * kFactor;
 constexpr int kTries = 8;
 
 double secondsOf(const std::function<void()>& work) {
@@ -28,7 +28,7 @@ double threadSeconds() {
 bool growsLinearly(std::size_t size,
                    const std::function<std::function<void()>(std::size_t)>& prepare) {
   const std::function<void()> once = prepare(size);
-  const std::function<void()> eightfold = prepare(size * kFactor);
+  const std::function<void()> sixteenfold = prepare(size * kFactor);
   double little = std::numeric_limits<double>::infinity();
   double much = std::numeric_limits<double>::infinity();
   for (int i = 0; i < kTries; ++i) {
@@ -37,7 +37,7 @@ bool growsLinearly(std::size_t size,
     for (int j = 0; j < 3; ++j) {
       little = std::min(little, secondsOf(once));
     }
-    much = std::min(much, secondsOf(eightfold));
+    much = std::min(much, secondsOf(sixteenfold));
     if (much < kMostGrowth * little) {
       return true;
     }

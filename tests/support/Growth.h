@@ -5,10 +5,10 @@
 
 namespace tamzo::testing {
 
-/// True when eight times as much work takes about eight times as long, as it does where nothing is
+/// True when sixteen times as much work takes about sixteen times as long, as it does where nothing is
 /// quadratic. `prepare(size)` returns the work to be timed for an input of that size.
 ///
-/// Counts the processor time of this thread alone, the best of several tries, and allows for three
+/// Counts the processor time of this thread alone, the best of several tries, and allows for six
 /// times what is expected: neither a busy machine nor a sanitizer makes it fail, while time that
 /// grows with the square passes the bound nearly three times over.
 bool growsLinearly(std::size_t size,

@@ -1,0 +1,155 @@
+#include "tests/support/RunningCommand.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+namespace tamzo::testing {
+namespace {
+
+constexpr int kGoodTime = 30'000;
+
+struct Ends {
+  int ours = -1;
+  int theirs = -1;
+};
+
+// A pipe, or a file that is theirs alone.
+Ends open(const std::string& file, int flags) {
+  if (!file.empty()) {
+    return {-1, ::open(file.c_str(), flags | O_CLOEXEC, 0600)};
+  }
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+    throw std::runtime_error("no pipe");
+  }
+  return flags == O_RDONLY ? Ends{ends[1], ends[0]} : Ends{ends[0], ends[1]};
+}
+
+void closeIfOpen(int& descriptor) {
+  if (descriptor != -1) {
+    close(std::exchange(descriptor, -1));
+  }
+}
+
+int statusOf(int waited) {
+  return WIFEXITED(waited) ? WEXITSTATUS(waited) : 128 + WTERMSIG(waited);
+}
+
+}  // namespace
+
+RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const Streams& streams) {
+  std::signal(SIGPIPE, SIG_IGN);  // a command that has ended reads nothing, which tests look into
+  Ends in = open(streams.inputFile, O_RDONLY);
+  Ends out = open(streams.outputFile, O_WRONLY | O_CREAT | O_TRUNC);
+  Ends error = open(streams.errorFile, O_WRONLY | O_CREAT | O_TRUNC);
+  std::vector<char*> pointers{const_cast<char*>(TAMZO_COMMAND)};
+  for (const std::string& argument : arguments) {
+    pointers.push_back(const_cast<char*>(argument.c_str()));
+  }
+  pointers.push_back(nullptr);
+  child_ = fork();
+  if (child_ == 0) {
+    dup2(in.theirs, STDIN_FILENO);
+    dup2(out.theirs, STDOUT_FILENO);
+    dup2(error.theirs, STDERR_FILENO);
+    std::signal(SIGPIPE, SIG_DFL);
+    streams.inChild();
+    execv(TAMZO_COMMAND, pointers.data());
+    _exit(127);
+  }
+  for (int theirs : {in.theirs, out.theirs, error.theirs}) {
+    closeIfOpen(theirs);
+  }
+  closeIfOpen(error.ours);
+  input_ = in.ours;
+  output_ = out.ours;
+}
+
+RunningCommand::~RunningCommand() {
+  closeInput();
+  closeOutput();
+  if (child_ != -1) {
+    kill(child_, SIGKILL);
+    waitpid(child_, nullptr, 0);
+  }
+}
+
+void RunningCommand::write(const std::string& text) {
+  for (std::size_t at = 0; at < text.size();) {
+    const ssize_t written = ::write(input_, text.data() + at, text.size() - at);
+    if (written < 0) {
+      return;
+    }
+    at += static_cast<std::size_t>(written);
+  }
+}
+
+void RunningCommand::closeInput() { closeIfOpen(input_); }
+
+void RunningCommand::closeOutput() { closeIfOpen(output_); }
+
+std::optional<std::string> RunningCommand::readLine() {
+  std::size_t searched = 0;
+  for (;;) {
+    const std::size_t end = unread_.find('\n', searched);
+    if (end != std::string::npos) {
+      std::string line = unread_.substr(0, end);
+      unread_.erase(0, end + 1);
+      return line;
+    }
+    searched = unread_.size();
+    if (!fill()) {
+      return std::nullopt;
+    }
+  }
+}
+
+std::string RunningCommand::readAll() {
+  while (fill()) {
+  }
+  return std::exchange(unread_, "");
+}
+
+void RunningCommand::signal(int number) const { kill(child_, number); }
+
+int RunningCommand::wait(int milliseconds) {
+  const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+  int waited = 0;
+  while (waitpid(child_, &waited, WNOHANG) == 0) {
+    if (std::chrono::steady_clock::now() > until) {
+      return -1;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  child_ = -1;
+  return statusOf(waited);
+}
+
+// Takes what has come; false at the end, and when nothing comes.
+bool RunningCommand::fill() {
+  pollfd readable{output_, POLLIN, 0};
+  if (poll(&readable, 1, kGoodTime) != 1) {
+    return false;
+  }
+  std::array<char, std::size_t{1} << 16U> block;
+  const ssize_t count = read(output_, block.data(), block.size());
+  if (count < 0 && errno == EAGAIN) {
+    return true;
+  }
+  unread_.append(block.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  return count > 0;
+}
+
+}  // namespace tamzo::testing

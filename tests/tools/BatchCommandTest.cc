@@ -1,0 +1,368 @@
+// "tamzo-vast batch": many responses, one line of JSON for each.
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <regex>
+
+#include "tests/support/CommandFixture.h"
+#include "tests/support/RunningCommand.h"
+
+namespace tamzo::testing {
+namespace {
+
+using BatchCommandTest = CommandTest;
+
+TEST_F(BatchCommandTest, ABatchAnswersEveryLineInItsPlace) {
+  const std::string input =
+      "\xEF\xBB\xBF" + requestLine(1, ad("a")) + "\n \t\r\n" + "not json\n" + "[1]\n" +
+      R"({"id":{"k":[1.5,null]}})" + "\n" + R"({"id":"x","vast":7})" + "\n" +
+      "{\"id\":1,\"vast\":\"\xFF\"}\n" + std::string(100'000, '[') + "\n" +
+      requestLine(nullptr, "<VAST version='9'/>") + "{\"vast\":\"\\ufeff" + ad("b") + "\"}";
+  const Result result = run({"batch", "-j", "3"}, input);
+  EXPECT_EQ(result.status, 2);
+  const auto lines = jsonLines(result.out);
+  ASSERT_EQ(lines.size(), 9U) << result.out;
+  const char* ids[] = {"1",    "null", "null", R"({"k":[1.5,null]})", R"("x")", "1",
+                       "null", "null", "null"};
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    ASSERT_TRUE(lines[i].is_object()) << i;
+    EXPECT_EQ(lines[i].size(), 2U) << i;
+    EXPECT_EQ(lines[i].begin().key(), "id") << i;
+    EXPECT_EQ(lines[i].at("id").dump(), ids[i]) << i;
+    const bool isAnswered = i == 0 || i >= 7;
+    EXPECT_EQ(lines[i].contains("record"), isAnswered) << i;
+    EXPECT_TRUE(isAnswered || lines[i].at("error").is_string()) << i;
+  }
+  EXPECT_EQ(lines[0].at("record").size(), 72U);
+  EXPECT_EQ(lines[7].at("record").at("errorCode"), 102);
+  EXPECT_EQ(lines[8].at("record").at("adID"), "b");
+  EXPECT_TRUE(std::regex_search(result.err, std::regex(R"((^|\n) *2 +0 )"))) << result.err;
+  EXPECT_TRUE(std::regex_search(result.err, std::regex(R"((^|\n) *1 +102 )"))) << result.err;
+  EXPECT_TRUE(std::regex_search(result.err, std::regex(R"((^|\n) *6 +- )"))) << result.err;
+}
+
+TEST_F(BatchCommandTest, ABatchKeepsTheOrderOfManyLines) {
+  std::string input;
+  for (int i = 0; i < 2000; ++i) {
+    input += requestLine(
+        i, i % 7 == 0
+               ? "<VAST/>"
+               : ad(std::to_string(i), std::string(static_cast<std::size_t>(i * 37 % 5000), ' ')));
+  }
+  const Result one = run({"batch", "-j", "1"}, input);
+  EXPECT_EQ(one.status, 1);
+  const auto lines = jsonLines(one.out);
+  ASSERT_EQ(lines.size(), 2000U);
+  for (int i = 0; i < 2000; ++i) {
+    ASSERT_EQ(lines[static_cast<std::size_t>(i)].at("id"), i);
+  }
+  for (const Arguments& arguments : {Arguments{"batch"}, {"batch", "-j", "8"}}) {
+    const Result many = run(arguments, input);
+    EXPECT_EQ(many.out, one.out);
+    EXPECT_EQ(many.err, one.err);
+  }
+}
+
+TEST_F(BatchCommandTest, ABatchOfVeryManyLinesKeepsTheirOrder) {
+  constexpr int kLines = 20'000;
+  std::string input;
+  for (int i = 0; i < kLines; ++i) {
+    input += "{\"id\":" + std::to_string(i) + R"(,"vast":"<VAST/>"})" + "\n";
+  }
+  const Result result = run({"batch", "-j", "8"}, input);
+  EXPECT_EQ(result.status, 1);
+  std::istringstream lines(result.out);
+  std::string line;
+  for (int i = 0; i < kLines; ++i) {
+    ASSERT_TRUE(std::getline(lines, line)) << i;
+    ASSERT_TRUE(line.starts_with("{\"id\": " + std::to_string(i) + ", \"record\": {")) << i;
+  }
+  EXPECT_FALSE(std::getline(lines, line));
+}
+
+TEST_F(BatchCommandTest, LinesMayBeLongAndTheLastMayHaveNoBreak) {
+  std::string input;
+  for (int i = 0; i < 2; ++i) {
+    input += requestLine(i, ad("a", "<!--" + std::string(5'000'000, 'x') + "-->"));
+  }
+  input.pop_back();
+  const Result result = run({"batch", "-j", "4"}, input);
+  EXPECT_EQ(result.status, 0) << result.err;
+  const auto lines = jsonLines(result.out);
+  ASSERT_EQ(lines.size(), 2U);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    EXPECT_EQ(lines[i].at("id"), i);
+    EXPECT_GT(lines[i].at("record").at("vastResponseStr").get<std::string>().size(), 5'000'000U);
+  }
+}
+
+TEST_F(BatchCommandTest, ABatchTakesFilesAndFolders) {
+  fs::create_directories(path("in/folder.xml"));
+  for (const char* name : {"in/b.xml", "in/a.xml", "in/c.txt", "in/folder.xml/d.xml", "z.txt"}) {
+    file(name, ad(name));
+  }
+  const Result result =
+      run({"batch", path("z.txt"), path("in"), path("none.xml"), path("in/b.xml")});
+  EXPECT_EQ(result.status, 2);
+  const auto lines = jsonLines(result.out);
+  const char* names[] = {"z.txt", "in/a.xml", "in/b.xml", "none.xml", "in/b.xml"};
+  ASSERT_EQ(lines.size(), std::size(names)) << result.out;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    EXPECT_EQ(lines[i].at("id"), path(names[i]));
+    EXPECT_EQ(lines[i].contains("error"), i == 3) << names[i];
+  }
+  EXPECT_EQ(lines[1].at("record").at("adID"), "in/a.xml");
+  EXPECT_NE(result.err.find("none.xml"), std::string::npos);
+}
+
+TEST_F(BatchCommandTest, APathIsTakenAsItIsWritten) {
+  fs::create_directories(path("[in]"));
+  fs::create_directories(path("none"));
+  fs::create_symlink(path("gone"), path("[in]/a.xml"));
+  file("[in]/b.xml", ad("b"));
+  file("[c,d]", ad("c"));
+  const fs::path before = fs::current_path();
+  fs::current_path(folder_);
+  const Result result = run({"batch", "none", "[in]", "-j", "2", "[c,d]", "[]", ""});
+  const Result nothing = run({"batch", "none"});
+  fs::current_path(before);
+
+  EXPECT_EQ(result.status, 2);
+  const auto lines = jsonLines(result.out);
+  const std::pair<const char*, bool> expected[] = {
+      {"[in]/a.xml", false}, {"[in]/b.xml", true}, {"[c,d]", true}, {"[]", false}, {"", false}};
+  ASSERT_EQ(lines.size(), std::size(expected)) << result.out;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    EXPECT_EQ(lines[i].at("id"), expected[i].first);
+    EXPECT_EQ(lines[i].contains("record"), expected[i].second) << expected[i].first;
+  }
+  EXPECT_EQ(nothing.status, 0);
+  EXPECT_EQ(nothing.out, "") << "a folder without responses";
+}
+
+TEST_F(BatchCommandTest, ABatchTakesTheOptionsOfParse) {
+  const std::string response = file("a.xml", ad("a", "<Category>IAB26</Category>"));
+  const Result result = run({"batch", "--blocked-categories", "IAB26", "-o", path("out"), "--debug",
+                             "--timeout", "1", "--max-body", "9", response});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(jsonLines(contentOf(path("out"))).at(0).at("record").at("errorCode"), 205);
+  EXPECT_NE(result.err.find("[TAMZO-LOG][v8.0.0 p0] Vast Ad Category is blocked\n"),
+            std::string::npos);
+  const Result nothing = run({"batch"}, "\n\n");
+  EXPECT_EQ(nothing.status, 0);
+  EXPECT_EQ(nothing.out, "");
+}
+
+// ---- While it runs -----------------------------------------------------------------------------
+
+using Streams = RunningCommand::Streams;
+
+TEST_F(BatchCommandTest, AnAnswerComesBeforeTheNextLineIsAskedFor) {
+  for (const char* threads : {"1", "2", "4"}) {
+    RunningCommand batch({"batch", "-j", threads}, {});
+    for (int i = 0; i < 100; ++i) {
+      batch.write(requestLine(i, ad("a")));
+      const auto line = batch.readLine();
+      ASSERT_TRUE(line) << threads << " threads, line " << i;
+      ASSERT_EQ(ordered_json::parse(*line).at("id"), i);
+    }
+    for (int round = 0; round < 20; ++round) {  // and so do those to several lines
+      std::string lines;
+      for (int i = 0; i < 30; ++i) {
+        lines += requestLine(i, ad("a"));
+      }
+      batch.write(lines);
+      for (int i = 0; i < 30; ++i) {
+        const auto line = batch.readLine();
+        ASSERT_TRUE(line) << threads << " threads, round " << round << ", line " << i;
+        ASSERT_EQ(ordered_json::parse(*line).at("id"), i);
+      }
+    }
+    batch.closeInput();
+    EXPECT_EQ(batch.wait(), 0) << threads;
+  }
+}
+
+TEST_F(BatchCommandTest, AFailedOutputEndsARunWhoseInputIsIdle) {
+  const auto ignorePipes = [] { std::signal(SIGPIPE, SIG_IGN); };
+  const struct {
+    const char* name;
+    Streams streams;
+    int status;
+    std::string message;
+  } rows[] = {
+      {"closed", {"", "", path("err"), ignorePipes}, 2, "standard output: Broken pipe"},
+      {"closed, of which nobody wants to hear", {"", "", path("err")}, 128 + SIGPIPE, ""},
+      {"full", {"", "/dev/full", path("err")}, 2, "standard output: No space left on device"},
+  };
+  for (const auto& row : rows) {
+    for (const char* threads : {"1", "4"}) {
+      RunningCommand batch({"batch", "-j", threads}, row.streams);
+      batch.closeOutput();
+      batch.write(requestLine(1, ad("a")));
+      EXPECT_EQ(batch.wait(), row.status) << row.name << ", " << threads;
+      const std::string message = row.message.empty() ? "" : "tamzo-vast: " + row.message + "\n";
+      EXPECT_EQ(contentOf(path("err")), message) << row.name << ", " << threads;
+    }
+  }
+}
+
+TEST_F(BatchCommandTest, StandardErrorMayBeClosedOrFull) {
+  std::string input;
+  for (int i = 0; i < 50; ++i) {
+    input += requestLine(i, ad("a"));
+  }
+  const std::string output = run({"batch"}, input).out;
+  const auto closed = [] { close(STDERR_FILENO); };
+  const auto broken = [] {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) == 0) {
+      dup2(ends[1], STDERR_FILENO);
+      close(ends[0]);
+      close(ends[1]);
+    }
+  };
+  file("in", input);
+  file("bad", input + "no JSON\n");
+  const Streams good[] = {{path("in"), path("out"), "/dev/full"},
+                          {path("in"), path("out"), "/dev/null", closed},
+                          {path("in"), path("out"), "/dev/null", broken}};
+  for (Streams streams : good) {
+    EXPECT_EQ(RunningCommand({"batch"}, streams).wait(), 0);
+    EXPECT_EQ(contentOf(path("out")), output);
+    EXPECT_EQ(RunningCommand({"batch", "-o", path("file")}, streams).wait(), 0);
+    EXPECT_EQ(contentOf(path("file")), output) << "with nothing of standard error in it";
+    EXPECT_EQ(RunningCommand({"batch", "--debug"}, streams).wait(), 0);
+    EXPECT_EQ(contentOf(path("out")), output);
+    streams.inputFile = path("bad");
+    EXPECT_EQ(RunningCommand({"batch"}, streams).wait(), 2);
+    EXPECT_TRUE(contentOf(path("out")).starts_with(output));
+  }
+}
+
+TEST_F(BatchCommandTest, AClosedStandardInputIsNoFile) {
+  const Streams streams{"", path("out"), path("err"), [] { close(STDIN_FILENO); }};
+  EXPECT_EQ(RunningCommand({"batch", "-o", path("file")}, streams).wait(), 2);
+  EXPECT_EQ(contentOf(path("file")),
+            "{\"id\": null, \"error\": \"standard input cannot be read\"}\n");
+}
+
+TEST_F(BatchCommandTest, ItRunsOnTheThreadsThatThereAre) {
+  std::string input;
+  for (int i = 0; i < 50; ++i) {
+    input += requestLine(i, ad("a"));
+  }
+  file("in", input);
+  // A thread's stack is as large as this limit says, for which there is no room.
+  const auto limit = [] {
+    constexpr rlim_t kTooLarge = rlim_t{1} << (sizeof(void*) * 8 - 17);
+    const rlimit stack{kTooLarge, RLIM_INFINITY};
+    setrlimit(RLIMIT_STACK, &stack);
+  };
+  const Streams streams{path("in"), path("out"), path("err"), limit};
+  EXPECT_EQ(RunningCommand({"batch", "-j", "8"}, streams).wait(), 0) << contentOf(path("err"));
+  EXPECT_EQ(contentOf(path("out")), run({"batch", "-j", "8"}, input).out);
+}
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define TAMZO_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define TAMZO_SANITIZED
+#endif
+#endif
+
+#ifndef TAMZO_SANITIZED  // a sanitizer takes more memory than any limit
+TEST_F(BatchCommandTest, ALineTooLongForMemoryIsOneThatFails) {
+  constexpr rlim_t kMemory = rlim_t{192} << 20U;
+  fs::resize_file(file("in", requestLine(1, ad("a"))), kMemory);
+  std::ofstream(path("in"), std::ios::app) << "\n" << requestLine(3, ad("a"));
+  const auto limit = [] {
+    const rlimit memory{kMemory, kMemory};
+    setrlimit(RLIMIT_AS, &memory);
+  };
+  for (const char* threads : {"1", "4"}) {
+    const Streams streams{path("in"), path("out"), path("err"), limit};
+    EXPECT_EQ(RunningCommand({"batch", "-j", threads}, streams).wait(), 2);
+    EXPECT_TRUE(contentOf(path("err")).starts_with("tamzo-vast: line 2: out of memory\n"))
+        << contentOf(path("err"));
+    const auto lines = jsonLines(contentOf(path("out")));
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[1].at("error"), "out of memory");
+    EXPECT_EQ(lines[2].at("id"), 3);
+  }
+}
+#endif
+
+TEST_F(BatchCommandTest, ASignalLeavesNoHalfOfALine) {
+  const std::string line = requestLine(1, ad("a", "<!--" + std::string(1'000'000, 'x') + "-->"));
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    RunningCommand batch({"batch", "-j", "2"}, {});
+    batch.write(line);
+    // More than a pipe holds, so that the command waits in the middle of the line.
+    std::array<char, 1> first{};
+    ASSERT_EQ(read(batch.output(), first.data(), first.size()), 1);
+    batch.signal(signal);
+    EXPECT_EQ(batch.wait(200), -1) << "ends when the line is out";
+    const std::string rest = batch.readAll();
+    EXPECT_EQ(batch.wait(), 128 + signal);
+    EXPECT_TRUE(ordered_json::accept(first[0] + rest));
+    EXPECT_EQ(rest.back(), '\n');
+  }
+}
+
+TEST_F(BatchCommandTest, ASecondSignalIsNotPutOff) {
+  RunningCommand batch({"batch"}, {});
+  batch.write(requestLine(1, ad("a", "<!--" + std::string(1'000'000, 'x') + "-->")));
+  std::array<char, 1> first{};
+  ASSERT_EQ(read(batch.output(), first.data(), first.size()), 1);
+  batch.signal(SIGINT);
+  EXPECT_EQ(batch.wait(200), -1);
+  batch.signal(SIGINT);
+  EXPECT_EQ(batch.wait(), 128 + SIGINT);
+}
+
+TEST_F(BatchCommandTest, ASignalEndsAnIdleRun) {
+  RunningCommand batch({"batch"}, {});
+  batch.write(requestLine(1, ad("a")));
+  ASSERT_TRUE(batch.readLine());
+  batch.signal(SIGTERM);
+  EXPECT_EQ(batch.wait(), 128 + SIGTERM);
+  RunningCommand patient({"batch"}, {"", "", "/dev/null", [] { std::signal(SIGHUP, SIG_IGN); }});
+  patient.write(requestLine(1, ad("a")));
+  ASSERT_TRUE(patient.readLine());
+  patient.signal(SIGHUP);
+  patient.write(requestLine(2, ad("a")));
+  EXPECT_TRUE(patient.readLine()) << "what was ignored is still ignored";
+}
+
+TEST_F(BatchCommandTest, AnOutputThatDoesNotWaitIsWaitedFor) {
+  RunningCommand batch({"batch"}, {"", "", "/dev/null", [] {
+                                     fcntl(STDOUT_FILENO, F_SETFL,
+                                           fcntl(STDOUT_FILENO, F_GETFL) | O_NONBLOCK);
+                                   }});
+  batch.write(requestLine(1, ad("a", "<!--" + std::string(1'000'000, 'x') + "-->")));
+  batch.closeInput();
+  EXPECT_EQ(batch.wait(200), -1);
+  EXPECT_TRUE(ordered_json::accept(batch.readAll()));
+  EXPECT_EQ(batch.wait(), 0);
+}
+
+TEST_F(BatchCommandTest, AnUnreadableLineKeepsItsId) {
+  const std::string input =
+      std::string(R"({"id":"a","vast":"b"})") + '\0' + "\n" + R"({"id":1e999,"vast":"})" + "\n";
+  const Result result = run({"batch"}, input);
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out,
+            "{\"id\": \"a\", \"error\": \"holds a NUL character\"}\n"
+            "{\"id\": 1e999, \"error\": \"is not JSON\"}\n");
+  EXPECT_NE(result.err.find("line 2: is not JSON"), std::string::npos) << result.err;
+}
+
+}  // namespace
+}  // namespace tamzo::testing

@@ -1,0 +1,204 @@
+#include "tools/OrderedAnswers.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace tamzo::testing {
+namespace {
+
+using command::answerInOrder;
+using command::BatchAnswer;
+using command::Work;
+
+constexpr auto kGoodTime = std::chrono::seconds(20);
+
+// A count that one thread raises and another waits for.
+class Count {
+ public:
+  void raise() {
+    const std::lock_guard lock(mutex_);
+    ++value_;
+    raised_.notify_all();
+  }
+
+  // False when it does not come to that in good time.
+  bool waitFor(std::size_t value) {
+    std::unique_lock lock(mutex_);
+    return raised_.wait_for(lock, kGoodTime, [&] { return value_ >= value; });
+  }
+
+  std::size_t value() {
+    const std::lock_guard lock(mutex_);
+    return value_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable raised_;
+  std::size_t value_ = 0;
+};
+
+// Gives out `count` pieces of work, made by `make` on the thread that asks.
+class Source : public command::WorkSource {
+ public:
+  Source(std::size_t count, std::function<Work(std::size_t)> make)
+      : count_(count), make_(std::move(make)) {}
+
+  std::optional<Work> next() override {
+    return isStopped || given == count_ ? std::nullopt : std::optional(make_(given++));
+  }
+  void stop() noexcept override { isStopped = true; }
+
+  std::size_t given = 0;
+  std::atomic<bool> isStopped{false};
+
+ private:
+  std::size_t count_;
+  std::function<Work(std::size_t)> make_;
+};
+
+BatchAnswer answer(std::size_t number) { return {std::to_string(number), "", 0}; }
+
+std::vector<std::string> numbers(std::size_t count) {
+  std::vector<std::string> texts;
+  while (texts.size() < count) {
+    texts.push_back(std::to_string(texts.size()));
+  }
+  return texts;
+}
+
+TEST(OrderedAnswersTest, AnswersComeInTheOrderOfTheWork) {
+  for (const unsigned threads : {1U, 2U, 8U, 64U}) {
+    Source source(500, [](std::size_t i) {
+      return [i] {
+        std::this_thread::sleep_for(std::chrono::microseconds(i * 7919 % 500));
+        return answer(i);
+      };
+    });
+    std::vector<std::string> taken;
+    answerInOrder(source, threads, [&](BatchAnswer a) { taken.push_back(a.line); });
+    EXPECT_EQ(taken, numbers(500)) << threads;
+    EXPECT_FALSE(source.isStopped);
+  }
+}
+
+TEST(OrderedAnswersTest, ThereMayBeNoWork) {
+  Source source(0, nullptr);
+  answerInOrder(source, 4, [](BatchAnswer) { FAIL(); });
+}
+
+TEST(OrderedAnswersTest, AsManyThreadsWorkAtOnceAsAreAskedFor) {
+  for (const unsigned threads : {1U, 3U, 16U}) {
+    Count started;
+    std::atomic<unsigned> atOnce{0};
+    std::atomic<bool> areTooMany{false};
+    Source source(threads * 3, [&](std::size_t i) {
+      return [&, i] {
+        areTooMany = areTooMany || ++atOnce > threads;
+        started.raise();
+        // The first ones wait for each other, which less threads would never end.
+        EXPECT_TRUE(i >= threads || started.waitFor(threads)) << threads;
+        --atOnce;
+        return answer(i);
+      };
+    });
+    answerInOrder(source, threads, [](BatchAnswer) {});
+    EXPECT_FALSE(areTooMany) << threads;
+  }
+}
+
+TEST(OrderedAnswersTest, OnlySoMuchIsUnderWay) {
+  Count given;
+  Source source(1000, [&](std::size_t i) {
+    given.raise();
+    return [&given, i] {
+      if (i == 0) {  // all others wait behind the first
+        EXPECT_TRUE(given.waitFor(16));
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        EXPECT_LE(given.value(), 16U);
+      }
+      return answer(i);
+    };
+  });
+  std::size_t taken = 0;
+  answerInOrder(source, 4, [&](BatchAnswer) { ++taken; });
+  EXPECT_EQ(taken, 1000U);
+}
+
+TEST(OrderedAnswersTest, AnAnswerDoesNotWaitForMoreWork) {
+  for (const unsigned threads : {1U, 2U, 4U}) {
+    Count taken;
+    Source source(50, [&](std::size_t i) {
+      EXPECT_TRUE(taken.waitFor(i)) << "of the answers before " << i << " one is held back";
+      return [i] { return answer(i); };
+    });
+    answerInOrder(source, threads, [&](BatchAnswer) { taken.raise(); });
+  }
+}
+
+TEST(OrderedAnswersTest, AnAnswerThatIsReadyWaitsForNothing) {
+  // Two threads and eight pieces under way: the first is done when the last has begun, and then
+  // six more are ready, which both the last and the input wait for.
+  Count begun;
+  Count taken;
+  Source source(20, [&](std::size_t i) {
+    EXPECT_TRUE(i != 8 || taken.waitFor(7)) << "the input is waited for";
+    return [&begun, &taken, i] {
+      begun.raise();
+      EXPECT_TRUE(i != 0 || begun.waitFor(8));
+      EXPECT_TRUE(i != 7 || taken.waitFor(7)) << "other work is waited for";
+      return answer(i);
+    };
+  });
+  answerInOrder(source, 2, [&](BatchAnswer) { taken.raise(); });
+  EXPECT_EQ(taken.value(), 20U);
+}
+
+TEST(OrderedAnswersTest, AFailedOutputEndsTheRun) {
+  for (const unsigned threads : {1U, 4U}) {
+    Source source(1'000'000, [](std::size_t i) { return [i] { return answer(i); }; });
+    std::vector<std::string> taken;
+    const auto take = [&](BatchAnswer a) {
+      if (a.line == "10") {
+        throw std::runtime_error("full");
+      }
+      taken.push_back(a.line);
+    };
+    EXPECT_THROW(answerInOrder(source, threads, take), std::runtime_error);
+    EXPECT_EQ(taken, numbers(10)) << "nothing is taken after it";
+    EXPECT_TRUE(source.isStopped);
+    EXPECT_LT(source.given, 100U);
+  }
+}
+
+TEST(OrderedAnswersTest, WorkThatThrowsEndsTheRun) {
+  Source source(1'000'000, [](std::size_t i) -> Work {
+    return [i] { return i == 10 ? throw std::bad_alloc() : answer(i); };
+  });
+  std::vector<std::string> taken;
+  EXPECT_THROW(answerInOrder(source, 4, [&](BatchAnswer a) { taken.push_back(a.line); }),
+               std::bad_alloc);
+  EXPECT_EQ(taken, numbers(10));
+}
+
+TEST(OrderedAnswersTest, WhatCameBeforeAFailedInputIsAnswered) {
+  Source source(100, [](std::size_t i) -> Work {
+    return i == 10 ? throw std::bad_alloc() : Work([i] { return answer(i); });
+  });
+  std::vector<std::string> taken;
+  EXPECT_THROW(answerInOrder(source, 4, [&](BatchAnswer a) { taken.push_back(a.line); }),
+               std::bad_alloc);
+  EXPECT_EQ(taken, numbers(10));
+}
+
+}  // namespace
+}  // namespace tamzo::testing

@@ -1,0 +1,55 @@
+#include "tools/PageCommand.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tamzo/sdk/TamzoHost.h"
+#include "tools/Arguments.h"
+#include "tools/CommonOptions.h"
+#include "tools/Input.h"
+#include "tools/Output.h"
+#include "tools/Response.h"
+
+namespace tamzo::command {
+namespace {
+
+struct PageOptions {
+  CommonOptions common;
+  std::vector<std::string> inputs;
+  std::optional<std::string> templatePath;
+};
+
+int run(const PageOptions& options) {
+  options.common.apply();
+  if (options.templatePath) {
+    TamzoHost host = *TamzoHost::get();
+    host.vpaidWrapperTemplate = [text = Text(readInput(*options.templatePath))] { return text; };
+    TamzoHost::set(std::move(host));
+  }
+  const auto ad = parseResponse(options.inputs);
+  Output output(options.common.outputPath());
+  output.write(ad->getVideoWAPView());
+  output.finish();
+  return statusOf(*ad);
+}
+
+}  // namespace
+
+void addPageCommand(CLI::App& app, int& status) {
+  auto options = std::make_shared<PageOptions>();
+  CLI::App& command = *app.add_subcommand(
+      "page", "Parse one response and print the page that plays its VPAID unit");
+  command.footer("Example:\n  tamzo-vast page --session-id 42 response.xml > page.html");
+  addInput(command, options->inputs);
+  command
+      .add_option("--template", options->templatePath, "The page template; default: the SDK's own")
+      ->type_name("FILE")
+      ->check(notEmpty("takes the name of a file"));
+  options->common.addTo(command);
+  command.final_callback([options, &status] { status = run(*options); });
+}
+
+}  // namespace tamzo::command

@@ -1,0 +1,81 @@
+#include "tools/Process.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <initializer_list>
+
+namespace tamzo::command {
+namespace {
+
+// Who writes sets the first and reads the second, who gets a signal the other way round: in one
+// order for all threads, so that one of the two sees the other.
+std::atomic<bool> isWriting{false};
+std::atomic<int> awaited{0};
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
+
+bool wasPipeIgnored = false;
+
+void endIfAwaited() {
+  if (const int signal = awaited; signal != 0) {
+    raise(signal);  // by now it has its default effect again
+  }
+}
+
+extern "C" void onEndingSignal(int signal) {
+  awaited = signal;
+  if (!isWriting) {
+    endIfAwaited();
+  }
+}
+
+bool isIgnored(int signal) {
+  struct sigaction current {};
+  return sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN;
+}
+
+}  // namespace
+
+void holdStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) == -1 && errno == EBADF) {
+      // The lowest number that is free is this one. It is opened for what it is not used for.
+      open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+  }
+}
+
+void handleSignals() {
+  wasPipeIgnored = isIgnored(SIGPIPE);
+  std::signal(SIGPIPE, SIG_IGN);
+  struct sigaction action {};
+  action.sa_handler = onEndingSignal;
+  action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER | SA_RESTART);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    if (!isIgnored(signal)) {  // as nohup has it
+      sigaction(signal, &action, nullptr);
+    }
+  }
+}
+
+void endByBrokenPipe() {
+  if (!wasPipeIgnored) {
+    std::signal(SIGPIPE, SIG_DFL);
+    raise(SIGPIPE);
+  }
+}
+
+WholeWrite::WholeWrite() {
+  isWriting = true;
+  endIfAwaited();
+}
+
+WholeWrite::~WholeWrite() {
+  isWriting = false;
+  endIfAwaited();
+}
+
+}  // namespace tamzo::command

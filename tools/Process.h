@@ -1,0 +1,27 @@
+#pragma once
+
+namespace tamzo::command {
+
+/// Puts something in the place of a standard stream that came closed, so that no file opened later
+/// is taken for it. Reading and writing such a stream fail as before.
+void holdStandardStreams();
+
+/// From here on a closed pipe is an error of the write alone, and WholeWrite holds off the signals
+/// that end the command. For the start of the program.
+void handleSignals();
+
+/// Ends the program as a closed pipe does where nobody asked for anything else; returns where
+/// whoever started it did.
+void endByBrokenPipe();
+
+/// While one stands, SIGINT, SIGTERM and SIGHUP wait until it goes, so that they leave no half of a
+/// line behind. A second signal of the same kind does not wait. One at a time.
+class WholeWrite {
+ public:
+  WholeWrite();
+  WholeWrite(const WholeWrite&) = delete;
+  WholeWrite& operator=(const WholeWrite&) = delete;
+  ~WholeWrite();
+};
+
+}  // namespace tamzo::command
