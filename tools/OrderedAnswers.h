@@ -3,7 +3,7 @@
 #include <functional>
 #include <optional>
 
-#include "tools/Batch.h"
+#include "tools/BatchLine.h"
 
 namespace tamzo::command {
 
