@@ -19,7 +19,15 @@ namespace tamzo {
 /// `dump` allocates; these two throw std::bad_alloc.
 class TAMZO_EXPORT JsonValue {
  public:
-  enum class Kind { null, boolean, number, text, list, map };
+  /// What a value is.
+  enum class Kind {
+    null,     ///< JSON's `null`
+    boolean,  ///< `true` or `false`
+    number,   ///< an integer or a fraction
+    text,     ///< a string
+    list,     ///< an array
+    map,      ///< an object
+  };
 
   /// Nil.
   JsonValue() noexcept = default;
@@ -30,6 +38,7 @@ class TAMZO_EXPORT JsonValue {
   /// last counts, and the others are dropped.
   static JsonValue parse(const Text& json);
 
+  /// True where there is no value, which is not the same as JSON's `null`.
   bool isNil() const noexcept { return node_ == nullptr; }
   /// Kind::null for nil too.
   Kind kind() const noexcept;

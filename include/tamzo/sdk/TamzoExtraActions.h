@@ -16,11 +16,13 @@ namespace tamzo {
 /// handle: copies see the same list. Reading one from several threads is safe.
 class TAMZO_EXPORT TamzoExtraActions {
  public:
+  /// A decoded JSON value, or an Icon element of a Linear.
   using Entry = std::variant<JsonValue, DDXMLElement>;
 
   /// Nil.
   TamzoExtraActions() noexcept = default;
 
+  /// A list without entries, which is not nil.
   static TamzoExtraActions makeEmptyList();
 
   /// What a JSON text holds, as JsonValue::parse reads it: nil when the text is malformed. The text
@@ -28,7 +30,9 @@ class TAMZO_EXPORT TamzoExtraActions {
   /// function asks first may throw std::bad_alloc; the next one tries again.
   static TamzoExtraActions fromJson(Text text);
 
+  /// True before anything was set, and for malformed JSON.
   bool isNil() const;
+  /// True for a list, an empty one included.
   bool isList() const { return list() != nullptr; }
 
   /// The entries; null unless this is a list.

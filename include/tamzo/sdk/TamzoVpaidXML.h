@@ -18,11 +18,13 @@ class TAMZO_EXPORT TamzoVpaidXML {
 
   /// The list of Ad elements around the Wrapper.
   void setAdNode(NodeList ads) { ads_ = std::move(ads); }
+  /// Nil until set.
   const NodeList& adNode() const noexcept { return ads_; }
 
   /// The version of the merged document. Nil until set; nil and "" are written as "2.0", the first
   /// version with VPAID units.
   const Text& vastVersion() const noexcept { return vastVersion_; }
+  /// Sets vastVersion().
   void setVastVersion(Text version) { vastVersion_ = std::move(version); }
 
   /// The record of the Wrapper outside this one; null for the outermost.

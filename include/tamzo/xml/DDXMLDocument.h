@@ -24,6 +24,7 @@ class TAMZO_EXPORT DDXMLDocument {
   /// As DDXMLElement::nodesForXPath, from the document node.
   NodeList nodesForXPath(const XPath& path, XmlError* error = nullptr) const;
 
+  /// The outermost element; every parsed document has one.
   DDXMLElement rootElement() const;
 
  private:

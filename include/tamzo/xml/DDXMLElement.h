@@ -21,7 +21,7 @@ class XmlTree;
 
 /// What went wrong in a query or a parse; empty when nothing did.
 struct XmlError {
-  std::string message;
+  std::string message;  ///< for people; with the line where there is one
 };
 
 /// A node of a parsed document: an element or, where a query asks for one, an attribute, a text, a
@@ -69,10 +69,12 @@ class TAMZO_EXPORT DDXMLElement {
   /// Takes one pass over the children, however many names there are.
   std::vector<DDXMLElement> firstChildren(std::span<const std::string_view> names) const;
 
-  /// The first child element, and the next element after this one; nil at the end.
+  /// The first child that is an element; nil when there is none.
   DDXMLElement firstChildElement() const;
+  /// The next element beside this one; nil at the end.
   DDXMLElement nextSiblingElement() const;
 
+  /// False for nil, and for what is no element.
   bool hasAttributes() const noexcept;
 
   /// The same node of the same document.
