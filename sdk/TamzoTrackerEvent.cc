@@ -1,5 +1,6 @@
 #include "tamzo/sdk/TamzoTrackerEvent.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 
@@ -8,6 +9,9 @@
 
 namespace tamzo {
 namespace {
+
+// As many event names as most ads have.
+constexpr std::size_t kUsualNames = 8;
 
 TrackerList makeTrackerList() { return makeList<std::shared_ptr<TamzoTrackerEvent>>(); }
 
@@ -48,7 +52,7 @@ void TrackerMap::set(const Text& name, TrackerList events) {
   Entry entry{fixedName(name), std::move(events)};
   // Room first and the index next: when memory runs out, the map is what it was.
   if (entries_.size() == entries_.capacity()) {
-    entries_.reserve(entries_.size() * 2 + 1);
+    entries_.reserve(std::max(kUsualNames, entries_.size() * 2));
   }
   positions_.set(entry.name.view(), entries_.size());
   entries_.push_back(std::move(entry));
