@@ -10,12 +10,12 @@ if(TAMZO_DEVELOPER)
 endif()
 if(TAMZO_SANITIZE)
   target_compile_options(tamzo_settings INTERFACE
-    -fsanitize=${TAMZO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+    -fsanitize=${TAMZO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
   target_link_options(tamzo_settings INTERFACE -fsanitize=${TAMZO_SANITIZE})
 endif()
 if(TAMZO_COVERAGE)
   # Tests run threads, whose counts must not overtake each other.
-  target_compile_options(tamzo_settings INTERFACE --coverage -fprofile-update=atomic -g)
+  target_compile_options(tamzo_settings INTERFACE --coverage -fprofile-update=atomic)
   target_link_options(tamzo_settings INTERFACE --coverage)
 endif()
 

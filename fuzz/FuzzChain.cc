@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "fuzz/Fuzzing.h"
+#include "tamzo/base/Version.h"
 #include "tamzo/sdk/TamzoLogger.h"
 #include "tamzo/vast/TamzoVastAd.h"
 #include "tests/support/StrictXml.h"
@@ -34,7 +35,7 @@ struct Log {
   std::vector<std::string> versions;
 
   void add(std::string_view line) {
-    constexpr std::string_view kPrefix = "[TAMZO-LOG][v8.0.0 p0] ";
+    constexpr std::string_view kPrefix = "[TAMZO-LOG][v" TAMZO_VERSION " p0] ";
     constexpr std::string_view kVersion = "VAST version is ";
     line.remove_prefix(line.starts_with(kPrefix) ? kPrefix.size() : 0);
     documents += line == "VAST element is present" ? 1U : 0U;

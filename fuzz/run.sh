@@ -35,7 +35,7 @@ largest_input() {
     response) echo 16384 ;;       # twice the seed that holds everything: room to repeat any part
     chain) echo 32768 ;;          # six documents of a few kilobytes
     xpath) echo 2048 ;;           # each node is asked from, so that time is quadratic in the size
-    collapse) echo 1024 ;;        # many times the 64 bytes that the search looks at at once
+    collapse) echo 1024 ;;        # many declarations and long runs between them
     conversions) echo 2048 ;;     # a double has 767 significant digits at most
     macros) echo 4096 ;;          # every macro's name several times; the slow version is slow
     extra_actions) echo 4096 ;;   # 512 levels take 1024 bytes

@@ -35,7 +35,7 @@ namespace tamzo {
 /// **Ownership.** The record shares what it holds, and it may outlive everything that it was read
 /// from: texts and elements keep their document alive. It is held by a std::shared_ptr and is not
 /// copied.
-class TAMZO_EXPORT TamzoVastAd : public TamzoVastAdProperties {
+class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
  public:
   /// @name Parsing
   /// @{
