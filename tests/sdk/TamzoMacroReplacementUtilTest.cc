@@ -290,6 +290,12 @@ TEST_F(MacroTest, LongValuesAreNotFilledInWithoutEnd) {
       << "what still fits is filled";
 }
 
+TEST_F(MacroTest, ValuesAreFilledInUpToAMebibyte) {
+  const std::string half(std::size_t{1} << 19U, 'x');
+  ad_->setSupportedExtension(half);
+  EXPECT_EQ(fill("[EXTENSIONS][EXTENSIONS][SERVERSIDE]"), half + half + "[SERVERSIDE]");
+}
+
 // ---- In the chain ------------------------------------------------------------------------------
 
 TEST_F(MacroTest, ATagUrlIsFilledFromEarlierDocumentsOfTheChain) {
