@@ -277,6 +277,13 @@ TEST_F(MacroTest, ManyBracketsTakeLinearTime) {
   EXPECT_EQ(fill(names), names);
 }
 
+TEST_F(MacroTest, AMacroEndsInsideItsText) {
+  const Text longer("[SERVERSIDE]");
+  const Text open = longer.part(longer.view().substr(0, 11));
+  EXPECT_TRUE(TamzoMacroReplacementUtil::replaceVASTMacros(open, *ad_).isSameObject(open))
+      << "the bracket behind it is another's";
+}
+
 TEST_F(MacroTest, LongValuesAreNotFilledInWithoutEnd) {
   ad_->setSupportedExtension(std::string(400'000, 'x'));
   std::string macros;
