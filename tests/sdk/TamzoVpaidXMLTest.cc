@@ -458,6 +458,7 @@ TEST_F(VpaidXml, IsADocumentWhateverItIsGiven) {
     const auto parsed = parseDocument(std::string(document.view()));
     EXPECT_EQ(parsed->rootElement().attributeValue("version"), Text("2.0"));
     EXPECT_EQ(parsed->nodesForXPath("/VAST/Ad").at(0).attributeValue("id"), id);
+    wrapperRecord->setVastVersion("");
   }
 }
 
