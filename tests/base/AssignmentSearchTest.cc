@@ -63,9 +63,21 @@ TEST(AssignmentSearchTest, LettersOfAnyCaseAreThoseOfUnicode) {
   EXPECT_EQ(findAssignment("\xE2\x84\xAA=", "k", 0).end, 4U) << "the Kelvin sign is a k";
   EXPECT_EQ(findAssignment("\xE2\x84\xAA=", "K", 0).end, 4U);
   EXPECT_EQ(findAssignment("\xC5\xBF=", "S", 0).end, 3U);
+  EXPECT_EQ(findAssignment("x\xE2\x84\xAA=", "k", 0).begin, 1U) << "and begins where its bytes do";
   EXPECT_FALSE(findAssignment("\x84\xAA=", "k", 0));
+  EXPECT_EQ(findAssignment("AZ=", "az", 0).end, 3U) << "the first letter and the last";
+  EXPECT_EQ(findAssignment("az=", "AZ", 0).end, 3U);
   EXPECT_FALSE(findAssignment("@=", "`", 0)) << "only letters have two cases";
   EXPECT_FALSE(findAssignment("[=", "{", 0));
+}
+
+TEST(AssignmentSearchTest, AnEmptyWordStandsBeforeEveryEqualsSign) {
+  for (std::size_t from = 0; from <= 3; ++from) {
+    const TextMatch match = findAssignment("=ab=c", "", from);
+    EXPECT_EQ(match.begin, from == 0 ? 0U : 3U) << from;
+    EXPECT_EQ(match.end, match.begin + 1) << from;
+  }
+  EXPECT_FALSE(findAssignment("=ab=c", "", 4));
 }
 
 TEST(AssignmentSearchTest, LooksAtATextOnce) {

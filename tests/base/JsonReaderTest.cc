@@ -55,6 +55,34 @@ TEST(JsonReader, NumbersAreShownAsTheyAreWritten) {
   }
 }
 
+TEST(JsonReader, EachNumberOfAListIsReadForItself) {
+  Notes notes;
+  EXPECT_EQ(readJson("[10,2.5 ,-3e1,0]", notes), JsonFault::none);
+  EXPECT_EQ(notes.text, "begin [\nscalar 10\nscalar 2.5\nscalar -3e1\nscalar 0\nend 4 ]\n");
+}
+
+TEST(JsonReader, CharactersBeyondAsciiAreReadWhereverTheyStand) {
+  // Two, three and four bytes, the later ones from 0x80 on.
+  for (const std::string character : {"\xC2\x80", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"}) {
+    for (std::size_t before = 0; before < 17; ++before) {
+      const std::string text = std::string(before, 'a') + character + "behind it";
+      Notes notes;
+      EXPECT_EQ(readJson("\"" + text + "\"", notes), JsonFault::none);
+      EXPECT_EQ(notes.text, "string " + text + " \"" + text + "\"\n");
+    }
+  }
+}
+
+TEST(JsonReader, OnlyWhatIsOpenCountsAsDepth) {
+  std::string json = "[";
+  for (int i = 0; i < 600; ++i) {
+    json += "[{}],";
+  }
+  Notes notes;
+  notes.left = 5000;
+  EXPECT_EQ(readJson(json + "0]", notes), JsonFault::none);
+}
+
 TEST(JsonReader, SaysWhatIsWrong) {
   const std::pair<std::string, JsonFault> rows[] = {
       {"[1,]", JsonFault::malformed},
@@ -62,6 +90,14 @@ TEST(JsonReader, SaysWhatIsWrong) {
       {"[1.5.5]", JsonFault::malformed},
       {"-", JsonFault::malformed},
       {"", JsonFault::malformed},
+      {"01", JsonFault::malformed},
+      {"1.", JsonFault::malformed},
+      {"1e", JsonFault::malformed},
+      {"1e+", JsonFault::malformed},
+      {"1e5e5", JsonFault::malformed},
+      {"\xEF\xBB\xBE"
+       "1",
+       JsonFault::malformed},
       {std::string("1\0", 2), JsonFault::malformed},
       {"\"\xFF\"", JsonFault::notText},
       {R"("\ud83d")", JsonFault::notText},

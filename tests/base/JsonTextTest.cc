@@ -37,6 +37,18 @@ TEST(JsonText, EveryByteIsWrittenWhereverItStands) {
   }
 }
 
+TEST(JsonText, WhatStandsInAStringAsItIsRunsToTheFirstByteThatDoesNot) {
+  for (int c = 0; c < 256; ++c) {
+    const bool isPlain = c >= 0x20 && c != '"' && c != '\\';
+    for (std::size_t before = 0; before < 20; ++before) {
+      const std::string text = std::string(before, 'a') + static_cast<char>(c) + "behind it";
+      EXPECT_EQ(plainJsonBytes(text.data(), text.data() + text.size()),
+                isPlain ? text.size() : before)
+          << c << " behind " << before;
+    }
+  }
+}
+
 TEST(JsonText, ControlCharactersAreEscapedInLowerCase) {
   EXPECT_EQ(stringOf(std::string_view("\0\x1F\x0B\"\\/\b\f\n\r\t\x7F", 12)),
             "\"\\u0000\\u001f\\u000b\\\"\\\\/\\b\\f\\n\\r\\t\x7F\"");
@@ -72,6 +84,8 @@ TEST(JsonText, NumbersAreTheShortestThatReadBack) {
   // Grisu2, which many JSON libraries write numbers with, gives a digit too many for these.
   EXPECT_EQ(written(6.4041709), "6.4041709");
   EXPECT_EQ(written(3.54484e21), "3.54484e+21");
+  EXPECT_EQ(written(-1.5), "-1.5");
+  EXPECT_EQ(written(0.0), "0");
   EXPECT_EQ(written(-0.0), "-0.0");
   EXPECT_EQ(written(-0.0F), "-0.0");
   EXPECT_EQ(written(std::numeric_limits<double>::infinity()), "\"inf\"");

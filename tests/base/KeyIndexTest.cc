@@ -157,8 +157,8 @@ TEST(KeyIndexTest, IsNotSlowForAnyKeys) {
 }
 
 TEST(KeyIndexTest, FindsTheLastPositionEntered) {
-  // Beyond a few keys the index changes over to hashing; every count around that must work.
-  for (std::size_t count = 0; count <= 40; ++count) {
+  // Beyond a few keys the index changes over to a map; every count around that must work.
+  for (std::size_t count = 0; count <= 100; ++count) {
     std::vector<std::string> keys;
     for (std::size_t i = 0; i < count; ++i) {
       keys.push_back(std::string(i, 'k'));

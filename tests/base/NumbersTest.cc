@@ -127,6 +127,16 @@ TEST(DoubleValue, ReadsTheDecimalNumberAtTheFront) {
   }
 }
 
+TEST(DoubleValue, WhatIsNoNumberHasNoSign) {
+  for (const std::string_view text :
+       {std::string_view("-"), std::string_view("-x"), std::string_view("-."),
+        std::string_view("-.x"), std::string_view("-.5").substr(0, 2)}) {
+    EXPECT_EQ(doubleValue(text), 0.0) << text;
+    EXPECT_FALSE(std::signbit(doubleValue(text))) << text;
+  }
+  EXPECT_TRUE(std::signbit(doubleValue("-0"))) << "a number has one";
+}
+
 TEST(DoubleValue, IsInfiniteForANumberTooLargeAndNoughtForOneTooSmall) {
   EXPECT_EQ(doubleValue("1e999"), std::numeric_limits<double>::infinity());
   EXPECT_EQ(doubleValue("-1e999"), -std::numeric_limits<double>::infinity());

@@ -46,6 +46,18 @@ TEST(Text, EqualsAnyOtherOfTheSameCharacters) {
   EXPECT_FALSE(Text(withNul) == Text("a"));
 }
 
+TEST(Text, KnowsWhetherANulFollowsIt) {
+  EXPECT_TRUE(Text(std::string(100, 'x')).isTerminated());
+  EXPECT_TRUE(Text("abc").isTerminated());
+  EXPECT_TRUE(Text("").isTerminated());
+  EXPECT_TRUE(Text::literal("abc").isTerminated());
+  EXPECT_TRUE(MutableText::create().asText().isTerminated());
+  const Text whole("abc");
+  EXPECT_FALSE(whole.part(whole.view().substr(0, 2)).isTerminated()) << "a c follows";
+  EXPECT_FALSE(Text().isTerminated());
+  EXPECT_FALSE(MutableText().asText().isTerminated());
+}
+
 TEST(Text, IsHandedOnWithoutCopyingItsCharacters) {
   const Text first(std::string(1000, 'x'));
   const Text second = first;

@@ -139,6 +139,8 @@ TEST(IsShorterThan, CountsUtf16CodeUnits) {
       {"\xF0\x9F\x98\x80", 2},                  // four bytes, a surrogate pair
       {"\xF0\x9F\x98\x80\xF0\x9F\x98\x80", 4},  // two pairs
       {"a\xF0\x9F\x98\x80", 3},
+      {"\xEF\xBF\xBF", 1},      // the last character of one unit
+      {"\xF0\x90\x80\x80", 2},  // the first of two
   };
   for (const Case& c : cases) {
     EXPECT_FALSE(isShorterThan(c.text, c.length)) << c.text;

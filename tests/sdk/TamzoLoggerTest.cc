@@ -57,6 +57,7 @@ TEST_F(TamzoLoggerTest, ALineIsWrittenWholeWhateverItHolds) {
 TEST_F(TamzoLoggerTest, ACallStackHasALineForEachCaller) {
   const std::string stack = TamzoLogger::callStackSymbols();
   EXPECT_NE(stack.find('\n'), std::string::npos) << stack;
+  EXPECT_NE(stack.front(), '\n');
   EXPECT_NE(stack.back(), '\n');
 }
 

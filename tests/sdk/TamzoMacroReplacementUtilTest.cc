@@ -277,6 +277,13 @@ TEST_F(MacroTest, ManyBracketsTakeLinearTime) {
   EXPECT_EQ(fill(names), names);
 }
 
+TEST_F(MacroTest, AMacroEndsInsideItsText) {
+  const Text longer("[SERVERSIDE]");
+  const Text open = longer.part(longer.view().substr(0, 11));
+  EXPECT_TRUE(TamzoMacroReplacementUtil::replaceVASTMacros(open, *ad_).isSameObject(open))
+      << "the bracket behind it is another's";
+}
+
 TEST_F(MacroTest, LongValuesAreNotFilledInWithoutEnd) {
   ad_->setSupportedExtension(std::string(400'000, 'x'));
   std::string macros;
@@ -288,6 +295,12 @@ TEST_F(MacroTest, LongValuesAreNotFilledInWithoutEnd) {
   EXPECT_TRUE(filled.starts_with(std::string(400'000, 'x') + "0" + std::string(400'000, 'x') +
                                  "0[EXTENSIONS]0"))
       << "what still fits is filled";
+}
+
+TEST_F(MacroTest, ValuesAreFilledInUpToAMebibyte) {
+  const std::string half(std::size_t{1} << 19U, 'x');
+  ad_->setSupportedExtension(half);
+  EXPECT_EQ(fill("[EXTENSIONS][EXTENSIONS][SERVERSIDE]"), half + half + "[SERVERSIDE]");
 }
 
 // ---- In the chain ------------------------------------------------------------------------------

@@ -26,6 +26,7 @@ TEST(TamzoVastAdHelperTest, AKeyPathLeadsToTheFirstElement) {
       {".", nullptr},
       {"Icons.", nullptr},
       {".Icons", nullptr},
+      {".L", nullptr},
       {"Icons..C", nullptr},
       {"Icons/Icon", nullptr},
       {"/L", nullptr},

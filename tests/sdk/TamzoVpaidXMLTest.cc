@@ -239,13 +239,18 @@ TEST_F(VpaidXml, TheLinearThatIsPlayedIsMergedWhereverItStands) {
   web_["http://ads.example/2"] =
       "<VAST version='3.0'><Ad><InLine><Creatives/><Creatives><Creative/><Creative><NonLinear/>"
       "<Linear><TrackingEvents><Tracking event='start'>2</Tracking></TrackingEvents>" +
-      kUnit + "</Linear><Linear/></Creative></Creatives></InLine></Ad></VAST>";
+      kUnit +
+      "</Linear><Linear/></Creative><Creative>as it is<Linear/></Creative></Creatives></InLine>"
+      "</Ad></VAST>";
   merge(wrapper("2",
                 linear("<TrackingEvents><Tracking event='start'>1</Tracking></TrackingEvents>")));
   EXPECT_EQ(urls(*again_, "start"), (Texts{"1@", "2@"}));
   EXPECT_EQ(found("/VAST/Ad/InLine/Creatives[2]/Creative[2]/Linear[1]/TrackingEvents/Tracking"),
             (Texts{"1", "2"}));
   EXPECT_EQ(merged_->nodesForXPath("/VAST/Ad/InLine/Creatives").size(), 2U);
+  EXPECT_EQ(merged_->nodesForXPath("//Linear").size(), 3U);
+  EXPECT_EQ(merged_->nodesForXPath("//Linear/*").size(), 4U) << "the others stay empty";
+  EXPECT_EQ(found("/VAST/Ad/InLine/Creatives[2]/Creative[3]"), Texts{"as it is"});
 }
 
 TEST_F(VpaidXml, ProvidersOfASecondExtensionsComeOnce) {
@@ -260,6 +265,52 @@ TEST_F(VpaidXml, ProvidersOfASecondExtensionsComeOnce) {
   EXPECT_EQ(again_->measurementProviderList()->size(), 1U);
   EXPECT_EQ(again_->moatVastIds(), Text("<ViewableImpression>m</ViewableImpression>"));
   EXPECT_EQ(found("/VAST/Ad/InLine/Extensions[2]/Extension[Kept]"), Texts{"kept"});
+}
+
+TEST_F(VpaidXml, ProvidersOfAWrapperComeOnceAndTheRestOfTheirExtensionStays) {
+  web_["http://ads.example/2"] = inlineAd("", "");
+  merge(wrapper("2",
+                "<Extensions><Extension>kept<AdVerifications><Verification vendor='v'>"
+                "<ViewableImpression>m</ViewableImpression></Verification></AdVerifications><Kept/>"
+                "</Extension></Extensions>"));
+  EXPECT_EQ(again_->measurementProviderList()->size(), 1U);
+  EXPECT_EQ(again_->moatVastIds(), Text("<ViewableImpression>m</ViewableImpression>"));
+  EXPECT_EQ(again_->moatVastIds(), ad_->moatVastIds());
+  EXPECT_EQ(merged_->nodesForXPath("//Verification").size(), 1U);
+  EXPECT_EQ(found("/VAST/Ad/InLine/Extensions/Extension[Kept]"), Texts{"kept"});
+  EXPECT_EQ(found("/VAST/Ad/InLine/Extensions/Extension[AdVerifications]/@type"),
+            Texts{"AdVerifications"});
+}
+
+TEST_F(VpaidXml, HasTheCustomClicksOfTheWholeChain) {
+  const auto clicks = [](const std::string& n) {
+    return "<VideoClicks><CustomClick>x" + n + "</CustomClick></VideoClicks>";
+  };
+  web_["http://ads.example/2"] = inlineAd("", clicks("2"), "version='4.0'");
+  merge(wrapper("2", linear(clicks("1")), "version='4.0'"));
+  EXPECT_EQ(urls(*again_, "CustomClickTracker"), (Texts{"x1@", "x2@"}));
+}
+
+TEST_F(VpaidXml, WhatTheInLineMergesIntoKeepsItsAttributes) {
+  web_["http://ads.example/2"] =
+      "<VAST version='3.0'><Ad><InLine><AdVerifications a='1'/><Extensions a='2'/>"
+      "<Creatives a='3'><Creative a='4'><Linear a='5'><TrackingEvents a='6'/><VideoClicks a='7'/>"
+      "<Icons a='8'/>" +
+      kUnit + "</Linear></Creative></Creatives></InLine></Ad></VAST>";
+  merge(wrapper("2", ""));
+  EXPECT_EQ(found("//@a"), (Texts{"1", "2", "3", "4", "5", "6", "7", "8"}));
+}
+
+TEST_F(VpaidXml, WhatTheInLineLacksIsThereAndEmpty) {
+  web_["http://ads.example/2"] = inlineAd("", "");
+  merge(wrapper("2", ""));
+  for (const char* path :
+       {"AdVerifications", "Extensions", "Creatives/Creative/Linear/Icons",
+        "Creatives/Creative/Linear/VideoClicks", "Creatives/Creative/Linear/TrackingEvents"}) {
+    const NodeList found = merged_->nodesForXPath(XPath(std::string("/VAST/Ad/InLine/") + path));
+    ASSERT_EQ(found.size(), 1U) << path;
+    EXPECT_FALSE(found.at(0).firstChildElement()) << path;
+  }
 }
 
 // ---- Cost ----------------------------------------------------------------------------------
@@ -407,6 +458,7 @@ TEST_F(VpaidXml, IsADocumentWhateverItIsGiven) {
     const auto parsed = parseDocument(std::string(document.view()));
     EXPECT_EQ(parsed->rootElement().attributeValue("version"), Text("2.0"));
     EXPECT_EQ(parsed->nodesForXPath("/VAST/Ad").at(0).attributeValue("id"), id);
+    wrapperRecord->setVastVersion("");
   }
 }
 

@@ -197,6 +197,19 @@ TEST_F(VpaidPageTest, APageThatGrowsWithoutEndIsNone) {
   EXPECT_EQ(adWithTag(sessions)->getVideoWAPView(), "");
 }
 
+TEST_F(VpaidPageTest, APageMayHave128MebibytesAndNoByteMore) {
+  constexpr std::size_t kMost = std::size_t{128} << 20U;
+  const auto ad = adWithTag("http://t");
+  ad->setAnalyticsData(std::string(kMost / 4, 'x'));
+  const std::string four = "{{MOAT_DATA}}{{MOAT_DATA}}{{MOAT_DATA}}{{MOAT_DATA}}";
+  useTemplate(four);
+  EXPECT_EQ(ad->getVideoWAPView().view().size(), kMost);
+  for (const std::string& longer : {four + ".", "." + four}) {
+    useTemplate(longer);
+    EXPECT_FALSE(ad->getVideoWAPView().hasCharacters());
+  }
+}
+
 TEST_F(VpaidPageTest, TheSdksOwnTemplateHasAllFourPlaceholders) {
   const Text own = TamzoAssetsManager::getVpaidWrapperData();
   for (const char* placeholder :
