@@ -84,7 +84,7 @@ TEST(NodeListTest, GoesIntoTheStandardLibrarysAlgorithms) {
   EXPECT_EQ(std::count_if(list.begin(), list.end(),
                           [](const DDXMLElement& a) { return a.stringValue() != "2"; }),
             2);
-  EXPECT_EQ(std::ranges::find(list, list[1]), std::next(list.begin()));
+  EXPECT_EQ(std::find(list.begin(), list.end(), list[1]), std::next(list.begin()));
   EXPECT_EQ(std::vector<DDXMLElement>(list.begin(), list.end()).size(), 3U);
   EXPECT_EQ(list[0].stringValue(), "1");
   EXPECT_THROW(static_cast<void>(list[3]), std::out_of_range);
