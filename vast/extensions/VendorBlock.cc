@@ -183,10 +183,8 @@ void TamzoVastAd::updateTamzoExtensions(const NodeList& vendorNodes) {
 }
 
 void TamzoVastAd::updateReplay(const Text& url) {
-  auto event = TamzoTrackerEvent::init();
-  event->setUrl(url);
   auto events = makeList<std::shared_ptr<TamzoTrackerEvent>>();
-  events->push_back(std::move(event));
+  events->push_back(makeTracker(url, Text()));  // an offset was never set
   trackerMap().set(Text::literal("canReplay"), std::move(events));
   setCanReplay(true);
 }
