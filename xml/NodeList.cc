@@ -31,14 +31,6 @@ NodeList NodeList::nodesUnderFirst(const XPath& path, XmlError* error) const {
   return size_ == 0 ? NodeList() : element(0).nodesForXPath(path, error);
 }
 
-void NodeList::swap(NodeList& other) noexcept {
-  rest_.swap(other.rest_);
-  tree_.swap(other.tree_);
-  inline_.swap(other.inline_);
-  std::swap(size_, other.size_);
-  std::swap(isNil_, other.isNil_);
-}
-
 void NodeList::append(_xmlNode* node) {
   if (size_ < kInline) {
     inline_[size_] = node;

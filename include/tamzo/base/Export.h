@@ -7,3 +7,10 @@
 #else
 #define TAMZO_EXPORT
 #endif
+
+/// Marks the private functions of a class that is shown.
+#if defined(_WIN32)
+#define TAMZO_HIDDEN
+#else
+#define TAMZO_HIDDEN __attribute__((visibility("hidden")))
+#endif

@@ -41,8 +41,8 @@ class TAMZO_EXPORT TamzoExtraActions {
   const JsonValue& value() const;
 
  private:
-  struct Content;
-  const Content* decoded() const;
+  struct TAMZO_HIDDEN Content;
+  TAMZO_HIDDEN const Content* decoded() const;
 
   std::shared_ptr<Content> content_;
 };

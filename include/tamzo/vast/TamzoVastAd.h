@@ -214,34 +214,34 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
   /// @}
 
  private:
-  struct Chain;
-  void parse(const Text& vast, Chain& chain);
-  void fail(const std::exception& exception);
-  void followChain(Chain& chain);
-  bool startHop(Chain& chain);
-  bool readDocument(const Text& xml, Chain& chain);
-  Text readTagURI(Chain& chain);
-  void noteTag();
-  bool process(std::int32_t pass, std::int32_t version, const DDXMLDocument& document);
+  struct TAMZO_HIDDEN Chain;
+  TAMZO_HIDDEN void parse(const Text& vast, Chain& chain);
+  TAMZO_HIDDEN void fail(const std::exception& exception);
+  TAMZO_HIDDEN void followChain(Chain& chain);
+  TAMZO_HIDDEN bool startHop(Chain& chain);
+  TAMZO_HIDDEN bool readDocument(const Text& xml, Chain& chain);
+  TAMZO_HIDDEN Text readTagURI(Chain& chain);
+  TAMZO_HIDDEN void noteTag();
+  TAMZO_HIDDEN bool process(std::int32_t pass, std::int32_t version, const DDXMLDocument& document);
   using WrapperReader = void (TamzoVastAd::*)(const DDXMLDocument&, const NodeList& wrappers);
   using InLineReader = bool (TamzoVastAd::*)(const NodeList& inlines);
-  bool processAd(std::int32_t pass, const DDXMLDocument& document, WrapperReader readWrapper,
-                 InLineReader readInLine);
-  void readWrapperVersion2(const DDXMLDocument& document, const NodeList& wrappers);
-  void readWrapperVersion3(const DDXMLDocument& document, const NodeList& wrappers);
-  void readWrapperVersion4(const DDXMLDocument& document, const NodeList& wrappers);
-  bool readInLineVersion2(const NodeList& inlines);
-  bool readInLineVersion3(const NodeList& inlines);
-  bool readInLineVersion4(const NodeList& inlines);
-  void updateTrackersOfWrapper(const NodeList& wrappers);
-  NodeList openDocument(std::int32_t pass, const DDXMLDocument& document);
-  void startWrapper(std::int32_t pass, const NodeList& ads, const NodeList& wrappers);
-  void resolveNextTag(const NodeList& wrappers);
-  void updateSkipOffsetOfLinear(const NodeList& inlines);
-  void updateLinearCreative(const NodeList& linears);
-  void noteMissingLinear();
-  void noteJavaScriptVPAID(const NodeList& inlines);
-  TrackerMap& trackerMap();
+  TAMZO_HIDDEN bool processAd(std::int32_t pass, const DDXMLDocument& document,
+                              WrapperReader readWrapper, InLineReader readInLine);
+  TAMZO_HIDDEN void readWrapperVersion2(const DDXMLDocument& document, const NodeList& wrappers);
+  TAMZO_HIDDEN void readWrapperVersion3(const DDXMLDocument& document, const NodeList& wrappers);
+  TAMZO_HIDDEN void readWrapperVersion4(const DDXMLDocument& document, const NodeList& wrappers);
+  TAMZO_HIDDEN bool readInLineVersion2(const NodeList& inlines);
+  TAMZO_HIDDEN bool readInLineVersion3(const NodeList& inlines);
+  TAMZO_HIDDEN bool readInLineVersion4(const NodeList& inlines);
+  TAMZO_HIDDEN void updateTrackersOfWrapper(const NodeList& wrappers);
+  TAMZO_HIDDEN NodeList openDocument(std::int32_t pass, const DDXMLDocument& document);
+  TAMZO_HIDDEN void startWrapper(std::int32_t pass, const NodeList& ads, const NodeList& wrappers);
+  TAMZO_HIDDEN void resolveNextTag(const NodeList& wrappers);
+  TAMZO_HIDDEN void updateSkipOffsetOfLinear(const NodeList& inlines);
+  TAMZO_HIDDEN void updateLinearCreative(const NodeList& linears);
+  TAMZO_HIDDEN void noteMissingLinear();
+  TAMZO_HIDDEN void noteJavaScriptVPAID(const NodeList& inlines);
+  TAMZO_HIDDEN TrackerMap& trackerMap();
 
   // Of the parse under way.
   Chain* chain_ = nullptr;

@@ -99,8 +99,14 @@ class TAMZO_EXPORT NodeList {
 
   explicit NodeList(std::shared_ptr<const XmlTree> tree) noexcept
       : tree_(std::move(tree)), isNil_(false) {}
-  void append(_xmlNode* node);
-  void swap(NodeList& other) noexcept;
+  TAMZO_HIDDEN void append(_xmlNode* node);
+  void swap(NodeList& other) noexcept {
+    rest_.swap(other.rest_);
+    tree_.swap(other.tree_);
+    inline_.swap(other.inline_);
+    std::swap(size_, other.size_);
+    std::swap(isNil_, other.isNil_);
+  }
   _xmlNode* node(std::size_t index) const noexcept {
     return index < kInline ? inline_[index] : rest_[index - kInline];
   }
