@@ -14,6 +14,7 @@
 
 #include "base/JsonReader.h"
 #include "base/JsonWriter.h"
+#include "base/NeverDestroyed.h"
 
 namespace tamzo {
 namespace {
@@ -196,8 +197,8 @@ void write(const Node& node, CompactJsonWriter& json) {
 }
 
 const Node& nodeOf(const std::shared_ptr<const void>& node) noexcept {
-  static const Node none;
-  return node == nullptr ? none : *static_cast<const Node*>(node.get());
+  static NeverDestroyed<Node> none;
+  return node == nullptr ? *none : *static_cast<const Node*>(node.get());
 }
 
 }  // namespace

@@ -69,6 +69,11 @@ class UrlBytes {
 }  // namespace
 
 std::optional<std::string> TamzoUrlReader::read(const Text& url, const Limits& limits) {
+  // So written that what is no number is no time either.
+  const bool hasTime = limits.connectSeconds > 0.0 && limits.totalSeconds > 0.0;
+  if (!hasTime) {
+    return std::nullopt;
+  }
   return readWithCurl(url, limits);
 }
 

@@ -25,9 +25,25 @@ constexpr std::int32_t kWrapperLimitPass = 5;
 
 enum class From { never, init, parse };
 
+// Told apart from memory that the parser itself has not got, which is no failed read.
+struct HostOutOfMemory : std::exception {
+  const char* what() const noexcept override { return "the host's reader ran out of memory"; }
+};
+
+// Nothing without a URL, which no reader is asked for.
 std::optional<std::string> readBody(const Text& url) {
   const HostInUse host;
-  return host->readUrl ? host->readUrl(url) : TamzoUrlReader::read(url, host->fetchLimits);
+  if (url.isNil()) {
+    return std::nullopt;
+  }
+  if (!host->readUrl) {
+    return TamzoUrlReader::read(url, host->fetchLimits);
+  }
+  try {
+    return host->readUrl(url);
+  } catch (const std::bad_alloc&) {
+    throw HostOutOfMemory();
+  }
 }
 
 // The first four characters equal "http"; throws for a text that has fewer than four.
@@ -56,7 +72,7 @@ std::shared_ptr<TamzoVastAd> TamzoVastAd::initWithVast(const Text& vast, const T
 #undef TAMZO_PROPERTY
     static_cast<void>(response);
     ad->parse(replaceWithPattern("xmlns", vast));
-  } catch (const std::bad_alloc& exception) {
+  } catch (const std::exception& exception) {
     // Memory ran out before the loop, whose guard answers for everything after.
     if (ad != nullptr) {
       ad->fail(exception);
@@ -71,7 +87,7 @@ void TamzoVastAd::parseVast(const Text& vast, const TamzoHost& host) {
   const HostScope scope(host);
   try {
     parse(vast);
-  } catch (const std::bad_alloc& exception) {
+  } catch (const std::exception& exception) {
     fail(exception);
   }
 }

@@ -15,7 +15,8 @@ namespace tamzo {
 /// from any thread. A host puts a reader of its own in place by TamzoHost::readUrl.
 class TAMZO_EXPORT TamzoUrlReader {
  public:
-  /// What one read may take.
+  /// What one read may take. Seconds of 0, of less or of NaN leave no time, and nothing is read;
+  /// more than fit into 31 bits of milliseconds, and infinity, count as 24 days.
   struct Limits {
     double connectSeconds = 5.0;                        ///< until there is a connection
     double totalSeconds = 15.0;                         ///< the whole read, redirects included
