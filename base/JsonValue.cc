@@ -13,6 +13,7 @@
 #include "base/JsonReader.h"
 #include "base/JsonWriter.h"
 #include "base/Numbers.h"
+#include "base/NeverDestroyed.h"
 
 namespace tamzo {
 namespace {
@@ -194,8 +195,8 @@ void write(const Node& node, CompactJsonWriter& json) {
 }
 
 const Node& nodeOf(const std::shared_ptr<const void>& node) noexcept {
-  static const Node none;
-  return node == nullptr ? none : *static_cast<const Node*>(node.get());
+  static NeverDestroyed<Node> none;
+  return node == nullptr ? *none : *static_cast<const Node*>(node.get());
 }
 
 }  // namespace

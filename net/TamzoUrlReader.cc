@@ -68,7 +68,17 @@ class UrlBytes {
 
 }  // namespace
 
-FetchResult TamzoUrlReader::fetch(const FetchRequest& request) { return fetchWithCurl(request); }
+FetchResult TamzoUrlReader::fetch(const FetchRequest& request) {
+  // So written that what is no number is no time either.
+  const bool hasTime = request.limits.connectSeconds > 0.0 && request.limits.totalSeconds > 0.0;
+  if (!hasTime) {
+    FetchResult result;
+    result.finalUrl = request.url.view();
+    result.failure = FetchFailure::timeout;
+    return result;
+  }
+  return fetchWithCurl(request);
+}
 
 std::optional<std::string> TamzoUrlReader::read(const Text& url, const Limits& limits) {
   FetchRequest request;

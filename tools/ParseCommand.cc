@@ -52,7 +52,7 @@ void addParseCommand(CLI::App& app, int& status) {
       "  tamzo-vast parse response.xml\n"
       "  curl -s https://ads.example/vast | tamzo-vast parse --format json\n"
       "  tamzo-vast parse --debug 'https://ads.example/vast?id=7'\n\n"
-      "Exit status: 0 the ad can be played, 1 it cannot (its record is shown all the same),\n"
+      "Exit status: 0 nothing failed, 1 the ad failed (its record is shown all the same),\n"
       "2 wrong usage or an input that cannot be read.");
   addInput(command, options->inputs);
   command.add_option("--format", options->format, "text (default) for people, json for programs")

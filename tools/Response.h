@@ -12,7 +12,7 @@ namespace tamzo::command {
 /// fetched, or standard input for "-" and for none. Throws CommandError when it cannot be read.
 std::shared_ptr<TamzoVastAd> parseResponse(const std::vector<std::string>& inputs);
 
-/// The exit status that tells whether the ad can be played.
+/// The exit status that tells whether the ad failed.
 int statusOf(const TamzoVastAd& ad);
 
 }  // namespace tamzo::command

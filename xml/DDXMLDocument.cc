@@ -21,10 +21,15 @@ std::shared_ptr<DDXMLDocument> DDXMLDocument::initWithXMLString(const Text& text
 }
 
 NodeList DDXMLDocument::nodesForXPath(const XPath& path, XmlError* error) const {
-  return DDXMLElement(tree_->documentNode(), tree_).nodesForXPath(path, error);
+  const DDXMLElement document =
+      tree_ == nullptr ? DDXMLElement() : DDXMLElement(tree_->documentNode(), tree_);
+  return document.nodesForXPath(path, error);
 }
 
 DDXMLElement DDXMLDocument::rootElement() const {
+  if (tree_ == nullptr) {
+    return {};
+  }
   return {xmlDocGetRootElement(tree_->doc()), tree_};
 }
 

@@ -28,7 +28,8 @@ DDXMLElement NodeList::firstMatch(const XPath& path) const {
 }
 
 NodeList NodeList::nodesUnderFirst(const XPath& path, XmlError* error) const {
-  return size_ == 0 ? NodeList() : element(0).nodesForXPath(path, error);
+  const DDXMLElement first = size_ == 0 ? DDXMLElement() : element(0);
+  return first.nodesForXPath(path, error);
 }
 
 void NodeList::append(_xmlNode* node) {

@@ -389,6 +389,9 @@ std::shared_ptr<const XmlTree> parseXml(const Text& given, XmlError* error) {
   }
   auto tree = std::make_shared<const XmlTree>(doc.get());
   static_cast<void>(doc.release());
+  if (error != nullptr) {
+    error->message.clear();
+  }
   return tree;
 }
 

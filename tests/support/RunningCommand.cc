@@ -15,6 +15,8 @@
 #include <thread>
 #include <utility>
 
+#include "tests/support/Paths.h"
+
 namespace tamzo::testing {
 namespace {
 
@@ -54,7 +56,7 @@ RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const 
   Ends in = open(streams.inputFile, O_RDONLY);
   Ends out = open(streams.outputFile, O_WRONLY | O_CREAT | O_TRUNC);
   Ends error = open(streams.errorFile, O_WRONLY | O_CREAT | O_TRUNC);
-  std::vector<char*> pointers{const_cast<char*>(TAMZO_COMMAND)};
+  std::vector<char*> pointers{const_cast<char*>(kCommand)};
   for (const std::string& argument : arguments) {
     pointers.push_back(const_cast<char*>(argument.c_str()));
   }
@@ -66,7 +68,7 @@ RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const 
     dup2(error.theirs, STDERR_FILENO);
     std::signal(SIGPIPE, SIG_DFL);
     streams.inChild();
-    execv(TAMZO_COMMAND, pointers.data());
+    execv(kCommand, pointers.data());
     _exit(127);
   }
   for (int theirs : {in.theirs, out.theirs, error.theirs}) {

@@ -112,6 +112,44 @@ TEST(Query, ThatFailsGivesNilAndSaysWhy) {
   }
 }
 
+TEST(Query, ThatSucceedsClearsTheErrorOfTheLastOne) {
+  const auto document = documentOf(kTree);
+  const DDXMLElement r = document->rootElement();
+  const NodeList list = NodeList::of(r);
+  XmlError error;
+  const auto fail = [&] {
+    EXPECT_TRUE(r.nodesForXPath("a[", &error).isNil());
+    EXPECT_NE(error.message, "");
+  };
+  fail();
+  EXPECT_FALSE(r.nodesForXPath("//b", &error).empty());
+  EXPECT_EQ(error.message, "");
+  fail();
+  EXPECT_FALSE(r.nodesForXPath("a", &error).empty());
+  EXPECT_EQ(error.message, "") << "a path of names cannot fail";
+  fail();
+  EXPECT_TRUE(document->nodesForXPath("/none", &error).empty());
+  EXPECT_EQ(error.message, "") << "nothing found is no error";
+  fail();
+  EXPECT_FALSE(list.nodesUnderFirst("a", &error).empty());
+  EXPECT_EQ(error.message, "");
+  fail();
+  EXPECT_TRUE(NodeList().nodesUnderFirst("a[", &error).isNil());
+  EXPECT_EQ(error.message, "") << "nothing was asked";
+  fail();
+  EXPECT_TRUE(DDXMLElement().nodesForXPath("a[", &error).isNil());
+  EXPECT_EQ(error.message, "");
+}
+
+TEST(Query, MayBeMadeOfTheErrorsOwnText) {
+  const DDXMLElement r = root(kTree);
+  XmlError error{"a/b"};
+  EXPECT_EQ(texts(r.nodesForXPath(XPath(error.message), &error)), (Texts{"1", "2", "4"}));
+  error.message = "//a[";
+  EXPECT_TRUE(r.nodesForXPath(XPath(error.message), &error).isNil());
+  EXPECT_NE(error.message, "//a[");
+}
+
 TEST(Query, ThatTakesTooManyStepsIsGivenUp) {
   const DDXMLElement r = root("<r>" + repeat("<a/>", 1000) + "</r>");
   XmlError error;

@@ -2,6 +2,7 @@
 
 #include "tamzo/vast/TamzoVastAd.h"
 
+#include <exception>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -55,6 +56,14 @@ Text TamzoVastAd::getVideoWAPView() { return getVideoWAPView(*TamzoHost::get());
 
 Text TamzoVastAd::getVideoWAPView(const TamzoHost& host) {
   const HostScope scope(host);
+  try {
+    return fillVideoWAPView();
+  } catch (const std::exception&) {
+    return Text::literal("");
+  }
+}
+
+Text TamzoVastAd::fillVideoWAPView() {
   if (!vastTagURI().hasCharacters()) {
     return Text::literal("");
   }

@@ -75,7 +75,7 @@ std::shared_ptr<TamzoVastAd> TamzoVastAd::initWithVast(const Text& vast,
 #undef TAMZO_PROPERTY
     static_cast<void>(response);
     ad->parse(replaceWithPattern("xmlns", vast), chain);
-  } catch (const std::bad_alloc& exception) {
+  } catch (const std::exception& exception) {
     // Memory ran out before the loop, whose guard answers for everything after.
     if (ad != nullptr) {
       ad->fail(exception);
@@ -96,7 +96,7 @@ void TamzoVastAd::parseVast(const Text& vast, const ParseOptions& options) {
   Chain chain(response, options);
   try {
     parse(response, chain);
-  } catch (const std::bad_alloc& exception) {
+  } catch (const std::exception& exception) {
     fail(exception);
   }
 }

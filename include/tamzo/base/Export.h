@@ -14,3 +14,14 @@
 #else
 #define TAMZO_HIDDEN __attribute__((visibility("hidden")))
 #endif
+
+/// Marks a view, reference or iterator into the object that it is asked of: where the compiler can
+/// tell that the object is gone before it (clang), that is a warning.
+#if defined(__has_cpp_attribute)
+#if __has_cpp_attribute(clang::lifetimebound)
+#define TAMZO_LIFETIMEBOUND [[clang::lifetimebound]]
+#endif
+#endif
+#ifndef TAMZO_LIFETIMEBOUND
+#define TAMZO_LIFETIMEBOUND
+#endif

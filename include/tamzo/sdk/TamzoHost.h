@@ -64,12 +64,13 @@ struct TAMZO_EXPORT TamzoHost {
   std::function<std::uint32_t(std::uint32_t bound)> random;
 
   /// Sets the host of the whole process, for every parse that begins from now on. May be called
-  /// from any thread. An empty host brings all defaults back.
+  /// from any thread. An empty host brings all defaults back. Throws std::bad_alloc, and then
+  /// nothing is changed.
   static void set(TamzoHost host);
 
   /// The host of the whole process, as it was set last. Never null. To change one member, copy it,
   /// change the copy and set that.
-  static std::shared_ptr<const TamzoHost> get();
+  static std::shared_ptr<const TamzoHost> get() noexcept;
 };
 
 }  // namespace tamzo

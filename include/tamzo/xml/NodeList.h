@@ -53,7 +53,8 @@ class TAMZO_EXPORT NodeList {
   /// The first node that `path` finds under the first node of the list, or nil.
   DDXMLElement firstMatch(const XPath& path) const;
 
-  /// What `path` finds under the first node of the list; nil when the list holds none.
+  /// What `path` finds under the first node of the list; nil when the list holds none. `error` is
+  /// that of DDXMLElement::nodesForXPath().
   NodeList nodesUnderFirst(const XPath& path, XmlError* error = nullptr) const;
 
   /// Walks over the nodes; each is given as a handle of its own.
@@ -86,9 +87,9 @@ class TAMZO_EXPORT NodeList {
     std::size_t index_ = 0;
   };
   /// The nodes in document order. Valid as long as this very list lives and is not assigned to.
-  Iterator begin() const noexcept { return {this, 0}; }
+  Iterator begin() const noexcept TAMZO_LIFETIMEBOUND { return {this, 0}; }
   /// The end of begin().
-  Iterator end() const noexcept { return {this, size_}; }
+  Iterator end() const noexcept TAMZO_LIFETIMEBOUND { return {this, size_}; }
 
  private:
   friend class DDXMLDocument;

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+#include <stdexcept>
+
 #include "tests/support/SdkFixture.h"
 
 namespace tamzo::testing {
@@ -219,6 +222,24 @@ TEST_F(VpaidPageTest, TheSdksOwnTemplateHasAllFourPlaceholders) {
   const Text page = adWithTag("http://tag.example/")->getVideoWAPView();
   EXPECT_EQ(page.view().find("{{"), std::string_view::npos);
   EXPECT_NE(page.view().find("http://tag.example/"), std::string_view::npos);
+}
+
+TEST_F(VpaidPageTest, IsEmptyWhereTheHostThrowsAndTheRecordKeepsTheLastOne) {
+  useTemplate("{{VAST_TAG}}");
+  const auto ad = adWithTag("http://t/[TAMZO_SESSION_ID]");
+  ASSERT_EQ(ad->getVideoWAPView(), "http://t/");
+  HostState throwing;
+  throwing.sessionId = []() -> Text { throw std::runtime_error("no session"); };
+  useState(throwing);
+  EXPECT_EQ(ad->getVideoWAPView(), "");
+  useState({});
+  useTemplateFrom([]() -> Text { throw std::bad_alloc(); });
+  EXPECT_EQ(ad->getVideoWAPView(), "");
+  EXPECT_EQ(ad->vPaidHTML(), "http://t/");
+  EXPECT_EQ(ad->errorCode(), kException) << "of the parse, and as it was";
+
+  useTemplateFrom([]() -> Text { throw 7; });  // NOLINT(hicpp-exception-baseclass)
+  EXPECT_THROW(ad->getVideoWAPView(), int) << "what is no std::exception is the host's own";
 }
 
 }  // namespace
