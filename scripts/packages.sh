@@ -5,7 +5,9 @@ build_packages=(
   libxml2-dev libcurl4-openssl-dev rapidjson-dev libfast-float-dev libutfcpp-dev
   libcli11-dev libfmt-dev libtbb-dev
 )
-test_packages=(googletest nlohmann-json3-dev nodejs node-jsdom python3)
+test_packages=(
+  googletest nlohmann-json3-dev nodejs node-jsdom python3 python3-distributed parallel
+)
 check_packages=(
   clang clang-tidy clang-format libc++-dev libc++abi-dev libclang-rt-14-dev
   libbenchmark-dev valgrind gcovr
