@@ -6,7 +6,10 @@ build_packages=(
   libcli11-dev libfmt-dev libicu-dev
   ca-certificates
 )
-test_packages=(googletest nlohmann-json3-dev libssl-dev nodejs node-jsdom python3)
+test_packages=(
+  googletest nlohmann-json3-dev libssl-dev nodejs node-jsdom
+  python3 python3-distributed parallel
+)
 check_packages=(
   clang clang-tidy clang-format libc++-dev libc++abi-dev libclang-rt-14-dev
   libbenchmark-dev valgrind gcovr eslint node-typescript
