@@ -14,7 +14,7 @@ std::shared_ptr<DDXMLDocument> DDXMLDocument::initWithXMLString(const Text& text
   }
   XmlParser parser;
   auto document = parser.parseDocument(text);
-  if (error != nullptr && document == nullptr) {
+  if (error != nullptr) {
     *error = parser.error();
   }
   return document;

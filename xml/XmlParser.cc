@@ -551,9 +551,6 @@ std::shared_ptr<const XmlTree> XmlParser::parse(const Text& given) {
   }
   auto tree = std::make_shared<const XmlTree>(doc.get());
   static_cast<void>(doc.release());
-  if (error != nullptr) {
-    error->message.clear();
-  }
   return tree;
 }
 
@@ -569,7 +566,7 @@ std::shared_ptr<DDXMLDocument> XmlParser::parseDocument(const Text& text) {
 std::shared_ptr<const XmlTree> parseXml(const Text& text, XmlError* error) {
   XmlParser parser;
   auto tree = parser.parse(text);
-  if (error != nullptr && tree == nullptr) {
+  if (error != nullptr) {
     *error = parser.error();
   }
   return tree;
