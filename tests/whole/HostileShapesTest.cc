@@ -185,6 +185,35 @@ TEST_P(HostileShapesTest, EndsAsItMustAndSoon) {
   EXPECT_LT(threadSeconds() - begin, kMostSeconds);
 }
 
+std::string replaced(std::string text, std::string_view what, std::string_view with) {
+  for (std::size_t at = text.find(what); at != std::string::npos;
+       at = text.find(what, at + with.size())) {
+    text.replace(at, what.size(), with);
+  }
+  return text;
+}
+
+// The same ad behind a Wrapper, with a unit that is played in a page: the chain is merged.
+TEST_P(HostileShapesTest, EndsSoonMergedAndInAPageToo) {
+  if (GetParam().errorCode != 0 && GetParam().errorCode != 101) {
+    GTEST_SKIP() << "no document of a chain's end";
+  }
+  const std::string response = replaced(GetParam().make(kBytes), "type=\"video/mp4\">",
+                                        "type=\"application/javascript\" apiFramework=\"VPAID\">");
+  readUrlsWith([&response](const Text&) { return std::optional<std::string>(response); });
+  const double begin = threadSeconds();
+  const auto ad = TamzoVastAd::initWithVast(
+      "<VAST version=\"4.0\"><Ad><Wrapper><VASTAdTagURI>https://a.example/</VASTAdTagURI>"
+      "<Impression>u</Impression></Wrapper></Ad></VAST>");
+  ASSERT_NE(ad, nullptr);
+  EXPECT_EQ(ad->errorCode(), GetParam().errorCode);
+  // What is merged is written out: with every reference and every prefix.
+  EXPECT_LE(ad->vastTagURI().view().size(), 16 * response.size());
+  const std::size_t page = ad->getVideoWAPView().view().size();
+  EXPECT_LE(page, ad->vastTagURI().view().size() + 100'000);
+  EXPECT_LT(threadSeconds() - begin, kMostSeconds);
+}
+
 std::string testName(const ::testing::TestParamInfo<HostileShape>& info) {
   std::string name;
   for (const char c : info.param.name) {
