@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/Utf8.h"
 #include "bench/HostileDocuments.h"
 #include "tamzo/net/TamzoUrlReader.h"
 #include "tamzo/vast/RecordJson.h"
@@ -206,7 +207,8 @@ TEST_P(HostileShapesTest, EndsSoonMergedAndInAPageToo) {
       "<VAST version=\"4.0\"><Ad><Wrapper><VASTAdTagURI>https://a.example/</VASTAdTagURI>"
       "<Impression>u</Impression></Wrapper></Ad></VAST>");
   ASSERT_NE(ad, nullptr);
-  EXPECT_EQ(ad->errorCode(), GetParam().errorCode);
+  // A body that is not UTF-8 is none.
+  EXPECT_EQ(ad->errorCode(), isUtf8(response) ? GetParam().errorCode : kEmptyContent);
   // What is merged is written out: with every reference and every prefix.
   EXPECT_LE(ad->vastTagURI().view().size(), 16 * response.size());
   const std::size_t page = ad->getVideoWAPView().view().size();
