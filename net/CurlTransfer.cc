@@ -189,7 +189,7 @@ FetchFailure CurlTransfer::perform() {
 // says why it was stopped.
 CURLcode CurlTransfer::drive() {
   CURLM* multi = session_.multi();
-  if (curl_multi_add_handle(multi, easy_) != CURLM_OK) {
+  if (mustStop() || curl_multi_add_handle(multi, easy_) != CURLM_OK) {
     return CURLE_FAILED_INIT;
   }
   for (;;) {
@@ -256,24 +256,27 @@ FetchFailure CurlTransfer::failureOf(CURLcode code) const noexcept {
   if (answer_.isRedirect() && (code == CURLE_PARTIAL_FILE || code == CURLE_BAD_CONTENT_ENCODING)) {
     return FetchFailure::none;
   }
-  return code == CURLE_RECV_ERROR ? failureOfConnection() : failureOfCode(code);
-}
-
-// libcurl has one code for a connection that broke, for chunks that are none, and for a proxy that
-// says no.
-FetchFailure CurlTransfer::failureOfConnection() const noexcept {
-  const std::string_view error = error_.data();
-  if (error.find("CONNECT") != std::string_view::npos) {
+  if (code != CURLE_OK && isRefusedByProxy()) {
     return FetchFailure::connect;
   }
-  const bool isNoHttp = error.find("chunked-encoding") != std::string_view::npos;
-  return isNoHttp ? FetchFailure::protocol : FetchFailure::cutOff;
+  // libcurl has one code for a connection that broke and for chunks that are none.
+  const bool isNoChunk =
+      code == CURLE_RECV_ERROR &&
+      std::string_view(error_.data()).find("chunked-encoding") != std::string_view::npos;
+  return isNoChunk ? FetchFailure::protocol : failureOfCode(code);
+}
+
+// A proxy that opens no tunnel; libcurl takes its answer for the server's.
+bool CurlTransfer::isRefusedByProxy() const noexcept {
+  long status = 0;
+  curl_easy_getinfo(easy_, CURLINFO_HTTP_CONNECTCODE, &status);
+  return status >= 300;
 }
 
 int CurlTransfer::status() const noexcept {
   long status = 0;
   curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
-  return static_cast<int>(status);
+  return isRefusedByProxy() ? 0 : static_cast<int>(status);
 }
 
 std::optional<std::string> CurlTransfer::contentType() const {
