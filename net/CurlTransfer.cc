@@ -17,8 +17,10 @@ namespace {
 // A connection that was idle for longer may be gone without a word, as when a phone changes its
 // network.
 constexpr long kLongestIdleSeconds = 10;
-// How often what came over the network is looked at, where nothing else happens.
+// How often a transfer is looked at where nothing happens. While it connects more often: libcurl
+// does not wake up when the time of one address is over and that of the next begins.
 constexpr int kLongestWaitMilliseconds = 1000;
+constexpr int kLongestWaitToConnect = 50;
 
 // A callback that takes less than it was given makes libcurl give up.
 constexpr std::size_t kGiveUp = 0;
@@ -232,9 +234,10 @@ bool CurlTransfer::mustStop() {
 }
 
 int CurlTransfer::longestWait() const noexcept {
-  const Deadline soonest = isConnected_ ? deadline_ : deadline_.orSooner(connectDeadline_);
-  return static_cast<int>(
-      std::min<long>(kLongestWaitMilliseconds, millisecondsOf(soonest.secondsLeft())));
+  const bool isConnecting = hasOpened_ && !isConnected_;
+  const Deadline soonest = isConnecting ? deadline_.orSooner(connectDeadline_) : deadline_;
+  const int longest = isConnecting ? kLongestWaitToConnect : kLongestWaitMilliseconds;
+  return static_cast<int>(std::min<long>(longest, millisecondsOf(soonest.secondsLeft())));
 }
 
 void CurlTransfer::noteReceived() noexcept {
@@ -251,6 +254,10 @@ FetchFailure CurlTransfer::failureOf(CURLcode code) const noexcept {
   }
   if (answer_.failure() != FetchFailure::none) {
     return answer_.failure();
+  }
+  // libcurl takes headers that break off for all there are.
+  if (code == CURLE_OK && !answer_.hasHead()) {
+    return FetchFailure::cutOff;
   }
   // Nobody reads what a redirect says besides where it leads.
   if (answer_.isRedirect() && (code == CURLE_PARTIAL_FILE || code == CURLE_BAD_CONTENT_ENCODING)) {

@@ -51,6 +51,18 @@ TEST_F(FetchAnswerTest, TheLastOfSeveralHeadsCounts) {
   EXPECT_EQ(answer_.failure(), FetchFailure::none);
 }
 
+TEST_F(FetchAnswerTest, AHeadIsWholeWithItsLastLine) {
+  EXPECT_FALSE(answer_.hasHead());
+  take({"HTTP/1.1 100 Continue", ""});
+  EXPECT_FALSE(answer_.hasHead()) << "the answer is still to come";
+  take({"HTTP/1.1 200 OK", "Content-Length: 0"});
+  EXPECT_FALSE(answer_.hasHead());
+  take({""});
+  EXPECT_TRUE(answer_.hasHead());
+  take({"X-Trailer: x"});
+  EXPECT_TRUE(answer_.hasHead());
+}
+
 TEST_F(FetchAnswerTest, OneCodingIsTakenAndMoreAreNot) {
   const std::vector<std::vector<std::string>> taken{
       {"Content-Encoding: gzip"},
