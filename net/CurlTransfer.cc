@@ -17,8 +17,10 @@ namespace {
 // A connection that was idle for longer may be gone without a word, as when a phone changes its
 // network.
 constexpr long kLongestIdleSeconds = 10;
-// How often what came over the network is looked at, where nothing else happens.
+// How often a transfer is looked at where nothing happens. While it connects more often: libcurl
+// does not wake up when the time of one address is over and that of the next begins.
 constexpr int kLongestWaitMilliseconds = 1000;
+constexpr int kLongestWaitToConnect = 50;
 
 // A callback that takes less than it was given makes libcurl give up.
 constexpr std::size_t kGiveUp = 0;
@@ -189,7 +191,7 @@ FetchFailure CurlTransfer::perform() {
 // says why it was stopped.
 CURLcode CurlTransfer::drive() {
   CURLM* multi = session_.multi();
-  if (curl_multi_add_handle(multi, easy_) != CURLM_OK) {
+  if (mustStop() || curl_multi_add_handle(multi, easy_) != CURLM_OK) {
     return CURLE_FAILED_INIT;
   }
   for (;;) {
@@ -232,9 +234,10 @@ bool CurlTransfer::mustStop() {
 }
 
 int CurlTransfer::longestWait() const noexcept {
-  const Deadline soonest = isConnected_ ? deadline_ : deadline_.orSooner(connectDeadline_);
-  return static_cast<int>(
-      std::min<long>(kLongestWaitMilliseconds, millisecondsOf(soonest.secondsLeft())));
+  const bool isConnecting = hasOpened_ && !isConnected_;
+  const Deadline soonest = isConnecting ? deadline_.orSooner(connectDeadline_) : deadline_;
+  const int longest = isConnecting ? kLongestWaitToConnect : kLongestWaitMilliseconds;
+  return static_cast<int>(std::min<long>(longest, millisecondsOf(soonest.secondsLeft())));
 }
 
 void CurlTransfer::noteReceived() noexcept {
@@ -252,28 +255,35 @@ FetchFailure CurlTransfer::failureOf(CURLcode code) const noexcept {
   if (answer_.failure() != FetchFailure::none) {
     return answer_.failure();
   }
+  // libcurl takes headers that break off for all there are.
+  if (code == CURLE_OK && !answer_.hasHead()) {
+    return FetchFailure::cutOff;
+  }
   // Nobody reads what a redirect says besides where it leads.
   if (answer_.isRedirect() && (code == CURLE_PARTIAL_FILE || code == CURLE_BAD_CONTENT_ENCODING)) {
     return FetchFailure::none;
   }
-  return code == CURLE_RECV_ERROR ? failureOfConnection() : failureOfCode(code);
-}
-
-// libcurl has one code for a connection that broke, for chunks that are none, and for a proxy that
-// says no.
-FetchFailure CurlTransfer::failureOfConnection() const noexcept {
-  const std::string_view error = error_.data();
-  if (error.find("CONNECT") != std::string_view::npos) {
+  if (code != CURLE_OK && isRefusedByProxy()) {
     return FetchFailure::connect;
   }
-  const bool isNoHttp = error.find("chunked-encoding") != std::string_view::npos;
-  return isNoHttp ? FetchFailure::protocol : FetchFailure::cutOff;
+  // libcurl has one code for a connection that broke and for chunks that are none.
+  const bool isNoChunk =
+      code == CURLE_RECV_ERROR &&
+      std::string_view(error_.data()).find("chunked-encoding") != std::string_view::npos;
+  return isNoChunk ? FetchFailure::protocol : failureOfCode(code);
+}
+
+// A proxy that opens no tunnel; libcurl takes its answer for the server's.
+bool CurlTransfer::isRefusedByProxy() const noexcept {
+  long status = 0;
+  curl_easy_getinfo(easy_, CURLINFO_HTTP_CONNECTCODE, &status);
+  return status >= 300;
 }
 
 int CurlTransfer::status() const noexcept {
   long status = 0;
   curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
-  return static_cast<int>(status);
+  return isRefusedByProxy() ? 0 : static_cast<int>(status);
 }
 
 std::optional<std::string> CurlTransfer::contentType() const {

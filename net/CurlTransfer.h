@@ -61,7 +61,7 @@ class CurlTransfer {
   void noteReceived() noexcept;
   double milliseconds(CURLINFO info) const noexcept;
   FetchFailure failureOf(CURLcode code) const noexcept;
-  FetchFailure failureOfConnection() const noexcept;
+  bool isRefusedByProxy() const noexcept;
 
   // Called by libcurl.
   static std::size_t onBody(const char* bytes, std::size_t, std::size_t size, void* self) noexcept;

@@ -32,10 +32,11 @@ bool FetchAnswer::takeHeader(std::string_view line) {
     begin(line);
     return true;
   }
+  hasHead_ = hasHead_ || (trimmed(line).empty() && statusClass_ != '1');
   const std::size_t colon = std::min(line.find(':'), line.size());
   const std::string_view name = line.substr(0, colon);
   const std::string_view value = trimmed(line.substr(std::min(colon + 1, line.size())));
-  if (hasRedirectStatus_ && location_.empty() && equalsInAnyCase(name, "Location")) {
+  if (statusClass_ == '3' && location_.empty() && equalsInAnyCase(name, "Location")) {
     location_ = value;
   }
   const bool tellsCodings =
@@ -46,7 +47,9 @@ bool FetchAnswer::takeHeader(std::string_view line) {
 // There may be several: a server may send any number of 1xx first.
 void FetchAnswer::begin(std::string_view statusLine) noexcept {
   const std::size_t blank = std::min(statusLine.find(' '), statusLine.size());
-  hasRedirectStatus_ = trimmed(statusLine.substr(blank)).starts_with('3');
+  const std::string_view status = trimmed(statusLine.substr(blank));
+  statusClass_ = status.empty() ? '0' : status.front();
+  hasHead_ = false;
   location_.clear();
   codings_ = 0;
 }

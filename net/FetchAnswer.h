@@ -32,6 +32,8 @@ class FetchAnswer {
   bool noteReceived(std::size_t bytes) noexcept;
 
   FetchFailure failure() const noexcept { return failure_; }
+  /// True once the last line of the headers has come, which are not those of a 1xx.
+  bool hasHead() const noexcept { return hasHead_; }
   /// True for a redirect that says where to.
   bool isRedirect() const noexcept { return !location_.empty(); }
   const std::string& location() const noexcept { return location_; }
@@ -49,7 +51,8 @@ class FetchAnswer {
   FetchSpending& spent_;
   std::size_t received_ = 0;
   FetchFailure failure_ = FetchFailure::none;
-  bool hasRedirectStatus_ = false;
+  char statusClass_ = '0';
+  bool hasHead_ = false;
   int codings_ = 0;
   std::string location_;
   std::string body_;

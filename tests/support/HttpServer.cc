@@ -178,6 +178,7 @@ std::optional<std::string> Exchange::header(std::string_view name) const {
 }
 
 bool Exchange::send(std::string_view bytes) const {
+  hasSent_ = true;
   isKept_ = false;
   return peer_.send(bytes);
 }
@@ -185,13 +186,14 @@ bool Exchange::send(std::string_view bytes) const {
 void Exchange::respond(std::string_view body, std::string_view status,
                        const std::vector<std::string>& headers) const {
   std::string answer = "HTTP/1.1 " + std::string(status) + "\r\n";
+  bool stays = !hasSent_;
   for (const std::string& header : headers) {
     answer += header + "\r\n";
-    isKept_ = isKept_ && header != "Connection: close";
+    stays = stays && header != "Connection: close";
   }
   answer += "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n";
   answer += body;
-  isKept_ = peer_.send(answer) && isKept_;
+  isKept_ = peer_.send(answer) && stays;
 }
 
 void Exchange::resetOnClose() const {
@@ -371,7 +373,8 @@ void HttpServer::State::serveRequests(Peer& peer, int socket) {
     std::size_t end = 0;
     while ((end = received.find(kEnd)) == std::string::npos) {
       const std::string more = peer.receive();
-      if (more.empty()) {
+      constexpr char kTls = 0x16;
+      if (more.empty() || more[0] == kTls) {
         return;
       }
       received += more;

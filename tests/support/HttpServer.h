@@ -44,7 +44,7 @@ class Exchange {
   /// Makes the connection end with an RST in place of a FIN.
   void resetOnClose() const;
 
-  /// False once the connection is to be closed after this.
+  /// True when the connection stays open after this.
   bool isKept() const noexcept { return isKept_; }
 
  private:
@@ -52,7 +52,8 @@ class Exchange {
   int socket_;
   std::string path_;
   std::string head_;
-  mutable bool isKept_ = true;
+  mutable bool hasSent_ = false;
+  mutable bool isKept_ = false;
 };
 
 /// The files that a server over TLS needs.
