@@ -76,10 +76,15 @@ bool hasHttpScheme(std::string_view url) noexcept {
 
 }  // namespace
 
-std::optional<std::string> readWithCurl(const Text& url, const TamzoUrlReader::Limits& limits) {
+FetchResult fetchWithCurl(const FetchRequest& request) {
+  const Text& url = request.url;
+  const FetchLimits& limits = request.limits;
+  FetchResult result;
+  result.finalUrl = url.view();
   // libcurl would guess a scheme where there is none.
   if (!hasHttpScheme(url) || !initLibraryOnce()) {
-    return std::nullopt;
+    result.failure = FetchFailure::protocol;
+    return result;
   }
   const std::unique_ptr<CURL, FreeHandle> handle(curl_easy_init());
   if (handle == nullptr) {
@@ -110,9 +115,13 @@ std::optional<std::string> readWithCurl(const Text& url, const TamzoUrlReader::L
     throw std::bad_alloc();
   }
   if (code != CURLE_OK) {
-    return std::nullopt;
+    result.failure = FetchFailure::other;
+    return result;
   }
-  return std::move(download.body);
+  result.bytes = download.body.size();
+  result.failure = download.body.empty() ? FetchFailure::empty : FetchFailure::none;
+  result.body = std::move(download.body);
+  return result;
 }
 
 }  // namespace tamzo

@@ -68,8 +68,13 @@ class UrlBytes {
 
 }  // namespace
 
+FetchResult TamzoUrlReader::fetch(const FetchRequest& request) { return fetchWithCurl(request); }
+
 std::optional<std::string> TamzoUrlReader::read(const Text& url, const Limits& limits) {
-  return readWithCurl(url, limits);
+  FetchRequest request;
+  request.url = url;
+  request.limits = limits;
+  return fetch(request).body;
 }
 
 Text TamzoUrlReader::urlFromText(std::string_view text) {

@@ -226,11 +226,11 @@ TEST_F(CurlReaderTest, TheSchemeIsHttpInAnyCase) {
   server_.serve("/x", "body");
   const std::string rest = server_.url("/x").substr(std::string("http").size());
   for (const char* scheme : {"http", "HTTP", "hTtP"}) {
-    EXPECT_EQ(readWithCurl(scheme + rest, {}), "body") << scheme;
+    EXPECT_EQ(TamzoUrlReader::read(Text(scheme + rest), {}), "body") << scheme;
   }
   // "HTTP" with a bit of each letter changed, which is no letter case.
   for (const char* scheme : {"\x08TTP", "Htt\x10", "(ttp", "https:", "httpS:"}) {
-    EXPECT_EQ(readWithCurl(scheme + rest, {}), std::nullopt) << scheme;
+    EXPECT_EQ(TamzoUrlReader::read(Text(scheme + rest), {}), std::nullopt) << scheme;
   }
 }
 
@@ -240,11 +240,11 @@ TEST_F(CurlReaderTest, LimitsOfNoTimeOrOfMoreThanThereIsAreTimesToo) {
   TamzoUrlReader::Limits limits;
   limits.connectSeconds = 1e300;
   limits.totalSeconds = 1e300;
-  EXPECT_EQ(readWithCurl(server_.url("/x"), limits), "body");
+  EXPECT_EQ(TamzoUrlReader::read(Text(server_.url("/x")), limits), "body");
   // To libcurl 0 would mean no limit, and the read would wait for good.
   for (const double none : {0.0, -1.0, 1e-9}) {
     limits.totalSeconds = none;
-    EXPECT_EQ(readWithCurl(server_.url("/never"), limits), std::nullopt) << none;
+    EXPECT_EQ(TamzoUrlReader::read(Text(server_.url("/never")), limits), std::nullopt) << none;
   }
 }
 
@@ -253,8 +253,8 @@ TEST_F(CurlReaderTest, ABodyOfNothingFitsALimitOfNothing) {
   server_.serve("/one", "x");
   TamzoUrlReader::Limits limits;
   limits.maxBodyBytes = 0;
-  EXPECT_EQ(readWithCurl(server_.url("/empty"), limits), "");
-  EXPECT_EQ(readWithCurl(server_.url("/one"), limits), std::nullopt);
+  EXPECT_EQ(TamzoUrlReader::read(Text(server_.url("/empty")), limits), "");
+  EXPECT_EQ(TamzoUrlReader::read(Text(server_.url("/one")), limits), std::nullopt);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "tamzo/base/Text.h"
 #include "tamzo/sdk/TamzoHost.h"
 #include "tamzo/vast/ErrorCodes.h"
+#include "tamzo/vast/ParseOptions.h"
 #include "tamzo/vast/TamzoVastAdProperties.h"
 #include "tamzo/xml/DDXMLDocument.h"
 #include "tamzo/xml/NodeList.h"
@@ -46,12 +47,16 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
   static std::shared_ptr<TamzoVastAd> initWithVast(const Text& vast);
   /// The same with a host of its own, which is used until this returns.
   static std::shared_ptr<TamzoVastAd> initWithVast(const Text& vast, const TamzoHost& host);
+  /// The same with a host, a deadline, a cancellation and an observer, as far as they are given.
+  static std::shared_ptr<TamzoVastAd> initWithVast(const Text& vast, const ParseOptions& options);
 
   /// Resets the record as its properties say and parses `vast` as it stands, without the clean-up
   /// that initWithVast() does first. The host is that of the process.
   void parseVast(const Text& vast);
   /// The same with a host of its own, which is used until this returns.
   void parseVast(const Text& vast, const TamzoHost& host);
+  /// The same with a host, a deadline, a cancellation and an observer, as far as they are given.
+  void parseVast(const Text& vast, const ParseOptions& options);
 
   /// A record of which nothing was written yet: texts are nil, numbers 0, flags false.
   TamzoVastAd() noexcept = default;
@@ -209,10 +214,14 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
   /// @}
 
  private:
-  void parse(const Text& vast);
+  struct Chain;
+  void parse(const Text& vast, Chain& chain);
   void fail(const std::exception& exception);
-  void followChain();
-  Text readTagURI();
+  void followChain(Chain& chain);
+  bool startHop(Chain& chain);
+  bool readDocument(const Text& xml, Chain& chain);
+  Text readTagURI(Chain& chain);
+  void noteTag();
   bool process(std::int32_t pass, std::int32_t version, const DDXMLDocument& document);
   using WrapperReader = void (TamzoVastAd::*)(const DDXMLDocument&, const NodeList& wrappers);
   using InLineReader = bool (TamzoVastAd::*)(const NodeList& inlines);
@@ -233,6 +242,9 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
   void noteMissingLinear();
   void noteJavaScriptVPAID(const NodeList& inlines);
   TrackerMap& trackerMap();
+
+  // Of the parse under way.
+  Chain* chain_ = nullptr;
 };
 
 }  // namespace tamzo
