@@ -42,13 +42,12 @@ std::size_t takeLine(std::string& message) {
 
 Refusal refusalOf(const Text& text) {
   Refusal refusal;
-  XmlParser parser;
-  if (parser.parse(text) != nullptr) {
+  XmlError error;
+  if (parseXml(text, &error) != nullptr) {
     refusal.isXml = true;
     return refusal;
   }
-  refusal.bound = parser.bound();
-  refusal.parser = parser.error().message;
+  refusal.parser = error.message;
   refusal.line = takeLine(refusal.parser);
   if (refusal.bound.empty()) {
     refusal.fault = findFirstFault(text);
@@ -88,10 +87,11 @@ bool hasMedia(const SeenHop& hop) {
 
 }  // namespace
 
-Chain::Chain(const TamzoVastAd& ad, std::vector<SeenHop> hops, TrackerTally trackers)
+Chain::Chain(const TamzoVastAd& ad, std::vector<SeenHop> hops, TrackerTally trackers, Text what)
     : ad_(ad),
       hops_(std::move(hops)),
       trackers_(std::move(trackers)),
+      what_(std::move(what)),
       verdict_(verdictOf(ad)) {}
 
 const CleanUp& Chain::cleanUp() const {

@@ -24,7 +24,8 @@ struct Refusal {
 /// A parse that has ended: what findings are looked for in.
 class Chain {
  public:
-  Chain(const TamzoVastAd& ad, std::vector<SeenHop> hops, TrackerTally trackers);
+  /// `what` is the text of the exception that ended it; nil where none did, or nobody knows it.
+  Chain(const TamzoVastAd& ad, std::vector<SeenHop> hops, TrackerTally trackers, Text what);
 
   const TamzoVastAd& ad() const noexcept { return ad_; }
   Verdict verdict() const noexcept { return verdict_; }
@@ -33,6 +34,7 @@ class Chain {
   const std::vector<SeenHop>& hops() const noexcept { return hops_; }
   const SeenHop& last() const noexcept { return hops_.back(); }
   const TrackerTally& trackers() const noexcept { return trackers_; }
+  const Text& what() const noexcept { return what_; }
 
   /// True for the text that goes through the clean-up: a response that was given as text.
   static bool isCleaned(const SeenHop& hop) noexcept {
@@ -57,6 +59,7 @@ class Chain {
   const TamzoVastAd& ad_;
   std::vector<SeenHop> hops_;
   TrackerTally trackers_;
+  Text what_;
   Verdict verdict_;
   mutable std::optional<CleanUp> cleanUp_;
   mutable std::optional<Refusal> refusal_;

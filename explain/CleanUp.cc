@@ -137,9 +137,9 @@ CollapseFault CleanUp::findFault() const {
     fault.at = collapse.begin;
     fault.tookTagEnd = effect == Effect::tookTagEnd;
     if (fault.tookTagEnd) {
-      const std::string_view tag = cleaned_.view().substr(toCleaned(piece.begin));
-      const std::size_t end = std::min(tag.find('>'), tag.size() - 1) + 1;
-      fault.read = tag.substr(0, std::min(end, kLongestTag));
+      const std::string_view rest = cleaned_.view().substr(toCleaned(piece.begin));
+      const std::size_t end = std::min(rest.find('>'), rest.size() - 1) + 1;
+      fault.read = rest.substr(0, std::min(end, kLongestTag));
     }
     return false;
   });
