@@ -42,12 +42,13 @@ std::size_t takeLine(std::string& message) {
 
 Refusal refusalOf(const Text& text) {
   Refusal refusal;
-  XmlError error;
-  if (parseXml(text, &error) != nullptr) {
+  XmlParser parser;
+  if (parser.parse(text) != nullptr) {
     refusal.isXml = true;
     return refusal;
   }
-  refusal.parser = error.message;
+  refusal.bound = parser.bound();
+  refusal.parser = parser.error().message;
   refusal.line = takeLine(refusal.parser);
   if (refusal.bound.empty()) {
     refusal.fault = findFirstFault(text);

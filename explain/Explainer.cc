@@ -190,6 +190,7 @@ void Explainer::note(const Hop& hop) {
   seen.verifications = verificationsOf(hop.record) -
                        std::exchange(verifications_, verificationsOf(hop.record));
   hops_.push_back(std::move(seen));
+  exception_ = hop.exception;
 }
 
 Explanation Explainer::explain(const TamzoVastAd& ad) {
@@ -202,7 +203,7 @@ Explanation Explainer::explain(const TamzoVastAd& ad) {
   for (SeenHop& hop : hops_) {
     inspect(hop);
   }
-  const Chain chain(ad, std::move(hops_), std::move(trackers_), Text());
+  const Chain chain(ad, std::move(hops_), std::move(trackers_), exception_);
   Explanation explanation;
   explanation.verdict = chain.verdict();
   explanation.errorCode = ad.errorCode();

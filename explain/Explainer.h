@@ -35,6 +35,7 @@ class Explainer final : public ParseObserver {
   TrackerTally trackers_;
   std::size_t companions_ = 0;
   std::size_t verifications_ = 0;
+  Text exception_;
   std::exception_ptr failure_;
 };
 

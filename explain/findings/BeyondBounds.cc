@@ -5,14 +5,17 @@
 namespace tamzo::explain {
 
 void findBeyondBounds(const Chain& chain, Findings& findings) {
-  if (chain.errorCode() != kNotXml || chain.refusal().bound.empty()) {
+  if (chain.errorCode() != kNotXml || (chain.refusal().bound.empty() && !chain.refusal().isXml)) {
     return;
   }
+  // What is XML by itself was too much after the documents before it.
+  const std::string bound = chain.refusal().isXml ? "nodes" : chain.refusal().bound;
+  const std::string reason = chain.refusal().isXml ? "too many nodes" : chain.refusal().parser;
   findings.add(chain.last().number)
       .say("The document goes beyond a bound that the parser keeps to: " +
-               shortened(chain.refusal().parser, 200) + ".",
+               shortened(reason, 200) + ".",
            "Ad server: send a smaller document; no ad response comes near these bounds.")
-      .with("bound", chain.refusal().bound);
+      .with("bound", bound);
 }
 
 }  // namespace tamzo::explain

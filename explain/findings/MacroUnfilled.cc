@@ -15,7 +15,7 @@ void findMacroUnfilled(const Chain& chain, Findings& findings) {
     if (!names.list().empty()) {
       findings.add(hop.number)
           .at(hop.followed.firstNodeForXPath("VASTAdTagURI"))
-          .say("The tag was asked for with macros left as they are: " + names.inWords() + ".",
+          .say("Macros of the tag are left as they are: " + names.inWords() + ".",
                "Whoever made the tag: use the IAB's macros, in capital letters; others are not "
                "filled here.")
           .with("names", names.list());

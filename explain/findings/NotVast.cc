@@ -10,7 +10,7 @@ std::string sentenceOf(std::string_view root) {
   if (local == "VMAP") {
     return "The document is a VMAP, a list of ad breaks, and no VAST document.";
   }
-  if (equalButForCase(local, "VAST")) {
+  if (equalButForCase(root, "VAST")) {
     return "The root is " + quoted(root) + ": it must be \"VAST\" in capital letters.";
   }
   return "The root is " + quoted(root) + " and not \"VAST\".";
