@@ -9,6 +9,7 @@
 #include "tamzo/sdk/TamzoHost.h"
 #include "tools/Arguments.h"
 #include "tools/CommonOptions.h"
+#include "tools/Help.h"
 #include "tools/Input.h"
 #include "tools/Output.h"
 #include "tools/Response.h"
@@ -29,9 +30,9 @@ int run(const PageOptions& options) {
     host.vpaidWrapperTemplate = [text = Text(readInput(*options.templatePath))] { return text; };
     TamzoHost::set(std::move(host));
   }
-  const auto ad = parseResponse(options.inputs);
+  const auto ad = parseResponse(options.inputs, "page");
   Output output(options.common.outputPath());
-  output.write(ad->getVideoWAPView());
+  output.writeLines(ad->getVideoWAPView());
   output.finish();
   return statusOf(*ad);
 }
@@ -42,12 +43,16 @@ void addPageCommand(CLI::App& app, int& status) {
   auto options = std::make_shared<PageOptions>();
   CLI::App& command = *app.add_subcommand(
       "page", "Parse one response and print the page that plays its VPAID unit");
-  command.footer("Example:\n  tamzo-vast page --session-id 42 response.xml > page.html");
+  command.footer(
+      helpFooter("Examples:\n"
+                 "  tamzo-vast page --session-id 42 response.xml > page.html\n"
+                 "  tamzo-vast page --template mine.html -o page.html https://ads.example/vast\n"));
   addInput(command, options->inputs);
   command
       .add_option("--template", options->templatePath, "The page template; default: the SDK's own")
       ->type_name("FILE")
-      ->check(notEmpty("takes the name of a file"));
+      ->check(notEmpty("takes the name of a file"))
+      ->group("Output");
   options->common.addTo(command);
   command.final_callback([options, &status] { status = run(*options); });
 }

@@ -1,12 +1,15 @@
 #include "tools/Process.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <initializer_list>
+
+#include "tools/StandardError.h"
 
 namespace tamzo::command {
 namespace {
@@ -21,6 +24,7 @@ bool wasPipeIgnored = false;
 
 void endIfAwaited() {
   if (const int signal = awaited; signal != 0) {
+    StatusLine::eraseAtTheEnd();
     raise(signal);  // by now it has its default effect again
   }
 }
@@ -66,6 +70,15 @@ void endByBrokenPipe() {
     std::signal(SIGPIPE, SIG_DFL);
     raise(SIGPIPE);
   }
+}
+
+bool isPassing(int descriptor) noexcept {
+  if (errno == EAGAIN) {
+    pollfd writable{descriptor, POLLOUT, 0};
+    poll(&writable, 1, -1);
+    return true;
+  }
+  return errno == EINTR;
 }
 
 WholeWrite::WholeWrite() {

@@ -14,6 +14,10 @@ void handleSignals();
 /// whoever started it did.
 void endByBrokenPipe();
 
+/// Whether a write that has failed, as errno tells, may be tried again. Waits where whoever has the
+/// other end has made it one that does not wait.
+bool isPassing(int descriptor) noexcept;
+
 /// While one stands, SIGINT, SIGTERM and SIGHUP wait until it goes, so that they leave no half of a
 /// line behind. A second signal of the same kind does not wait. One at a time.
 class WholeWrite {

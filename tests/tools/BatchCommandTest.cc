@@ -38,12 +38,14 @@ TEST_F(BatchCommandTest, ABatchAnswersEveryLineInItsPlace) {
                        "null", "null", "null"};
   for (std::size_t i = 0; i < lines.size(); ++i) {
     ASSERT_TRUE(lines[i].is_object()) << i;
-    EXPECT_EQ(lines[i].size(), 2U) << i;
     EXPECT_EQ(lines[i].begin().key(), "id") << i;
     EXPECT_EQ(lines[i].at("id").dump(), ids[i]) << i;
     const bool isAnswered = i == 0 || i >= 7;
     EXPECT_EQ(lines[i].contains("record"), isAnswered) << i;
+    EXPECT_EQ(lines[i].size(), isAnswered ? 2U : 3U) << i;
     EXPECT_TRUE(isAnswered || lines[i].at("error").is_string()) << i;
+    // Two blank lines stand behind the first line.
+    EXPECT_TRUE(isAnswered || lines[i].at("line") == i + 3) << i;
   }
   EXPECT_EQ(lines[0].at("record").size(), 72U);
   EXPECT_EQ(lines[7].at("record").at("errorCode"), 102);
@@ -141,15 +143,16 @@ TEST_F(BatchCommandTest, APathIsTakenAsItIsWritten) {
 
   EXPECT_EQ(result.status, 2);
   const auto lines = jsonLines(result.out);
-  const std::pair<const char*, bool> expected[] = {
-      {"[in]/a.xml", false}, {"[in]/b.xml", true}, {"[c,d]", true}, {"[]", false}, {"", false}};
+  const std::pair<const char*, bool> expected[] = {{"none", false},      {"[in]/a.xml", false},
+                                                   {"[in]/b.xml", true}, {"[c,d]", true},
+                                                   {"[]", false},        {"", false}};
   ASSERT_EQ(lines.size(), std::size(expected)) << result.out;
   for (std::size_t i = 0; i < lines.size(); ++i) {
     EXPECT_EQ(lines[i].at("id"), expected[i].first);
     EXPECT_EQ(lines[i].contains("record"), expected[i].second) << expected[i].first;
   }
-  EXPECT_EQ(nothing.status, 0);
-  EXPECT_EQ(nothing.out, "") << "a folder without responses";
+  EXPECT_EQ(nothing.status, 2) << "a folder without responses";
+  EXPECT_EQ(nothing.out, "{\"id\": \"none\", \"error\": \"none: holds no *.xml file\"}\n");
 }
 
 TEST_F(BatchCommandTest, ABatchTakesTheOptionsOfParse) {
@@ -367,9 +370,10 @@ TEST_F(BatchCommandTest, AnUnreadableLineKeepsItsId) {
   const Result result = run({"batch"}, input);
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.out,
-            "{\"id\": \"a\", \"error\": \"holds a NUL character\"}\n"
-            "{\"id\": 1e999, \"error\": \"is not JSON\"}\n");
-  EXPECT_NE(result.err.find("line 2: is not JSON"), std::string::npos) << result.err;
+            "{\"id\": \"a\", \"line\": 1, \"error\": \"holds a NUL character at byte 22\"}\n"
+            "{\"id\": 1e999, \"line\": 2, \"error\": "
+            "\"is not JSON: a string does not end at byte 22\"}\n");
+  EXPECT_NE(result.err.find("line 2: is not JSON: a string"), std::string::npos) << result.err;
 }
 
 }  // namespace
