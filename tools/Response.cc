@@ -43,7 +43,7 @@ Text urlOf(const std::string& url) {
 }
 
 std::shared_ptr<TamzoVastAd> parseResponse(const std::vector<std::string>& inputs,
-                                           const std::string& command) {
+                                           const std::string& command, ParseObserver* observer) {
   const std::string input = inputs.empty() ? "-" : inputs.front();
   if (input == "-") {
     sayThatInputIsAwaited("a response", command);
@@ -54,7 +54,9 @@ std::shared_ptr<TamzoVastAd> parseResponse(const std::vector<std::string>& input
         return waitingLine(input, Clock::now() - begin, columns);
       },
       kPatience);
-  auto ad = TamzoVastAd::initWithVast(response);
+  tamzo::ParseOptions options;
+  options.observer = observer;
+  auto ad = TamzoVastAd::initWithVast(response, options);
   if (ad == nullptr) {
     throw CommandError("out of memory");
   }

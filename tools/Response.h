@@ -10,9 +10,11 @@ namespace tamzo::command {
 
 /// Parses the one response that `inputs` names: a file, a text that begins with "http" and is
 /// fetched, or standard input for "-" and for none. On a terminal, tells what takes long; `command`
-/// is the one whose help tells more. Throws CommandError when it cannot be read.
+/// is the one whose help tells more. `observer` may be null. Throws CommandError when it cannot be
+/// read.
 std::shared_ptr<TamzoVastAd> parseResponse(const std::vector<std::string>& inputs,
-                                           const std::string& command);
+                                           const std::string& command,
+                                           ParseObserver* observer = nullptr);
 
 /// A URL as what the parser fetches. Throws CommandError when it is not UTF-8.
 Text urlOf(const std::string& url);
