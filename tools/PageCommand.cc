@@ -8,6 +8,7 @@
 
 #include "tamzo/sdk/TamzoHost.h"
 #include "tools/Arguments.h"
+#include "tools/ChainFiles.h"
 #include "tools/CommonOptions.h"
 #include "tools/Help.h"
 #include "tools/Input.h"
@@ -19,6 +20,7 @@ namespace {
 
 struct PageOptions {
   CommonOptions common;
+  ChainFiles files;
   std::vector<std::string> inputs;
   std::optional<std::string> templatePath;
 };
@@ -30,7 +32,7 @@ int run(const PageOptions& options) {
     host.vpaidWrapperTemplate = [text = Text(readInput(*options.templatePath))] { return text; };
     TamzoHost::set(std::move(host));
   }
-  const auto ad = parseResponse(options.inputs, "page");
+  const auto ad = parseResponse(options.inputs, "page", options.files);
   Output output(options.common.outputPath());
   output.writeLines(ad->getVideoWAPView());
   output.finish();
@@ -54,6 +56,7 @@ void addPageCommand(CLI::App& app, int& status) {
       ->check(notEmpty("takes the name of a file"))
       ->group("Output");
   options->common.addTo(command);
+  options->files.addTo(command);
   command.final_callback([options, &status] { status = run(*options); });
 }
 

@@ -10,6 +10,7 @@
 #include "explain/ExplanationJson.h"
 #include "tamzo/vast/RecordJson.h"
 #include "tools/Arguments.h"
+#include "tools/ChainFiles.h"
 #include "tools/CommonOptions.h"
 #include "tools/Help.h"
 #include "tools/Output.h"
@@ -24,6 +25,7 @@ constexpr int kNoDescriptor = -1;
 
 struct Request {
   CommonOptions common;
+  ChainFiles files;
   std::vector<std::string> inputs;
   std::string format = "text";
   bool isExplained = false;
@@ -44,7 +46,8 @@ int run(const Request& options) {
   const bool isJson = options.format == "json";
   explain::Explainer explainer;
   const bool isExplained = options.isExplained || !isJson;
-  const auto ad = parseResponse(options.inputs, "parse", isExplained ? &explainer : nullptr);
+  const auto ad = parseResponse(options.inputs, "parse", options.files,
+                                isExplained ? &explainer : nullptr);
   Output output(options.common.outputPath());
   if (!isExplained) {
     output.writeJson(recordAsJson(*ad, JsonLayout::indented) + "\n");
@@ -81,6 +84,7 @@ void addParseCommand(CLI::App& app, int& status) {
                 "With the JSON, say why it is as it is; the other formats always do")
       ->group("Output");
   options->common.addTo(command);
+  options->files.addTo(command);
   command.final_callback([options, &status] { status = run(*options); });
 }
 
