@@ -60,7 +60,9 @@ void ChainRecorder::note(const FetchRequest& request, const FetchResult& result)
     entry = HarEntry();
     entry.url = result.redirects[i];
   }
-  entry.status = result.status;
+  // A host's simple reader knows of no status.
+  const bool isUnknown = result.status == 0 && result.failure == FetchFailure::none;
+  entry.status = isUnknown ? 200 : result.status;
   entry.contentType = result.contentType;
   entry.milliseconds = result.milliseconds;
   entry.body = result.body;

@@ -120,7 +120,7 @@ void takeBody(const HarEntry& entry, const FetchRequest& request, FetchResult& r
   result.milliseconds = entry.milliseconds;
   if (!entry.failure.empty()) {
     result.failure = fetchFailureNamed(entry.failure);
-  } else if (entry.status == 0 || !entry.body) {
+  } else if (entry.status == 0 || (!entry.body && entry.status < kErrorsFrom)) {
     result.failure = FetchFailure::other;
   } else if (entry.status >= kErrorsFrom) {
     result.failure = FetchFailure::status;
