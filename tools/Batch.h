@@ -16,6 +16,8 @@ struct BatchRequest {
   bool isSummary = false;  ///< the table on the output, and no records
   bool isQuiet = false;    ///< neither table nor bar on standard error
   AnswerForm form;
+  /// One of these findings makes the run fail.
+  std::vector<std::string> failOn;
   std::string outputPath;  ///< "" for standard output
 };
 

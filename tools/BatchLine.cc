@@ -10,6 +10,8 @@
 #include "base/JsonReader.h"
 #include "base/JsonText.h"
 #include "base/Utf8.h"
+#include "explain/Explainer.h"
+#include "explain/ExplanationJson.h"
 #include "tamzo/vast/TamzoVastAd.h"
 #include "tools/IdSearch.h"
 #include "tools/Input.h"
@@ -137,21 +139,63 @@ BatchAnswer refuseLine(const std::string& id, std::size_t number, const std::str
   return {fmt::format(R"({{"id": {}, "line": {}, "error": {}}})", id, number, idOf(why)), why};
 }
 
+namespace {
+
+// Every finding counts, those beyond the first twenty too.
+std::size_t countOf(const explain::Finding& finding) {
+  std::size_t count = 1;
+  for (const explain::Detail& detail : finding.details) {
+    count += detail.key == "more" ? std::stoul(detail.json) : 0;
+  }
+  return count;
+}
+
+bool hasAnyOf(const BatchAnswer& answer, const std::vector<std::string>& ids) {
+  return std::any_of(ids.begin(), ids.end(),
+                     [&](const std::string& id) { return answer.findings.contains(id); });
+}
+
+std::string lineOf(const std::string& id, const TamzoVastAd& ad,
+                   const std::optional<explain::Explanation>& explanation, const AnswerForm& form) {
+  const std::string record = recordAsJson(ad, JsonLayout::compact, form.content);
+  const std::string reasons =
+      explanation && form.hasExplanation ? explain::explanationAsJson(*explanation) : "";
+  constexpr std::string_view kBegin = R"({"id": )";
+  constexpr std::string_view kMiddle = R"(, "record": )";
+  constexpr std::string_view kReasons = R"(, "explanation": )";
+  std::string line;
+  line.reserve(kBegin.size() + id.size() + kMiddle.size() + record.size() + kReasons.size() +
+               reasons.size() + 2);
+  line.append(kBegin).append(id).append(kMiddle).append(record);
+  if (!reasons.empty()) {
+    line.append(kReasons).append(reasons);
+  }
+  return line.append("}");
+}
+
+}  // namespace
+
 BatchAnswer answerResponse(const std::string& id, const Text& vast, const AnswerForm& form) {
-  const auto ad = TamzoVastAd::initWithVast(vast);
+  explain::Explainer explainer;
+  ParseOptions options;
+  options.observer = form.countsFindings ? &explainer : nullptr;
+  const auto ad = TamzoVastAd::initWithVast(vast, options);
   if (ad == nullptr) {
     throw std::bad_alloc();
   }
-  if (!form.hasRecord) {
-    return {"", "", ad->errorCode()};
-  }
-  const std::string record = recordAsJson(*ad, JsonLayout::compact, form.content);
-  constexpr std::string_view kBegin = R"({"id": )";
-  constexpr std::string_view kMiddle = R"(, "record": )";
   BatchAnswer answer;
   answer.errorCode = ad->errorCode();
-  answer.line.reserve(kBegin.size() + id.size() + kMiddle.size() + record.size() + 2);
-  answer.line.append(kBegin).append(id).append(kMiddle).append(record).append("}");
+  std::optional<explain::Explanation> explanation;
+  if (form.countsFindings) {
+    explanation = explainer.explain(*ad);
+    for (const explain::Finding& finding : explanation->findings) {
+      answer.findings[finding.id] += countOf(finding);
+    }
+    answer.isLeftOut = !form.only.empty() && !hasAnyOf(answer, form.only);
+  }
+  if (form.hasRecord && !answer.isLeftOut) {
+    answer.line = lineOf(id, *ad, explanation, form);
+  }
   return answer;
 }
 

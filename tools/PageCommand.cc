@@ -10,6 +10,7 @@
 #include "tamzo/sdk/TamzoAssetsManager.h"
 #include "tamzo/sdk/TamzoHost.h"
 #include "tools/Arguments.h"
+#include "tools/ChainFiles.h"
 #include "tools/CommandError.h"
 #include "tools/CommonOptions.h"
 #include "tools/Help.h"
@@ -22,6 +23,7 @@ namespace {
 
 struct PageOptions {
   CommonOptions common;
+  ChainFiles files;
   std::vector<std::string> inputs;
   std::optional<std::string> templatePath;
 };
@@ -42,7 +44,7 @@ int run(const PageOptions& options) {
     host.vpaidWrapperTemplate = [text = Text(readInput(*options.templatePath))] { return text; };
     TamzoHost::set(std::move(host));
   }
-  const auto ad = parseResponse(options.inputs, "page");
+  const auto ad = parseResponse(options.inputs, "page", options.files);
   const Text page = ad->getVideoWAPView();
   Output output(options.common.outputPath());
   output.writeLines(page);
@@ -74,6 +76,7 @@ void addPageCommand(CLI::App& app, int& status) {
       ->check(notEmpty("takes the name of a file"))
       ->group("Output");
   options->common.addTo(command);
+  options->files.addTo(command);
   command.final_callback([options, &status] { status = run(*options); });
 }
 

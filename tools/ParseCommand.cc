@@ -6,8 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "explain/Explainer.h"
+#include "explain/ExplanationJson.h"
 #include "tamzo/vast/RecordJson.h"
 #include "tools/Arguments.h"
+#include "tools/ChainFiles.h"
 #include "tools/CommonOptions.h"
 #include "tools/Help.h"
 #include "tools/Output.h"
@@ -20,10 +23,12 @@ namespace {
 
 constexpr int kNoDescriptor = -1;
 
-struct ParseOptions {
+struct Request {
   CommonOptions common;
+  ChainFiles files;
   std::vector<std::string> inputs;
   std::string format = "text";
+  bool isExplained = false;
 };
 
 // Where the report goes decides how it looks.
@@ -36,14 +41,20 @@ ReportStyle styleFor(const Output& output, ColourChoice colours) {
   return style;
 }
 
-int run(const ParseOptions& options) {
+int run(const Request& options) {
   options.common.apply();
-  const auto ad = parseResponse(options.inputs, "parse");
+  const bool isJson = options.format == "json";
+  explain::Explainer explainer;
+  const bool isExplained = options.isExplained || !isJson;
+  const auto ad = parseResponse(options.inputs, "parse", options.files,
+                                isExplained ? &explainer : nullptr);
   Output output(options.common.outputPath());
-  if (options.format == "json") {
+  if (!isExplained) {
     output.writeJson(recordAsJson(*ad, JsonLayout::indented) + "\n");
+  } else if (const auto why = explainer.explain(*ad); isJson) {
+    output.writeJson(explain::recordWithExplanation(*ad, why, JsonLayout::indented) + "\n");
   } else {
-    output.write(textReport(*ad, styleFor(output, options.common.colours())));
+    output.write(textReport(*ad, why, styleFor(output, options.common.colours())));
   }
   output.finish();
   return statusOf(*ad);
@@ -52,7 +63,7 @@ int run(const ParseOptions& options) {
 }  // namespace
 
 void addParseCommand(CLI::App& app, int& status) {
-  auto options = std::make_shared<ParseOptions>();
+  auto options = std::make_shared<Request>();
   CLI::App& command = *app.add_subcommand("parse", "Parse one response and show its record");
   command.footer(
       helpFooter("On a terminal, what is longer than a line is cut in the middle; -o FILE, a pipe\n"
@@ -68,7 +79,12 @@ void addParseCommand(CLI::App& app, int& status) {
       ->type_name("FORMAT")
       ->check(oneOf({"text", "json"}))
       ->group("Output");
+  command
+      .add_flag("--explain", options->isExplained,
+                "With the JSON, say why it is as it is; the other formats always do")
+      ->group("Output");
   options->common.addTo(command);
+  options->files.addTo(command);
   command.final_callback([options, &status] { status = run(*options); });
 }
 

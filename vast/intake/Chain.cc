@@ -30,7 +30,7 @@ void TamzoVastAd::Chain::startHop(HopSource from, const Text& vastTagURI) {
 void TamzoVastAd::Chain::tell(const TamzoVastAd& record) {
   if (std::exchange(isToBeTold, false) && options.observer != nullptr) {
     options.observer->onHop({number, source, tagOfHop, url, fetch ? &*fetch : nullptr, document,
-                             parsed.get(), record.errorCode(), record});
+                             parsed.get(), record.errorCode(), record, exception});
   }
 }
 

@@ -51,6 +51,8 @@ struct TamzoVastAd::Chain {
   std::optional<FetchResult> fetch;
   std::shared_ptr<DDXMLDocument> parsed;
   bool isToBeTold = false;
+  /// What ended the parse; nil where nothing was thrown.
+  Text exception;
 
  private:
   FetchRequest requestFor(const Text& escapedUrl);

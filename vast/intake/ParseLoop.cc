@@ -111,6 +111,7 @@ void TamzoVastAd::parse(const Text& response, Chain& chain) {
     followChain(chain);
   } catch (const std::exception& exception) {
     fail(exception);
+    chain.exception = Text(exception.what());
   }
   try {
     chain.tell(*this);

@@ -33,6 +33,7 @@ struct Hop {
   const DDXMLDocument* parsed;  ///< as the parser read it; null where that is no XML
   std::int32_t errorCode;       ///< of the record after this hop
   const TamzoVastAd& record;    ///< after this hop
+  const Text& exception;        ///< what was thrown and ended the parse here; nil where nothing was
 };
 
 /// Told of each hop of a parse.

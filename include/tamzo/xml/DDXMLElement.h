@@ -17,6 +17,7 @@ struct _xmlNode;
 namespace tamzo {
 
 class DocumentBuilder;
+class NodeAccess;
 class NodeList;
 class XmlTree;
 
@@ -108,6 +109,7 @@ class TAMZO_EXPORT DDXMLElement {
   friend class NodeList;
   friend class DDXMLDocument;
   friend class DocumentBuilder;
+  friend class NodeAccess;
 
   DDXMLElement(_xmlNode* node, std::shared_ptr<const XmlTree> tree) noexcept
       : node_(node), tree_(std::move(tree)) {}
