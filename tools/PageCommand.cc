@@ -17,6 +17,7 @@
 #include "tools/Input.h"
 #include "tools/Output.h"
 #include "tools/Response.h"
+#include "tools/StandardError.h"
 
 namespace tamzo::command {
 namespace {
