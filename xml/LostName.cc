@@ -54,6 +54,9 @@ bool isLostName(const xmlParserCtxt& parser, const xmlError& error) noexcept {
   if (error.domain == XML_FROM_NAMESPACE && error.code == XML_NS_ERR_QNAME) {
     return isPartOfName(read, error);
   }
+  if (error.domain == XML_FROM_NAMESPACE && message.find("Empty XML namespace") < message.size()) {
+    return !read.ends_with("\"\"") && !read.ends_with("''");
+  }
   return error.code == XML_ERR_NAME_REQUIRED &&
          (message.starts_with("StartTag:") || message.starts_with("error parsing attribute")) &&
          isName(read, message);

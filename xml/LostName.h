@@ -5,10 +5,10 @@
 
 namespace tamzo {
 
-// Where libxml2 finds no memory for a name it may say nothing, and read on as if the name were
-// another one or none. These tell that from a name that is wrong.
+// Where libxml2 finds no memory for a name, or for the address of a namespace, it may say nothing,
+// and read on as if that were another one or none. These tell that from a name that is wrong.
 
-/// True when `error`, which `parser` has just come upon, is no fault of the text but of a name that
+/// True when `error`, which `parser` has just come upon, is no fault of the text but of one that
 /// found no memory.
 bool isLostName(const xmlParserCtxt& parser, const xmlError& error) noexcept;
 

@@ -42,7 +42,7 @@ constexpr int kMaxEntityNesting = 40;
 // to a byte of text.
 constexpr std::size_t kMaxNameBytes = 64;
 // Different runs of white space that are kept in the dictionary, beside the names.
-constexpr unsigned kMaxBlanks = 1024;
+constexpr int kMaxBlanks = 1024;
 
 /// A bound that a text went beyond, and what is said of it.
 struct Bound {
@@ -164,15 +164,18 @@ class Guard {
   }
 
   void checkNames(const xmlParserCtxt& parser) {
-    if (xmlDictSize(parser.dict) > kMaxNames + static_cast<int>(blanks_)) {
+    keptStrings_ = xmlDictSize(parser.dict);
+    if (keptStrings_ > kMaxNames + blanks_) {
       stop(kNames);
     }
   }
 
   /// True once after an error: only then may an element lack a prefix that it has in the text.
   bool mayLackPrefixes() noexcept { return std::exchange(mayLackPrefixes_, false); }
+  /// Whether it matters yet which strings of the dictionary are white space.
+  bool countsBlanks() const noexcept { return keptStrings_ >= kMaxBlanks; }
   bool keepsBlanks() const noexcept { return blanks_ < kMaxBlanks; }
-  void keptBlanks(int count) noexcept { blanks_ += static_cast<unsigned>(count); }
+  void keptBlanks(int count) noexcept { blanks_ += count; }
 
   bool mayDefaultAttributes() const noexcept { return mayDefaultAttributes_; }
   void setRanOutOfMemory() noexcept { ranOutOfMemory_ = true; }
@@ -228,7 +231,8 @@ class Guard {
   std::size_t nameBytes_ = 0;
   std::size_t maxNameBytes_;
   int declarations_ = 0;
-  unsigned blanks_ = 0;
+  int keptStrings_ = 0;
+  int blanks_ = 0;
   bool mayDefaultAttributes_ = false;
   bool mayLackPrefixes_ = false;
   bool ranOutOfMemory_ = false;
@@ -311,7 +315,8 @@ void onStartElement(void* context, const xmlChar* localName, const xmlChar* pref
 void appendText(Guard& guard, xmlParserCtxt& parser, const xmlChar* text, int length) noexcept {
   constexpr int kLeastKept = 2 * sizeof(void*);
   constexpr int kMostKept = 60;
-  const bool mayBeKept = length >= kLeastKept && length < kMostKept && *text <= ' ';
+  const bool mayBeKept =
+      guard.countsBlanks() && length >= kLeastKept && length < kMostKept && *text <= ' ';
   if (!mayBeKept) {
     xmlSAX2Characters(&parser, text, length);
   } else if (guard.keepsBlanks()) {
@@ -328,10 +333,13 @@ void appendText(Guard& guard, xmlParserCtxt& parser, const xmlChar* text, int le
 
 void onCharacters(void* context, const xmlChar* text, int length) {
   xmlParserCtxt& parser = *static_cast<xmlParserCtxt*>(context);
+  if (parser.node == nullptr) {
+    return;
+  }
   // What continues a text makes no node.
-  const xmlNode* last = parser.node == nullptr ? nullptr : parser.node->last;
+  const xmlNode* last = parser.node->last;
   appendText(Guard::of(context), parser, text, length);
-  if (parser.node != nullptr && parser.node->last != last) {
+  if (parser.node->last != last) {
     guarded(context, [](Guard& guard) { guard.addNodes(1); });
   }
 }

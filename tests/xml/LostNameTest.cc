@@ -51,6 +51,15 @@ TEST(LostNameTest, NamesWithColonsInOddPlacesAreRead) {
   }
 }
 
+TEST(LostNameTest, EmptyAddressesAreRead) {
+  for (const char* xml : {"<e:a xmlns:e=''/>", "<a xmlns:e=\"\" e:b=''/>", "<a xmlns:e = '' />",
+                          "<a xmlns=''/>", "<a xmlns:e='' xmlns:e2=\"\"/>"}) {
+    for (const std::string& text : {std::string(xml), withAccents(xml)}) {
+      EXPECT_NE(DDXMLDocument::initWithXMLString(Text("<r>" + text + "</r>"), 0), nullptr) << text;
+    }
+  }
+}
+
 TEST(LostNameTest, NamesThatAreNoneAreNoXml) {
   for (const char* xml : {"<",
                           "<1/>",

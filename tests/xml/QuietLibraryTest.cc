@@ -62,10 +62,12 @@ void takeAllMemory() {
 [[noreturn]] void parseOnAThreadWithoutMemory() {
   const rlimit limit{std::size_t{256} << 20U, std::size_t{256} << 20U};
   setrlimit(RLIMIT_AS, &limit);
-  std::thread([] {
+  const Text text = Text::literal("<a/>");
+  std::thread([&text] {
+    XmlParser parser;
     takeAllMemory();
     try {
-      static_cast<void>(XmlParser().parse("<a/>"));
+      static_cast<void>(parser.parse(text));
     } catch (const std::bad_alloc&) {
       _exit(0);
     }
