@@ -70,6 +70,21 @@ TEST_F(MoatTest, LogsTheWholeTextAfterEachBlockThatAddsToIt) {
                                                "<ViewableImpression>2</ViewableImpression>"}));
 }
 
+TEST_F(MoatTest, LogsAShortTextHoweverLittleItHasGrown) {
+  const auto ad = freshRecord();
+  collectLog();
+  const std::string block =
+      "<AdVerifications><Verification><ViewableImpression/></Verification></AdVerifications>";
+  ad->updateMoatAdVerification(
+      parseDocument("<E>" + block + block + block + block + "</E>")->nodesForXPath("/E/*"));
+  std::string grown;
+  for (const std::string& line : log()) {
+    grown += "<ViewableImpression/>";
+    EXPECT_TRUE(line.ends_with("] " + grown)) << line;
+  }
+  EXPECT_EQ(log().size(), 4U);
+}
+
 TEST_F(MoatTest, LogsALongTextWhole) {
   const auto ad = freshRecord();
   collectLog();
@@ -160,6 +175,10 @@ TEST_F(MoatTest, NothingHappensWithoutNodes) {
     EXPECT_EQ(recordAsJson(*ad), before);
     EXPECT_TRUE(log().empty());
   }
+  MutableText markup = ad->moatViewImpressionStr();
+  markup.appendString("<ViewableImpression/>");
+  ad->updateMoatAdVerification(NodeList::makeEmpty());
+  EXPECT_EQ(ad->moatVastIds(), "") << "what was there before is no reason to write it";
 }
 
 }  // namespace
