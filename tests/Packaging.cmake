@@ -47,11 +47,13 @@ tamzo_package_test(sharedAsksNothingOfConsumers ${CMAKE_CURRENT_SOURCE_DIR}/cons
 if(Python3_FOUND)
   add_test(NAME Package.checkOfSymbolsFindsWhatIsWrong
     COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check-symbols.py --self-test)
-  add_test(NAME Package.sharedExportsPublicNamesAlone
-    COMMAND ${CMAKE_COMMAND} -E env NM=${CMAKE_NM}
-      ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check-symbols.py public
-      ${stage}/${CMAKE_INSTALL_LIBDIR}/libtamzovast.so)
-  set_tests_properties(Package.sharedExportsPublicNamesAlone PROPERTIES FIXTURES_REQUIRED shared)
+  foreach(which public c)
+    add_test(NAME Package.sharedExports.${which}
+      COMMAND ${CMAKE_COMMAND} -E env NM=${CMAKE_NM}
+        ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check-symbols.py ${which}
+        ${stage}/${CMAKE_INSTALL_LIBDIR}/libtamzovast.so)
+    set_tests_properties(Package.sharedExports.${which} PROPERTIES FIXTURES_REQUIRED shared)
+  endforeach()
 endif()
 
 # Compiles each public header alone.
