@@ -35,6 +35,10 @@ if(NOT BUILD_SHARED_LIBS)
     OPTIONS -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE} -DCMAKE_PREFIX_PATH=${stage})
 endif()
 
+add_test(NAME Package.installsAlone
+  COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --prefix ${stage}-static)
+set_tests_properties(Package.installsAlone PROPERTIES FIXTURES_SETUP static_stage)
+
 # As an app carries it.
 tamzo_package_test(sharedIsInstalled ${PROJECT_SOURCE_DIR}
   OPTIONS -DCMAKE_BUILD_TYPE=MinSizeRel -DBUILD_SHARED_LIBS=ON -DTAMZO_WITH_CURL=OFF
@@ -43,6 +47,12 @@ tamzo_package_test(sharedIsInstalled ${PROJECT_SOURCE_DIR}
 set_tests_properties(Package.sharedIsInstalled PROPERTIES FIXTURES_SETUP shared)
 tamzo_package_test(sharedAsksNothingOfConsumers ${CMAKE_CURRENT_SOURCE_DIR}/consumer_shared
   NEEDS shared OPTIONS -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE} -DCMAKE_PREFIX_PATH=${stage}
+  COMMAND player)
+tamzo_package_test(sharedIsUsedFromCByPkgConfig ${CMAKE_CURRENT_SOURCE_DIR}/consumer_pkgconfig
+  NEEDS shared OPTIONS -DKIND=shared -DCMAKE_PREFIX_PATH=${stage}
+  COMMAND player)
+tamzo_package_test(staticIsUsedFromCByPkgConfig ${CMAKE_CURRENT_SOURCE_DIR}/consumer_pkgconfig
+  NEEDS static_stage OPTIONS -DKIND=static -DCMAKE_PREFIX_PATH=${stage}-static
   COMMAND player)
 if(Python3_FOUND)
   add_test(NAME Package.checkOfSymbolsFindsWhatIsWrong
