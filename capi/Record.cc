@@ -63,7 +63,7 @@ tamzo_vast_text tamzo_vast_text_of(const char* characters) {
   return {characters, characters == nullptr ? 0 : std::string_view(characters).size()};
 }
 
-const char* tamzo_vast_status_name(tamzo_vast_status status) {
+const char* tamzo_vast_status_name(int32_t status) {
   switch (status) {
     case TAMZO_VAST_OK:
       return "ok";
@@ -75,8 +75,9 @@ const char* tamzo_vast_status_name(tamzo_vast_status status) {
       return "hook failed";
     case TAMZO_VAST_NO_PAGE:
       return "no page";
+    default:
+      return "";
   }
-  return "";
 }
 
 tamzo_vast_text tamzo_vast_error_name(int32_t code) {

@@ -242,9 +242,14 @@ def c_header(rows):
 
 
 def c_symbols(header_text):
-    names = sorted(set(re.findall(r"TAMZO_VAST_API [\w ]+?\*?\s(tamzo_vast_\w+)\(",
-                                  header_text.replace("\n", " "))))
-    return "".join(f"{name}\n" for name in names)
+    names = set(re.findall(r"TAMZO_VAST_API [\w ]+?\*?\s(tamzo_vast_\w+)\(",
+                           header_text.replace("\n", " ")))
+    kept = C_SYMBOLS.read_text(encoding="utf-8").split() if C_SYMBOLS.exists() else []
+    if gone := sorted(set(kept) - names):
+        sys.exit(f"not in {C_HEADER.name} any more, which programs in the field call: "
+                 f"{', '.join(gone)}. Raise TAMZO_VAST_ABI and the version of the symbols, and take "
+                 f"them off {C_SYMBOLS.name} by hand")
+    return "".join(f"{name}\n" for name in sorted(names))
 
 
 def main(arguments):

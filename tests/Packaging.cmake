@@ -35,6 +35,10 @@ if(NOT BUILD_SHARED_LIBS)
     OPTIONS -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE} -DCMAKE_PREFIX_PATH=${stage})
 endif()
 
+add_test(NAME Package.installsAlone
+  COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --prefix ${stage}-static)
+set_tests_properties(Package.installsAlone PROPERTIES FIXTURES_SETUP static_stage)
+
 # As an app carries it.
 tamzo_package_test(sharedIsInstalled ${PROJECT_SOURCE_DIR}
   OPTIONS -DCMAKE_BUILD_TYPE=MinSizeRel -DBUILD_SHARED_LIBS=ON -DTAMZO_WITH_CURL=OFF
@@ -44,14 +48,22 @@ set_tests_properties(Package.sharedIsInstalled PROPERTIES FIXTURES_SETUP shared)
 tamzo_package_test(sharedAsksNothingOfConsumers ${CMAKE_CURRENT_SOURCE_DIR}/consumer_shared
   NEEDS shared OPTIONS -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE} -DCMAKE_PREFIX_PATH=${stage}
   COMMAND player)
+tamzo_package_test(sharedIsUsedFromCByPkgConfig ${CMAKE_CURRENT_SOURCE_DIR}/consumer_pkgconfig
+  NEEDS shared OPTIONS -DKIND=shared -DCMAKE_PREFIX_PATH=${stage}
+  COMMAND player)
+tamzo_package_test(staticIsUsedFromCByPkgConfig ${CMAKE_CURRENT_SOURCE_DIR}/consumer_pkgconfig
+  NEEDS static_stage OPTIONS -DKIND=static -DCMAKE_PREFIX_PATH=${stage}-static
+  COMMAND player)
 if(Python3_FOUND)
   add_test(NAME Package.checkOfSymbolsFindsWhatIsWrong
     COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check-symbols.py --self-test)
-  add_test(NAME Package.sharedExportsPublicNamesAlone
-    COMMAND ${CMAKE_COMMAND} -E env NM=${CMAKE_NM}
-      ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check-symbols.py public
-      ${stage}/${CMAKE_INSTALL_LIBDIR}/libtamzovast.so)
-  set_tests_properties(Package.sharedExportsPublicNamesAlone PROPERTIES FIXTURES_REQUIRED shared)
+  foreach(which public c)
+    add_test(NAME Package.sharedExports.${which}
+      COMMAND ${CMAKE_COMMAND} -E env NM=${CMAKE_NM}
+        ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check-symbols.py ${which}
+        ${stage}/${CMAKE_INSTALL_LIBDIR}/libtamzovast.so)
+    set_tests_properties(Package.sharedExports.${which} PROPERTIES FIXTURES_REQUIRED shared)
+  endforeach()
 endif()
 
 # Compiles each public header alone.

@@ -2,6 +2,8 @@
 
     check-symbols.py public LIBRARY      the public classes and functions of include/, no private
                                          member and nothing of another library
+    check-symbols.py c LIBRARY           of the functions for C those of capi/symbols.txt, each in
+                                         the version of the interface
     check-symbols.py bridge LIBRARY OBJECT...
                                          what the objects of a host define, and nothing of the
                                          static library linked into theirs
@@ -94,6 +96,23 @@ def check_public(library):
     return faults, len(symbols)
 
 
+def faults_of_c(symbols, kept, version):
+    shown = {symbol for symbol in symbols if symbol.startswith("tamzo_vast_")}
+    expected = {f"{name}@@{version}" for name in kept}
+    for symbol in sorted(shown - expected):
+        yield f"not in capi/symbols.txt: {symbol}"
+    for symbol in sorted(expected - shown):
+        yield f"not exported: {symbol}"
+
+
+def check_c(library):
+    symbols = nm("-D", "--defined-only", library)
+    header = (ROOT / "include/tamzo/tamzo_vast.h").read_text(encoding="utf-8")
+    abi = re.search(r"#define TAMZO_VAST_ABI (\d+)", header)[1]
+    kept = (ROOT / "capi/symbols.txt").read_text(encoding="utf-8").split()
+    return list(faults_of_c(symbols, kept, f"TAMZO_VAST_C_{abi}")), len(kept)
+
+
 def check_bridge(library, *objects):
     own = {name for path in objects for name in nm("--defined-only", path)}
     symbols = nm("-D", "--defined-only", library)
@@ -138,11 +157,15 @@ def self_test():
         told = " ".join(faults_of_public([symbol], [header]))
         if not told.startswith(expected) or bool(told) != bool(expected):
             faults.append(f"{symbol}: {told or 'nothing'}, not {expected or 'nothing'}")
+    told = list(faults_of_c(["tamzo_vast_a@@V_1", "tamzo_vast_b@@V_2", "tamzo::Ad::play()"],
+                            ["tamzo_vast_a", "tamzo_vast_c"], "V_1"))
+    if len(told) != 2 or "tamzo_vast_b" not in told[0] or "tamzo_vast_c" not in told[1]:
+        faults.append(f"of functions for C: {told}")
     return faults, len(rows)
 
 
 def main(arguments):
-    checks = {"public": check_public, "bridge": check_bridge, "--self-test": self_test}
+    checks = {"public": check_public, "c": check_c, "bridge": check_bridge, "--self-test": self_test}
     faults, count = checks[arguments[0]](*arguments[1:])
     for fault in faults:
         print(fault)

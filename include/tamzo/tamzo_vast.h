@@ -75,7 +75,7 @@ typedef enum tamzo_vast_status {
 } tamzo_vast_status;
 
 /** The status in words, with a NUL behind them; "" for a number that is none. Lives for good. */
-TAMZO_VAST_API const char* tamzo_vast_status_name(tamzo_vast_status status);
+TAMZO_VAST_API const char* tamzo_vast_status_name(int32_t status);
 
 /** A text that belongs to the caller. */
 typedef struct tamzo_vast_string tamzo_vast_string;

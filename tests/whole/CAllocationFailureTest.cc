@@ -55,6 +55,7 @@ constexpr const char* kResponse =
 
 int releases = 0;
 int kept = 0;
+int imageAds = 0;
 
 void release(void* user) { ++*static_cast<int*>(user); }
 
@@ -86,6 +87,7 @@ void useRecord(tamzo_vast_ad* ad) {
   const tamzo_vast_elements* cards = tamzo_vast_ad_cards(ad);
   if (cards != nullptr && cards->count > 0) {
     EXPECT_TRUE(isExpected(tamzo_vast_ad_get_image_ad(ad, cards->items[0])));
+    ++imageAds;
   }
   const tamzo_vast_extra_actions* actions = tamzo_vast_ad_extraActions(ad);
   if (actions != nullptr && actions->count > 0 && actions->items[0]->icon != nullptr) {
@@ -114,6 +116,7 @@ void useAll() {
 
 TEST(CAllocationFailure, NothingIsThrownAndEveryHookReleasedWhereverMemoryEnds) {
   useAll();  // makes what is made once
+  ASSERT_EQ(imageAds, 1);
   bool isThrough = false;
   for (long point = 0; !isThrough; ++point) {
     ASSERT_LT(point, 100'000);
