@@ -10,4 +10,6 @@ FetchResult fetchWithCurl(const FetchRequest& request) {
   return result;
 }
 
+void closeIdleCurlConnections() noexcept {}
+
 }  // namespace tamzo

@@ -77,6 +77,8 @@ std::optional<std::string> TamzoUrlReader::read(const Text& url, const Limits& l
   return fetch(request).body;
 }
 
+void TamzoUrlReader::closeIdleConnections() noexcept { closeIdleCurlConnections(); }
+
 Text TamzoUrlReader::urlFromText(std::string_view text) {
   if (text.empty() || text.size() > kMaxUrlBytes) {
     return {};

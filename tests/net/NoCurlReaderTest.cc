@@ -2,7 +2,9 @@
 // here once more, under a name of its own.
 
 #define fetchWithCurl fetchWithoutCurl
+#define closeIdleCurlConnections closeNoConnections
 #include "net/NoCurlReader.cc"
+#undef closeIdleCurlConnections
 #undef fetchWithCurl
 
 #include <gtest/gtest.h>
@@ -24,6 +26,7 @@ TEST(NoCurlReaderTest, EveryReadFailsAndNobodyIsAsked) {
   EXPECT_EQ(result.failure, FetchFailure::other);
   EXPECT_EQ(result.body, std::nullopt);
   EXPECT_EQ(result.finalUrl, server.url("/x"));
+  closeNoConnections();
   EXPECT_TRUE(server.requests().empty());
 }
 

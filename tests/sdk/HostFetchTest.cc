@@ -14,7 +14,7 @@ namespace {
 
 using HostFetchTest = FetchFixture;
 
-FetchRequest requestFor(const Text& url) {
+FetchRequest requestOf(const Text& url) {
   FetchRequest request;
   request.url = url;
   return request;
@@ -22,7 +22,7 @@ FetchRequest requestFor(const Text& url) {
 
 TEST_F(HostFetchTest, WithoutAReaderOfTheHostsTheDefaultFetches) {
   server_.serve("/x", "body");
-  const FetchResult result = fetchByHost(TamzoHost(), requestFor(Text(server_.url("/x"))));
+  const FetchResult result = fetchByHost(TamzoHost(), requestOf(Text(server_.url("/x"))));
   EXPECT_EQ(result.body, "body");
   EXPECT_EQ(result.failure, FetchFailure::none);
 }
@@ -30,14 +30,14 @@ TEST_F(HostFetchTest, WithoutAReaderOfTheHostsTheDefaultFetches) {
 TEST_F(HostFetchTest, TheReaderThatIsToldMoreComesFirst) {
   TamzoHost host;
   host.readUrl = [](const Text&) { return std::optional<std::string>("simple"); };
-  EXPECT_EQ(fetchByHost(host, requestFor("http://a/")).body, "simple");
+  EXPECT_EQ(fetchByHost(host, requestOf("http://a/")).body, "simple");
   host.fetch = [](const FetchRequest& request) {
     FetchResult result;
     result.status = 203;
     result.body = "hop " + std::to_string(request.hop) + " of " + std::string(request.url.view());
     return result;
   };
-  FetchRequest request = requestFor("http://a/");
+  FetchRequest request = requestOf("http://a/");
   request.hop = 3;
   const FetchResult result = fetchByHost(host, request);
   EXPECT_EQ(result.body, "hop 3 of http://a/");
@@ -48,17 +48,17 @@ TEST_F(HostFetchTest, AResultIsMadeOfWhatASimpleReaderBrings) {
   std::optional<std::string> body = "four";
   TamzoHost host;
   host.readUrl = [&](const Text&) { return body; };
-  FetchResult result = fetchByHost(host, requestFor("http://a/"));
+  FetchResult result = fetchByHost(host, requestOf("http://a/"));
   EXPECT_EQ(result.failure, FetchFailure::none);
   EXPECT_EQ(result.bytes, 4U);
   EXPECT_EQ(result.finalUrl, "http://a/");
   EXPECT_EQ(result.status, 0);
   body = "";
-  result = fetchByHost(host, requestFor("http://a/"));
+  result = fetchByHost(host, requestOf("http://a/"));
   EXPECT_EQ(result.failure, FetchFailure::empty);
   EXPECT_EQ(result.body, "");
   body.reset();
-  result = fetchByHost(host, requestFor("http://a/"));
+  result = fetchByHost(host, requestOf("http://a/"));
   EXPECT_EQ(result.failure, FetchFailure::other);
   EXPECT_EQ(result.body, std::nullopt);
 }
@@ -70,8 +70,8 @@ TEST_F(HostFetchTest, NobodyIsAskedForWhatIsNoUrlOrTooLate) {
     ++calls;
     return std::optional<std::string>("body");
   };
-  EXPECT_EQ(fetchByHost(host, requestFor(Text())).failure, FetchFailure::protocol);
-  FetchRequest request = requestFor("http://a/");
+  EXPECT_EQ(fetchByHost(host, requestOf(Text())).failure, FetchFailure::protocol);
+  FetchRequest request = requestOf("http://a/");
   request.deadline = Deadline::in(0.0);
   EXPECT_EQ(fetchByHost(host, request).failure, FetchFailure::timeout);
   request.cancellation = Cancellation();
@@ -81,7 +81,7 @@ TEST_F(HostFetchTest, NobodyIsAskedForWhatIsNoUrlOrTooLate) {
 }
 
 TEST_F(HostFetchTest, WhatAReaderBringsTooLateHasFailed) {
-  FetchRequest request = requestFor("http://a/");
+  FetchRequest request = requestOf("http://a/");
   request.cancellation = Cancellation();
   TamzoHost host;
   host.readUrl = [&](const Text&) {
@@ -96,11 +96,11 @@ TEST_F(HostFetchTest, WhatAReaderBringsTooLateHasFailed) {
 TEST_F(HostFetchTest, AReaderWithoutMemoryHasFailedAndOtherExceptionsPass) {
   TamzoHost host;
   host.readUrl = [](const Text&) -> std::optional<std::string> { throw std::bad_alloc(); };
-  EXPECT_EQ(fetchByHost(host, requestFor("http://a/")).failure, FetchFailure::other);
+  EXPECT_EQ(fetchByHost(host, requestOf("http://a/")).failure, FetchFailure::other);
   host.fetch = [](const FetchRequest&) -> FetchResult { throw std::bad_alloc(); };
-  EXPECT_EQ(fetchByHost(host, requestFor("http://a/")).failure, FetchFailure::other);
+  EXPECT_EQ(fetchByHost(host, requestOf("http://a/")).failure, FetchFailure::other);
   host.fetch = [](const FetchRequest&) -> FetchResult { throw std::runtime_error("x"); };
-  EXPECT_THROW(fetchByHost(host, requestFor("http://a/")), std::runtime_error);
+  EXPECT_THROW(fetchByHost(host, requestOf("http://a/")), std::runtime_error);
 }
 
 }  // namespace
