@@ -45,7 +45,7 @@ std::string progressBar(const RunState& state, const BatchSize& size, std::size_
   std::string text = count + "  " + rateOf(state);
   const std::optional<double> part = partOf(state, size);
   if (!part) {
-    return text + "  " + timeOf(state.seconds);
+    return text + "  " + timeOf(std::floor(state.seconds));
   }
   text += *part > 0 ? "  " + timeOf(state.seconds / *part * (1 - *part)) + " left" : "  ? left";
   if (columns < text.size() + kNarrowestBar + 3) {

@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::size_t kLongestTyped = 64;
 constexpr std::size_t kLettersPerSlip = 3;
+constexpr std::size_t kMostSlips = 3;
 
 // Letters to be inserted, taken away, changed, or swapped with their neighbour.
 std::size_t slipsBetween(std::string_view a, std::string_view b) {
@@ -41,7 +42,7 @@ std::string nearestName(std::string_view typed, const std::vector<std::string>& 
     return "";
   }
   std::string nearest;
-  std::size_t fewest = std::min<std::size_t>(typed.size() / kLettersPerSlip, 2) + 1;
+  std::size_t fewest = std::min(typed.size() / kLettersPerSlip, kMostSlips) + 1;
   for (const std::string& name : names) {
     const std::size_t slips = name.starts_with(typed) ? 0 : slipsBetween(typed, name);
     if (slips < fewest) {
