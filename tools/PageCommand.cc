@@ -3,17 +3,21 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "tamzo/sdk/TamzoAssetsManager.h"
 #include "tamzo/sdk/TamzoHost.h"
 #include "tools/Arguments.h"
 #include "tools/ChainFiles.h"
+#include "tools/CommandError.h"
 #include "tools/CommonOptions.h"
 #include "tools/Help.h"
 #include "tools/Input.h"
 #include "tools/Output.h"
 #include "tools/Response.h"
+#include "tools/StandardError.h"
 
 namespace tamzo::command {
 namespace {
@@ -25,6 +29,15 @@ struct PageOptions {
   std::optional<std::string> templatePath;
 };
 
+std::string_view whyThereIsNoPage(const TamzoVastAd& ad) {
+  if (!ad.vastTagURI().hasCharacters()) {
+    return "no page: the response is empty";
+  }
+  return TamzoAssetsManager::getVpaidWrapperData().hasCharacters()
+             ? "no page: placeholders that are filled with placeholders make it too long"
+             : "no page: the template is empty";
+}
+
 int run(const PageOptions& options) {
   options.common.apply();
   if (options.templatePath) {
@@ -33,9 +46,15 @@ int run(const PageOptions& options) {
     TamzoHost::set(std::move(host));
   }
   const auto ad = parseResponse(options.inputs, "page", options.files);
+  const Text page = ad->getVideoWAPView();
   Output output(options.common.outputPath());
-  output.writeLines(ad->getVideoWAPView());
+  output.writeLines(page);
   output.finish();
+  // A page that was made is kept, be it empty.
+  if (!page.hasCharacters() && ad->vPaidHTML().isNil()) {
+    complain(whyThereIsNoPage(*ad));
+    return kSomeFailed;
+  }
   return statusOf(*ad);
 }
 
@@ -46,7 +65,9 @@ void addPageCommand(CLI::App& app, int& status) {
   CLI::App& command = *app.add_subcommand(
       "page", "Parse one response and print the page that plays its VPAID unit");
   command.footer(
-      helpFooter("Examples:\n"
+      helpFooter("Exit status 1 when the ad failed, or when there is no page to print.\n"
+                 "\n"
+                 "Examples:\n"
                  "  tamzo-vast page --session-id 42 response.xml > page.html\n"
                  "  tamzo-vast page --template mine.html -o page.html https://ads.example/vast\n"));
   addInput(command, options->inputs);

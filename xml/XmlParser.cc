@@ -179,6 +179,7 @@ class Guard {
   bool ranOutOfMemory() const noexcept { return ranOutOfMemory_; }
   bool stopped() const noexcept { return stopped_; }
   std::size_t nodes() const noexcept { return nodes_; }
+  std::size_t expandedBytes() const noexcept { return expandedBytes_; }
   std::string_view bound() const noexcept { return bound_; }
   const std::string& reason() const noexcept { return reason_; }
 
@@ -483,14 +484,6 @@ void readFrom(xmlParserCtxt* parser, std::string_view text) {
   }
 }
 
-void initLibraryOnce() {
-  static const bool done = [] {
-    xmlInitParser();
-    return true;
-  }();
-  static_cast<void>(done);
-}
-
 // IGNORE_ENC: the text is UTF-8 whatever its declaration says. COMPACT: short texts need no
 // allocation of their own.
 constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING |
@@ -524,7 +517,6 @@ std::shared_ptr<const XmlTree> XmlParser::parse(const Text& given) {
   }
   // libxml2 reads up to a NUL. Most texts end with one and are read where they are.
   const std::string copy(given.isTerminated() ? std::string_view() : text);
-  initLibraryOnce();
   const QuietLibrary quiet;
 
   const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlNewParserCtxt());
@@ -549,7 +541,8 @@ std::shared_ptr<const XmlTree> XmlParser::parse(const Text& given) {
   if (doc == nullptr || parser->wellFormed == 0 || guard.stopped()) {
     return refuse(guard.reason().empty() ? "no XML" : guard.reason(), guard.bound());
   }
-  auto tree = std::make_shared<const XmlTree>(doc.get());
+  auto tree =
+      std::make_shared<const XmlTree>(doc.get(), nodes_, text.size() + guard.expandedBytes());
   static_cast<void>(doc.release());
   return tree;
 }

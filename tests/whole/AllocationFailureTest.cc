@@ -374,6 +374,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"VpaidChain", "chain/vpaid-behind-wrappers", false},
                       Case{"VpaidChainWithEntities", "chain/vpaid-with-entities", false},
                       Case{"Entities", "response/entities.xml", false},
+                      Case{"OddNames", "response/odd-names.xml", false},
                       Case{"NotXml", "response/not-xml", false}),
     nameOf);
 
