@@ -13,6 +13,8 @@ import sys
 from dataclasses import dataclass, field
 
 NAME = "tamzo-vast"
+# Headings of what stands behind the options; all others are those of a table.
+NOTES = ("Examples", "Exit status")
 
 
 @dataclass
@@ -65,7 +67,9 @@ def read(command, name):
     section, body = "", []
     sections = []
     for line in lines:
-        heading = re.fullmatch(r"(Options|Positionals|Subcommands):", line)
+        heading = re.fullmatch(r"([A-Z][\w' ]*):", line)
+        if heading and heading[1] in NOTES:
+            heading = None
         if heading or (section and line and not line.startswith(" ")):
             sections.append((section, body))
             section, body = (heading[1], []) if heading else ("notes", [line])
@@ -74,14 +78,14 @@ def read(command, name):
     sections.append((section, body))
     notes = []
     for section, body in sections:
-        if section == "Options":
-            result.options += filter(None, (option_of(*row) for row in rows_of(body)))
-        elif section == "Positionals":
+        if section == "Input":
             result.positionals += rows_of(body)
-        elif section == "Subcommands":
+        elif section == "Commands":
             result.subcommands += rows_of(body)
         elif section == "notes":
             notes += body
+        elif section:
+            result.options += filter(None, (option_of(*row) for row in rows_of(body)))
         else:
             result.summary = next((line for line in body if line), "")
             result.usage = next((line.removeprefix("Usage: ") for line in body

@@ -31,12 +31,17 @@ FetchFailure whyTooLate(const FetchRequest& request) noexcept {
 }
 
 FetchResult askHost(const TamzoHost& host, const FetchRequest& request) {
+  std::optional<std::string> body;
   try {
-    return host.fetch ? host.fetch(request) : resultOf(request.url, host.readUrl(request.url));
-  } catch (const std::bad_alloc& exception) {
-    TAMZO_LOG("error: %@", Text(exception.what()));
+    if (host.fetch) {
+      return host.fetch(request);
+    }
+    body = host.readUrl(request.url);
+  } catch (const std::bad_alloc&) {
+    TAMZO_LOG("error: the host's reader ran out of memory");
     return failedFetch(request.url, FetchFailure::other);
   }
+  return resultOf(request.url, std::move(body));
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ def completed(script, *words):
 
 
 def faults(command, folder):
-    commands = re.findall(r"^  (\w+)  ", run(command, "--help").stdout, re.MULTILINE)
+    commands = re.findall(r"^  ([a-z]\w+)  ", run(command, "--help").stdout, re.MULTILINE)
     if not {"parse", "page", "batch"} <= set(commands):
         yield f"--help lists {commands}"
     texts = {name: (folder / name).read_text(encoding="utf-8")

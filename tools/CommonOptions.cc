@@ -39,7 +39,7 @@ void CommonOptions::addOutput(CLI::App& command) {
           "--color", [this](const std::string& name) { colours_ = colourChoice(name); },
           "When to use colours; auto (default): on a terminal, unless NO_COLOR is set or TERM is "
           "dumb, and always where CLICOLOR_FORCE is set")
-      ->type_name("WHEN")
+      ->type_name("auto|always|never")
       ->check(oneOf({"auto", "always", "never"}))
       ->group(kOutput);
   command.add_flag("--debug", debug_, "Write the parser's log lines to standard error")

@@ -76,7 +76,7 @@ void addParseCommand(CLI::App& app, int& status) {
                  "  tamzo-vast parse --blocked-categories IAB25,IAB26 response.xml\n"));
   addInput(command, options->inputs);
   command.add_option("--format", options->format, "text (default) for people, json for programs")
-      ->type_name("FORMAT")
+      ->type_name("text|json")
       ->check(oneOf({"text", "json"}))
       ->group("Output");
   command

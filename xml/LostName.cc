@@ -41,10 +41,24 @@ bool isName(std::string_view read, std::string_view message) noexcept {
   return !name.empty() && (before == '<') == isElement;
 }
 
+// The address of a namespace came out empty, though one is there that needs no entity and has come
+// to its end.
+bool isAddress(std::string_view read, char next) noexcept {
+  const char quote = read.empty() ? '\0' : read.back();
+  if ((quote != '"' && quote != '\'') || !(mayPrecedeName(next) || next == '>')) {
+    return false;
+  }
+  read.remove_suffix(1);
+  const std::size_t open = read.rfind(quote);
+  const std::string_view address = open == std::string_view::npos ? "" : read.substr(open + 1);
+  return !address.empty() && address.find('&') == std::string_view::npos;
+}
+
 }  // namespace
 
 bool isLostName(const xmlParserCtxt& parser, const xmlError& error) noexcept {
-  if (parser.input == nullptr || parser.instate != XML_PARSER_CONTENT) {
+  // What is wrong already is refused whatever follows.
+  if (parser.input == nullptr || parser.instate != XML_PARSER_CONTENT || parser.wellFormed == 0) {
     return false;
   }
   const xmlParserInput& input = *parser.input;
@@ -55,7 +69,7 @@ bool isLostName(const xmlParserCtxt& parser, const xmlError& error) noexcept {
     return isPartOfName(read, error);
   }
   if (error.domain == XML_FROM_NAMESPACE && message.find("Empty XML namespace") < message.size()) {
-    return !read.ends_with("\"\"") && !read.ends_with("''");
+    return input.cur < input.end && isAddress(read, static_cast<char>(*input.cur));
   }
   return error.code == XML_ERR_NAME_REQUIRED &&
          (message.starts_with("StartTag:") || message.starts_with("error parsing attribute")) &&

@@ -508,11 +508,12 @@ TAMZO_VAST_API tamzo_vast_text tamzo_vast_ad_clickThrough(const tamzo_vast_ad* a
 TAMZO_VAST_API const tamzo_vast_duration* tamzo_vast_ad_duration(const tamzo_vast_ad* ad);
 
 /** When the viewer may skip, in milliseconds from the start; 0 when the ad does not say. Of the
- *  Linear or, over that, of the vendor's `SkipOffset`. */
+ *  Linear or, over that, of the vendor's `SkipOffset`. May be negative, infinite or NaN, as the
+ *  ad server has it: `-5%`, `1e999%`, and that without a duration. */
 TAMZO_VAST_API double tamzo_vast_ad_skipOffsetMillis(const tamzo_vast_ad* ad);
 
 /** 0, or why the ad failed: one of the codes in tamzo/vast/ErrorCodes.h. The code that was set
- *  last wins. */
+ *  last wins. A chain of six Wrappers ends with 0 and has nothing to play. */
 TAMZO_VAST_API int32_t tamzo_vast_ad_errorCode(const tamzo_vast_ad* ad);
 
 /** What the ad pays, in the ad server's own unit: the vendor's `vc`. */
@@ -625,7 +626,8 @@ TAMZO_VAST_API tamzo_vast_text tamzo_vast_ad_vastResponseStr(const tamzo_vast_ad
 TAMZO_VAST_API bool tamzo_vast_ad_is360Video(const tamzo_vast_ad* ad);
 
 /** Another component plays the ad: the vendor's `ImaTracking`. Set, it ends the chain, and
- *  vastTagURI holds the URL that was not fetched. */
+ *  vastTagURI holds the URL that was not fetched. It stays set: a second parse of the record
+ *  reads nothing until it is set back. */
 TAMZO_VAST_API bool tamzo_vast_ad_isImaEnabled(const tamzo_vast_ad* ad);
 
 /** The hotspots of a 360-degree video: the vendor's `Video360/Hotspots/Hotspot`. Null until a
@@ -671,7 +673,7 @@ TAMZO_VAST_API bool tamzo_vast_ad_isOMIDEnable(const tamzo_vast_ad* ad);
 TAMZO_VAST_API double tamzo_vast_ad_expires(const tamzo_vast_ad* ad);
 
 /** Every Category of the InLine, as it stands. Never null after a parse; it grows over parses,
- *  and every entry may block. VAST 4. */
+ *  and every entry may block, those of earlier parses too. VAST 4. */
 TAMZO_VAST_API const tamzo_vast_texts* tamzo_vast_ad_categoryArray(const tamzo_vast_ad* ad);
 
 /** The vendor's `TrackId`. */

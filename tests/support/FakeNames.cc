@@ -111,9 +111,12 @@ std::vector<std::string> FakeNames::asked() const {
 
 }  // namespace tamzo::testing
 
-// In place of the C library's, for libcurl too: an executable's symbols come first.
-extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* hints,
-                           addrinfo** result) {
+// In place of the C library's, for libcurl too: an executable's symbols come first, where they are
+// shown.
+extern "C" __attribute__((visibility("default"))) int getaddrinfo(const char* node,
+                                                                  const char* service,
+                                                                  const addrinfo* hints,
+                                                                  addrinfo** result) {
   const auto answer = tamzo::testing::ask(node);
   return answer ? tamzo::testing::resolve(*answer, service, hints, result)
                 : tamzo::testing::systems()(node, service, hints, result);

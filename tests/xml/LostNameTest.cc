@@ -60,6 +60,20 @@ TEST(LostNameTest, EmptyAddressesAreRead) {
   }
 }
 
+TEST(LostNameTest, AddressesOfWhichEntitiesLeaveNothingAreRead) {
+  EXPECT_NE(DDXMLDocument::initWithXMLString(
+                Text("<!DOCTYPE r [<!ENTITY e ''>]><r><a xmlns:e='&e;'/></r>"), 0),
+            nullptr);
+}
+
+// No end, none of its own kind, or a character that ends the reading.
+TEST(LostNameTest, AddressesWithoutAnEndAreNoXml) {
+  for (const char* xml : {"<a xmlns:e='u", "<a xmlns:e=\"u'", "<a xmlns:e=\"u'<b/>",
+                          "<a xmlns:e=\"u' >", "<a xmlns:e='u<b' />", "<a xmlns:e='&u;' />"}) {
+    EXPECT_EQ(DDXMLDocument::initWithXMLString(Text("<r>" + std::string(xml)), 0), nullptr) << xml;
+  }
+}
+
 TEST(LostNameTest, NamesThatAreNoneAreNoXml) {
   for (const char* xml : {"<",
                           "<1/>",

@@ -113,7 +113,7 @@ class TAMZO_EXPORT DDXMLElement {
 
   DDXMLElement(_xmlNode* node, std::shared_ptr<const XmlTree> tree) noexcept
       : node_(node), tree_(std::move(tree)) {}
-  NodeList findNodes(const XPath& path, XmlError* error) const;
+  TAMZO_HIDDEN NodeList findNodes(const XPath& path, XmlError* error) const;
 
   _xmlNode* node_ = nullptr;
   std::shared_ptr<const XmlTree> tree_;
