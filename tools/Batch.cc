@@ -13,6 +13,7 @@
 #include "tools/BatchSources.h"
 #include "tools/CommandError.h"
 #include "tools/Output.h"
+#include "tools/Process.h"
 #include "tools/Progress.h"
 #include "tools/StandardError.h"
 #include "tools/Terminal.h"
@@ -103,6 +104,7 @@ std::size_t windowBytes() {
 }  // namespace
 
 int runBatch(const BatchRequest& request) {
+  keepMemory();
   AnswerForm form = request.form;
   form.hasRecord = !request.isSummary;
   const auto source = sourceOf(request.paths, request.isRecursive, form);
