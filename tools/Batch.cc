@@ -14,6 +14,7 @@
 #include "tools/BatchSources.h"
 #include "tools/CommandError.h"
 #include "tools/Output.h"
+#include "tools/Process.h"
 #include "tools/Progress.h"
 #include "tools/StandardError.h"
 #include "tools/Terminal.h"
@@ -134,6 +135,7 @@ std::size_t windowBytes() {
 }  // namespace
 
 int runBatch(const BatchRequest& request) {
+  keepMemory();
   AnswerForm form = request.form;
   form.hasRecord = !request.isSummary;
   form.countsFindings = form.hasExplanation || !form.only.empty() || !request.failOn.empty();

@@ -3,6 +3,9 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include <atomic>
 #include <cerrno>
@@ -63,6 +66,16 @@ void handleSignals() {
       sigaction(signal, &action, nullptr);
     }
   }
+}
+
+void keepMemory() noexcept {
+#ifdef __GLIBC__
+  constexpr int kKept = 32 << 20;
+  constexpr int kAtOnce = 1 << 20;
+  mallopt(M_MMAP_THRESHOLD, kKept);
+  mallopt(M_TRIM_THRESHOLD, kKept);
+  mallopt(M_TOP_PAD, kAtOnce);
+#endif
 }
 
 void endByBrokenPipe() {

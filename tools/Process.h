@@ -10,6 +10,10 @@ void holdStandardStreams();
 /// that end the command. For the start of the program.
 void handleSignals();
 
+/// Has the C library keep the memory that is freed, for a run that needs as much again and again on
+/// several threads: giving it back and asking for it anew took a tenth of the time.
+void keepMemory() noexcept;
+
 /// Ends the program as a closed pipe does where nobody asked for anything else; returns where
 /// whoever started it did.
 void endByBrokenPipe();
