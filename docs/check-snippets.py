@@ -1,6 +1,6 @@
-"""Checks that the C++ in the documents is code that is compiled and run.
+"""Checks that the C++ and C in the documents is code that is compiled and run.
 
-Every ```cpp block of README.md and docs/*.md must stand, as it is, in a file under examples/.
+Every ```cpp and ```c block of README.md and docs/*.md must stand, as it is, in a file under examples/.
 """
 
 import pathlib
@@ -10,12 +10,12 @@ import sys
 
 def main():
     root = pathlib.Path(__file__).resolve().parent.parent
-    code = [path.read_text(encoding="utf-8") for path in sorted((root / "examples").glob("*.cc"))]
+    code = [path.read_text(encoding="utf-8") for path in sorted((root / "examples").glob("*.c*"))]
     blocks = 0
     failed = False
     for document in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
         text = document.read_text(encoding="utf-8") if document.exists() else ""
-        for match in re.finditer(r"^```cpp\n(.*?)^```$", text, re.MULTILINE | re.DOTALL):
+        for match in re.finditer(r"^```c(?:pp)?\n(.*?)^```$", text, re.MULTILINE | re.DOTALL):
             blocks += 1
             if not any(match[1] in file for file in code):
                 failed = True
