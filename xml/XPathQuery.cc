@@ -26,7 +26,7 @@ unsigned long maxSteps(std::string_view expression, const XmlTree& tree) noexcep
     return kMaxSteps;
   }
   const auto bytes = static_cast<double>(tree.bytes());
-  // Every other node is the text of one.
+  // Attributes, of which there are many, count for two.
   const double ofOne = static_cast<double>(tree.nodes()) / 2 +
                        (cost == XPathCost::byNode ? bytes / 64 : bytes * bytes);
   // None would mean that there is no limit.

@@ -100,7 +100,7 @@ class Guard {
     if ((error.code == XML_ERR_NO_MEMORY && bound.empty()) || isLostName(parser, error)) {
       ranOutOfMemory_ = true;
     }
-    mayLackPrefixes_ = true;
+    mayLackPrefixes_ = looksCloser_ = true;
     // What is forgiven is put into words all the same, names included.
     if (error.message != nullptr) {
       addNameBytes(std::strlen(error.message));
@@ -135,7 +135,7 @@ class Guard {
   }
 
   void declaredAttribute() {
-    mayDefaultAttributes_ = true;
+    mayDefaultAttributes_ = looksCloser_ = true;
     declared();
   }
 
@@ -149,11 +149,22 @@ class Guard {
     }
   }
 
-  void addNodes(std::size_t count) {
+  /// True while there are not too many.
+  bool countNodes(std::size_t count) noexcept {
     nodes_ += count;
-    if (nodes_ > maxNodes_) {
+    return nodes_ <= maxNodes_;
+  }
+
+  void addNodes(std::size_t count) {
+    if (!countNodes(count)) {
       stop(kNodes);
     }
+  }
+
+  /// Counts the nodes of a tag; false when it must be looked at more closely. Called for every tag.
+  bool isOrdinaryTag(std::size_t nodes, const xmlParserCtxt& parser) noexcept {
+    return countNodes(nodes) && xmlDictSize(parser.dict) <= mostStrings_ && !looksCloser_ &&
+           parser.nsNr <= 2 * kMaxNamespacesInScope;
   }
 
   void addNameBytes(std::size_t bytes) {
@@ -164,16 +175,22 @@ class Guard {
   }
 
   void checkNames(const xmlParserCtxt& parser) {
-    keptStrings_ = xmlDictSize(parser.dict);
-    if (keptStrings_ > kMaxNames + blanks_) {
+    if (xmlDictSize(parser.dict) > kMaxNames + blanks_) {
       stop(kNames);
     }
   }
 
   /// True once after an error: only then may an element lack a prefix that it has in the text.
-  bool mayLackPrefixes() noexcept { return std::exchange(mayLackPrefixes_, false); }
-  /// Whether it matters yet which strings of the dictionary are white space.
-  bool countsBlanks() const noexcept { return keptStrings_ >= kMaxBlanks; }
+  bool mayLackPrefixes() noexcept {
+    looksCloser_ = mayDefaultAttributes_;
+    return std::exchange(mayLackPrefixes_, false);
+  }
+  /// True once, when so much is in the dictionary that it matters which of it is white space.
+  bool beginsToCountBlanks(const xmlParserCtxt& parser) noexcept {
+    const bool begins = mostStrings_ == kMaxBlanks && xmlDictSize(parser.dict) > kMaxBlanks;
+    mostStrings_ = begins ? kMaxNames : mostStrings_;
+    return begins;
+  }
   bool keepsBlanks() const noexcept { return blanks_ < kMaxBlanks; }
   void keptBlanks(int count) noexcept { blanks_ += count; }
 
@@ -231,10 +248,11 @@ class Guard {
   std::size_t nameBytes_ = 0;
   std::size_t maxNameBytes_;
   int declarations_ = 0;
-  int keptStrings_ = 0;
+  int mostStrings_ = kMaxBlanks;
   int blanks_ = 0;
   bool mayDefaultAttributes_ = false;
   bool mayLackPrefixes_ = false;
+  bool looksCloser_ = false;
   bool ranOutOfMemory_ = false;
   bool stopped_ = false;
 };
@@ -273,53 +291,10 @@ void countDefaults(Guard& guard, int namespaceCount, const xmlChar** namespaces,
   guard.defaulted(nodes, bytes);
 }
 
-void onStartElement(void* context, const xmlChar* localName, const xmlChar* prefix,
-                    const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
-                    int attributeCount, int defaultedCount, const xmlChar** attributes) {
-  xmlSAX2StartElementNs(context, localName, prefix, uri, namespaceCount, namespaces, attributeCount,
-                        defaultedCount, attributes);
-  // A namespace that found no memory is passed over in silence, and the element would match paths
-  // that it must not. In an entity a namespace that is missing says nothing: libxml2 does not see
-  // those declared around the reference.
-  const xmlParserCtxt& parser = *static_cast<xmlParserCtxt*>(context);
-  const bool isInEntity = parser.depth > 0;
-  guarded(context, [&](Guard& guard) {
-    if (guard.stopped()) {
-      return;
-    }
-    guard.addNodes(1 + static_cast<std::size_t>(namespaceCount) +
-                   2 * static_cast<std::size_t>(attributeCount - defaultedCount));
-    guard.checkNames(parser);
-    if (uri != nullptr && parser.node != nullptr && parser.node->ns == nullptr && !isInEntity) {
-      guard.setRanOutOfMemory();
-    }
-    if (guard.mayLackPrefixes() && hasLostPrefix(parser, localName, prefix, uri, attributes,
-                                                 attributeCount - defaultedCount)) {
-      guard.setRanOutOfMemory();
-    }
-    if (guard.mayDefaultAttributes()) {
-      // Types of attributes are looked up by the names of both.
-      guard.addNameBytes(static_cast<std::size_t>(attributeCount) *
-                         std::strlen(asChars(localName)));
-      countDefaults(guard, namespaceCount, namespaces, attributeCount, defaultedCount, attributes);
-    }
-    // nsNr counts a prefix and an address for every declaration.
-    if (parser.nsNr > 2 * kMaxNamespacesInScope) {
-      guard.stop(kNamespaces);
-    }
-  });
-}
-
 // libxml2 keeps short runs of white space between tags in the dictionary, where those that are ever
 // different would pass for names and slow it down. Few are, so that after many it is told not to.
-void appendText(Guard& guard, xmlParserCtxt& parser, const xmlChar* text, int length) noexcept {
-  constexpr int kLeastKept = 2 * sizeof(void*);
-  constexpr int kMostKept = 60;
-  const bool mayBeKept =
-      guard.countsBlanks() && length >= kLeastKept && length < kMostKept && *text <= ' ';
-  if (!mayBeKept) {
-    xmlSAX2Characters(&parser, text, length);
-  } else if (guard.keepsBlanks()) {
+void appendBlanks(Guard& guard, xmlParserCtxt& parser, const xmlChar* text, int length) noexcept {
+  if (guard.keepsBlanks()) {
     const int before = xmlDictSize(parser.dict);
     xmlSAX2Characters(&parser, text, length);
     guard.keptBlanks(xmlDictSize(parser.dict) - before);
@@ -331,27 +306,94 @@ void appendText(Guard& guard, xmlParserCtxt& parser, const xmlChar* text, int le
   }
 }
 
+// Called from when on the dictionary is large; most documents never come there.
 void onCharacters(void* context, const xmlChar* text, int length) {
-  xmlParserCtxt& parser = *static_cast<xmlParserCtxt*>(context);
-  if (parser.node == nullptr) {
+  constexpr int kLeastKept = 2 * sizeof(void*);
+  constexpr int kMostKept = 60;
+  if (length >= kLeastKept && length < kMostKept && *text <= ' ') {
+    appendBlanks(Guard::of(context), *static_cast<xmlParserCtxt*>(context), text, length);
+  } else {
+    xmlSAX2Characters(context, text, length);
+  }
+}
+
+// What libxml2 tells of a tag.
+struct Tag {
+  const xmlChar* localName;
+  const xmlChar* prefix;
+  const xmlChar* uri;
+  int namespaceCount;
+  const xmlChar** namespaces;
+  int attributeCount;
+  int defaultedCount;
+  const xmlChar** attributes;
+};
+
+void lookCloser(Guard& guard, xmlParserCtxt& parser, const Tag& tag) {
+  if (guard.stopped()) {
     return;
   }
-  // What continues a text makes no node.
-  const xmlNode* last = parser.node->last;
-  appendText(Guard::of(context), parser, text, length);
-  if (parser.node->last != last) {
-    guarded(context, [](Guard& guard) { guard.addNodes(1); });
+  guard.addNodes(0);
+  guard.checkNames(parser);
+  if (guard.beginsToCountBlanks(parser)) {
+    parser.sax->characters = parser.sax->ignorableWhitespace = onCharacters;
+  }
+  if (guard.mayLackPrefixes() &&
+      hasLostPrefix(parser, tag.localName, tag.prefix, tag.uri, tag.attributes,
+                    tag.attributeCount - tag.defaultedCount)) {
+    guard.setRanOutOfMemory();
+  }
+  if (guard.mayDefaultAttributes()) {
+    // Types of attributes are looked up by the names of both.
+    guard.addNameBytes(static_cast<std::size_t>(tag.attributeCount) *
+                       std::strlen(asChars(tag.localName)));
+    countDefaults(guard, tag.namespaceCount, tag.namespaces, tag.attributeCount, tag.defaultedCount,
+                  tag.attributes);
+  }
+  // nsNr counts a prefix and an address for every declaration.
+  if (parser.nsNr > 2 * kMaxNamespacesInScope) {
+    guard.stop(kNamespaces);
+  }
+}
+
+void onStartElement(void* context, const xmlChar* localName, const xmlChar* prefix,
+                    const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
+                    int attributeCount, int defaultedCount, const xmlChar** attributes) {
+  xmlSAX2StartElementNs(context, localName, prefix, uri, namespaceCount, namespaces, attributeCount,
+                        defaultedCount, attributes);
+  xmlParserCtxt& parser = *static_cast<xmlParserCtxt*>(context);
+  const int nodes = 1 + namespaceCount + 2 * (attributeCount - defaultedCount);
+  if (!Guard::of(context).isOrdinaryTag(static_cast<std::size_t>(nodes), parser)) {
+    const Tag tag{localName,      prefix,         uri,       namespaceCount, namespaces,
+                  attributeCount, defaultedCount, attributes};
+    guarded(context, [&](Guard& guard) { lookCloser(guard, parser, tag); });
+  }
+  // A namespace that found no memory is passed over in silence, and the element would match paths
+  // that it must not. In an entity a namespace that is missing says nothing: libxml2 does not see
+  // those declared around the reference.
+  if (uri != nullptr && parser.node != nullptr && parser.node->ns == nullptr && parser.depth == 0) {
+    guarded(context, [](Guard& guard) { guard.setRanOutOfMemory(); });
+  }
+}
+
+[[gnu::noinline]] void refuseNodes(void* context) noexcept {
+  guarded(context, [](Guard& guard) { guard.stop(kNodes); });
+}
+
+void countNode(void* context) noexcept {
+  if (!Guard::of(context).countNodes(1)) {
+    refuseNodes(context);
   }
 }
 
 void onCdata(void* context, const xmlChar* text, int length) {
+  countNode(context);
   xmlSAX2CDataBlock(context, text, length);
-  guarded(context, [](Guard& guard) { guard.addNodes(1); });
 }
 
 void onComment(void* context, const xmlChar* text) {
+  countNode(context);
   xmlSAX2Comment(context, text);
-  guarded(context, [](Guard& guard) { guard.addNodes(1); });
 }
 
 void onProcessingInstruction(void* context, const xmlChar* target, const xmlChar* data) {
@@ -436,8 +478,6 @@ void watch(xmlParserCtxt* parser, Guard& guard) noexcept {
   sax.externalSubset = onExternalSubset;
   sax.attributeDecl = onAttributeDecl;
   sax.startElementNs = onStartElement;
-  // One and the same, or libxml2 would look at the white space between tags.
-  sax.characters = sax.ignorableWhitespace = onCharacters;
   sax.cdataBlock = onCdata;
   sax.comment = onComment;
   sax.processingInstruction = onProcessingInstruction;

@@ -25,9 +25,11 @@ class XmlParser {
   /// As `parse`, for those above this layer.
   std::shared_ptr<DDXMLDocument> parseDocument(const Text& text);
 
-  /// About how many nodes the last parse made, those of a text that was refused included: elements,
-  /// attributes with their values, declarations of namespaces, texts, comments, instructions and
-  /// references. One takes some 60 to 120 bytes beside its text.
+  /// How many nodes the last parse made, those of a text that was refused included: elements,
+  /// attributes (two, with their value), declarations of namespaces, CDATA sections, comments,
+  /// instructions, entities and references to them (two). Texts between them are not counted; there
+  /// are at most two for each element and one for each other. A node takes 60 to 120 bytes beside
+  /// its characters.
   std::size_t nodes() const noexcept { return nodes_; }
 
   /// Which bound the last text went beyond, such as "attributes"; "" when it was read, or is none
