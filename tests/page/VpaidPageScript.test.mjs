@@ -137,7 +137,7 @@ after(() => open.forEach((window) => window.close()));
 
 // Opens a page and watches it. `speed` shortens the page's time limits.
 function openPage(html, { speed = 1, bridge = "ios" } = {}) {
-  const watched = { told: [], pixels: [], calls: [], opened: [] };
+  const watched = { told: [], places: [], pixels: [], calls: [], opened: [] };
   const listeners = new Set();
   const tell = (name, details) => {
     watched.told.push({ name, details });
@@ -153,18 +153,26 @@ function openPage(html, { speed = 1, bridge = "ios" } = {}) {
         return;
       }
       window.calls = watched.calls;
-      window.Image = class {
-        set src(url) { watched.pixels.push(url); }
+      window.fetch = (url) => {
+        watched.pixels.push(url);
+        return Promise.resolve();
       };
       window.open = (url) => watched.opened.push(url);
       const setTimeout = window.setTimeout;
       window.setTimeout = (f, milliseconds) => setTimeout(f, milliseconds / speed);
       if (bridge === "ios") {
         window.webkit = { messageHandlers: { tamzo: {
-          postMessage: ({ name, details }) => tell(name, { ...details })
+          postMessage: ({ session, sequence, name, details }) => {
+            watched.places.push({ session, sequence });
+            tell(name, { ...details });
+          }
         } } };
       } else if (bridge === "android") {
-        window.TamzoBridge = { onEvent: (name, json) => tell(name, JSON.parse(json)) };
+        window.TamzoBridge = { onEvent: (name, json) => {
+          const { session, sequence, ...details } = JSON.parse(json);
+          watched.places.push({ session, sequence });
+          tell(name, details);
+        } };
       }
     }
   });
@@ -319,7 +327,7 @@ test("no text of an ad breaks the page", async () => {
   await page.heard("AdStarted");
   const [, , , , , creativeData] = page.calls.find(([name]) => name === "initAd");
   assert.equal(creativeData.AdParameters, awkward.replace("[TAMZO_SESSION_ID]", "S1"));
-  const text = page.window.document.getElementById("tag").textContent;
+  const [text] = page.window.document.getElementById("tag").textContent.split("\u001f");
   const tag = new page.window.DOMParser().parseFromString(text.trim(), "text/xml");
   assert.equal(tag.getElementsByTagName("HTMLResource")[0].textContent,
     awkward.replace("[TAMZO_SESSION_ID]", "S1"));
