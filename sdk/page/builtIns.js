@@ -48,6 +48,14 @@ function lockBuiltIns() {
     .forEach(lockGlobal);
 }
 
+// The sandbox keeps the unit from these in its own name, but not in that of the page.
+function lockDialogs() {
+  for (const name of ["open", "alert", "confirm", "prompt", "print"]) {
+    attempt(() => Object.defineProperty(window, name,
+      { value: () => null, writable: false, configurable: false }));
+  }
+}
+
 const MAX_TEXT = 4000;
 
 /**

@@ -123,9 +123,10 @@ function settlePixel() {
 
 /**
  * Calls `f` once, when no pixel is on its way any more or the limit has passed.
+ * @param {number} limit
  * @param {() => void} f
  */
-function afterPixels(f) {
+function afterPixels(limit, f) {
   let isCalled = false;
   const call = () => {
     if (!isCalled) {
@@ -133,10 +134,10 @@ function afterPixels(f) {
       f();
     }
   };
-  if (pixels.pending === 0) {
+  if (pixels.pending === 0 || limit === 0) {
     call();
   } else {
     pixels.whenSettled = call;
-    setTimer(call, LIMITS.pixels);
+    setTimer(call, limit);
   }
 }

@@ -297,6 +297,13 @@ function onVisibility() {
   }
 }
 
+// The unit got past the sandbox, or the app has taken the page away: nobody can tell, so that this
+// is told, but counted as no error of the ad.
+function onPageHide() {
+  LIMITS.pixels = 0;  // the page has no more time
+  end("AdError", { code: 900, message: "the page was left" }, 0);
+}
+
 // ---- The end --------------------------------------------------------------------------------
 
 // AdStopped must follow. Not every unit knows.
@@ -336,12 +343,13 @@ function end(name, details, errorCode) {
     () => { unit = null; },
     removeFrame,
     () => window.removeEventListener("resize", onResize),
+    () => window.removeEventListener("pagehide", onPageHide),
     () => document.removeEventListener("visibilitychange", onVisibility)
   ];
   for (let i = 0; i < steps.length; ++i) {
     attempt(steps[i]);
   }
-  afterPixels(() => tellApp(name, details));
+  afterPixels(LIMITS.pixels, () => tellApp(name, details));
 }
 
 // ---- The beginning --------------------------------------------------------------------------
@@ -349,7 +357,9 @@ function end(name, details, errorCode) {
 document.addEventListener("DOMContentLoaded", () => {
   startMacros();
   lockBuiltIns();
+  lockDialogs();
   play().catch(endInError);
 });
 window.addEventListener("resize", onResize);
+window.addEventListener("pagehide", onPageHide);
 document.addEventListener("visibilitychange", onVisibility);

@@ -37,7 +37,7 @@ function scenario(name, play, { only } = {}) {
     const stage = new Stage(browser, server);
     try {
       await play(stage);
-      if (!stage.isClosedByApp) {
+      if (!stage.mayLeave) {
         assert.deepEqual(await browser.escapes(), { windows: 0, dialogs: 0, hasLeft: false });
       }
     } finally {
@@ -420,7 +420,13 @@ const escapes = {
   "open a window": "window.open('about:blank#window'); window.parent.unused = 1;",
   "open a window by a link": "var a = document.createElement('a'); a.href = 'https://x.example/'; " +
     "a.target = '_blank'; document.body.appendChild(a); a.click();",
-  "raise a dialog": "window.alert('x'); window.confirm('x');"
+  "open a window in the page's name": "window.parent.open('about:blank#window');",
+  "raise a dialog": "window.alert('x'); window.confirm('x');",
+  "raise a dialog in the page's name": "window.parent.alert('x');",
+  "navigate the page in its name": "try { window.parent.location = 'about:blank#left'; } " +
+    "catch (ignored) {}",
+  "navigate the page by a link": "var a = document.createElement('a'); a.target = '_top'; " +
+    "a.href = 'about:blank#left'; document.body.appendChild(a); a.click();"
 };
 for (const [what, body] of Object.entries(escapes)) {
   scenario(`a unit may not ${what}`, async (stage) => {
@@ -430,6 +436,14 @@ for (const [what, body] of Object.entries(escapes)) {
     stage.expectPixels(STARTED);
   });
 }
+
+scenario("a unit that has the page leave ends with an error", async (stage) => {
+  await stage.playUnit(acting(
+    "window.parent.setTimeout(\"location.replace('about:blank#left')\", 0);"), { leaves: true });
+  assert.equal((await stage.ended()).code, 900);
+  stage.expectMessages(...STARTING, "AdError");
+  stage.expectPixels(STARTED);
+});
 
 scenario("what a unit opens at a touch is the app's to open", async (stage) => {
   await stage.playUnit(acting("this.slot.onclick = function () { " +

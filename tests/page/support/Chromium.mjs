@@ -13,9 +13,13 @@ function bridge(settings, behaviour) {
   window.calls = [];
   window.tamzoSettings = settings;
   const tell = (message) => {
-    const request = new XMLHttpRequest();
-    request.open("POST", "/told", false);
-    request.send(JSON.stringify(message));
+    try {
+      const request = new XMLHttpRequest();
+      request.open("POST", "/told", false);
+      request.send(JSON.stringify(message));
+    } catch (tooLate) {  // while the page goes
+      navigator.sendBeacon("/told", JSON.stringify(message));
+    }
     if (behaviour.closesAtLast && /^Ad(Stopped|Error)$/.test(message.name)) {
       window.location.replace("about:blank");
     }
@@ -130,6 +134,12 @@ export class Chromium {
   async close() {
     await this.ask("DELETE", `${this.session}/alert`).catch(() => {});
     this.onMessage = () => {};
+    const [first, ...others] = await this.ask("GET", `${this.session}/window/handles`);
+    for (const handle of others) {
+      await this.ask("POST", `${this.session}/window`, { handle });
+      await this.ask("DELETE", `${this.session}/window`);
+    }
+    await this.ask("POST", `${this.session}/window`, { handle: first });
     await this.ask("POST", `${this.session}/url`, { url: "about:blank" });
   }
 }

@@ -132,7 +132,7 @@ export class Stage {
   }
 
   open(html, options) {
-    this.isClosedByApp = options.closesAtLast;
+    this.mayLeave = options.closesAtLast || options.leaves;
     return this.browser.open(html, { ...options, onMessage: (message) => {
       this.messages.push(message);
       this.listeners.forEach((look) => look());
