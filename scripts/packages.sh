@@ -8,5 +8,10 @@ build_packages=(
 test_packages=(googletest nlohmann-json3-dev nodejs node-jsdom python3)
 check_packages=(
   clang clang-tidy clang-format libc++-dev libc++abi-dev libclang-rt-14-dev
-  libbenchmark-dev valgrind gcovr
+  libbenchmark-dev valgrind gcovr eslint node-typescript
+)
+# Where they are missing, the tests that play the VPAID page in them are skipped.
+browser_packages=(
+  chromium chromium-driver xvfb openssl
+  python3-gi python3-gi-cairo gir1.2-gtk-3.0 gir1.2-webkit2-4.1 gstreamer1.0-plugins-good
 )

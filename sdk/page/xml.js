@@ -75,13 +75,22 @@ class XmlRepair {
    * @param {string} end
    */
   take(end) {
-    const found = this.text.indexOf(end, this.at);
+    const from = this.at;
+    this.at = this.endOf(end, from);
+    return this.text.slice(from, this.at);
+  }
+
+  /**
+   * Where the next `end` ends.
+   * @param {string} end
+   * @param {number} from
+   */
+  endOf(end, from) {
+    const found = this.text.indexOf(end, from);
     if (found < 0) {
       throw failure(100, "the tag is cut off");
     }
-    const taken = this.text.slice(this.at, found + end.length);
-    this.at = found + end.length;
-    return taken;
+    return found + end.length;
   }
 
   // Of the declarations only those of entities matter.
@@ -97,14 +106,16 @@ class XmlRepair {
     this.at += type.length;
   }
 
-  // Behind the ">" that stands in no bracket and no quotes.
+  // Behind the ">" that stands in no bracket, no quotes and no comment.
   endOfDocumentType() {
-    const pattern = /"[^"]*"|'[^']*'|[[\]>]/g;
+    const pattern = /"[^"]*"|'[^']*'|<!-{2}|[[\]>]/g;
     pattern.lastIndex = this.at;
     let depth = 0;
     for (let found = pattern.exec(this.text); found; found = pattern.exec(this.text)) {
       depth += found[0] === "[" ? 1 : found[0] === "]" ? -1 : 0;
-      if (found[0] === ">" && depth === 0) {
+      if (found[0] === COMMENT) {
+        pattern.lastIndex = this.endOf("-->", pattern.lastIndex);
+      } else if (found[0] === ">" && depth === 0) {
         return pattern.lastIndex;
       }
     }

@@ -6,7 +6,8 @@ import { writeFile } from "node:fs/promises";
 
 const ARGUMENTS = ["--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
   "--autoplay-policy=no-user-gesture-required", "--mute-audio", "--window-size=390,844",
-  "--disable-features=HttpsUpgrades", "--host-resolver-rules=MAP unit.test 127.0.0.3,MAP pixel.test 127.0.0.4"];
+  "--disable-features=HttpsUpgrades",
+  "--host-resolver-rules=MAP unit.test 127.0.0.3,MAP pixel.test 127.0.0.4"];
 
 // Runs in the page before everything else.
 function bridge(settings, behaviour) {
@@ -54,7 +55,8 @@ export class Chromium {
       this.driver.on("exit", () => reject(new Error("chromedriver ended: " + text)));
     });
     const { sessionId } = await this.ask("POST", "/session", { capabilities: { alwaysMatch: {
-      browserName: "chrome", acceptInsecureCerts: true, pageLoadStrategy: "eager", unhandledPromptBehavior: "ignore",
+      browserName: "chrome", acceptInsecureCerts: true, pageLoadStrategy: "eager",
+      unhandledPromptBehavior: "ignore",
       "goog:chromeOptions": { args: ARGUMENTS } } } });
     this.session = `/session/${sessionId}`;
     await this.ask("POST", `${this.session}/timeouts`, { script: 60000, pageLoad: 60000 });
