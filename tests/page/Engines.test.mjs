@@ -100,6 +100,9 @@ scenario("progress is tracked where the video has come to", async (stage) => {
     { settings: { autoplay: "muted" }, ad: { tracking: tracking.join("") } });
   await stage.heard("AdVideoStart");
   await stage.requested("progress-0");
+  if (pictures) {
+    await browser.screenshot(`${pictures}/${browser.name}-video.png`);
+  }
   assert.equal(stage.names().includes("AdVideoComplete"), false);
   await stage.ended();
   const { "progress-0": first, "progress-1": half, "progress-2": beyond } = stage.pixels();
