@@ -4,6 +4,7 @@ interface TamzoSettings {
   start?: string;
   autoplay?: string;
   session?: string;
+  wrappers?: string;
   macros?: { [name: string]: string };
   limits?: { [name: string]: number };
 }

@@ -102,7 +102,7 @@ async function play() {
   const isUrl = document.body.getAttribute("data-tag-is-url") === "true";
   const { url, linear } = findUnit(await readChain(tag, isUrl));
   collectTrackers(linear);
-  if (isUrl) {
+  if (isUrl && settings.wrappers === null) {
     tellTrackers();
   }
   await loadUnit(url);

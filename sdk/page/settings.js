@@ -23,6 +23,8 @@ const settings = {
   // What the web view plays without a gesture: "sound", "muted" or "none".
   autoplay: given.autoplay === "muted" || given.autoplay === "none" ? given.autoplay : "sound",
   session: plainText(given.session) || randomDigits() + randomDigits(),
+  // A VAST document of what Wrappers hold that stand before the tag; null when the app keeps it.
+  wrappers: typeof given.wrappers === "string" ? given.wrappers : null,
   macros: Object.assign({}, given.macros),
   limits: LIMITS
 };

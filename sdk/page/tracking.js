@@ -85,7 +85,8 @@ function collectTrackers(played) {
     for (const key of ["Viewable", "NotViewable", "ViewUndetermined"]) {
       addTrackers(key, ad, "ViewableImpression/" + key);
     }
-    const linear = ad.nodeName === "Wrapper" ? findAll(ad, "Creatives/Creative/Linear")[0] : played;
+    const isPlayed = ad === chain[chain.length - 1];
+    const linear = isPlayed ? played : findAll(ad, "Creatives/Creative/Linear")[0];
     if (linear) {
       addLinear(linear);
     }

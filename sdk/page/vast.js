@@ -17,7 +17,7 @@ function splitValues(text) {
   return { tag: pieces.slice(0, known).join(SEPARATOR), moatData, partnerCode };
 }
 
-/** @type {Element[]} the Wrappers in order, then the InLine */
+/** @type {Element[]} what the app has of Wrappers, the Wrappers in order, then the InLine */
 const chain = [];
 
 /** @type {string[]} whom to tell of an error, as far as documents were read */
@@ -28,7 +28,10 @@ function addErrorUrls(from) {
   findAll(from, "Error").map(textOf).forEach((url) => errorUrls.push(url));
 }
 
-/** @param {string} text */
+/**
+ * Adds what a document has to `chain` and `errorUrls`.
+ * @param {string} text
+ */
 function addDocument(text) {
   const root = parseXml(text);
   if (root.nodeName !== "VAST") {
@@ -46,14 +49,17 @@ function addDocument(text) {
 }
 
 /**
- * Fills `chain`, and `errorUrls` so far as it comes.
  * @param {string} tag
  * @param {boolean} isUrl
  */
 async function readChain(tag, isUrl) {
+  const { wrappers } = settings;
+  if (isUrl && wrappers) {
+    attempt(() => addDocument(wrappers));
+  }
   let ad = addDocument(isUrl ? await fetchText(fillMacros(tag.trim())) : tag);
-  while (ad.nodeName === "Wrapper") {
-    if (chain.length > MAX_WRAPPERS) {
+  for (let count = 1; ad.nodeName === "Wrapper"; ++count) {
+    if (count > MAX_WRAPPERS) {
       throw failure(302, "too many Wrappers");
     }
     const next = textOf(findAll(ad, "VASTAdTagURI")[0]);

@@ -520,14 +520,19 @@ scenario("a view that plays without sound only is honoured", async (stage) => {
   stage.expectPixels([...STARTED, "unmute"]);
 });
 
+// A video with a unit beside it: of a chain that ends so, the page is given the last URL alone.
+function videoWithUnit(stage, unitUrl) {
+  const media = "<MediaFile type=\"video/mp4\" delivery=\"progressive\">https://cdn.example/a.mp4" +
+    "</MediaFile>";
+  return stage.inLine(unitUrl, { media }).replace("3.0", "4.0").replace(
+    /<MediaFile delivery[^>]*VPAID">([^]*?)<\/MediaFile>/,
+    "<InteractiveCreativeFile type=\"application/javascript\" apiFramework=\"VPAID\">$1" +
+    "</InteractiveCreativeFile>");
+}
+
 scenario("behind a Wrapper whose pixels it does not know, the page tells the app what it fires",
   async (stage) => {
-    const media = "<MediaFile type=\"video/mp4\" delivery=\"progressive\">https://cdn.example/a.mp4" +
-      "</MediaFile>";
-    const inner = stage.inLine(stage.unit(ending()), { media }).replace("3.0", "4.0")
-      .replace(/<MediaFile delivery[^>]*VPAID">([^]*?)<\/MediaFile>/,
-        "<InteractiveCreativeFile type=\"application/javascript\" apiFramework=\"VPAID\">$1" +
-        "</InteractiveCreativeFile>");
+    const inner = videoWithUnit(stage, stage.unit(ending()));
     await stage.play(stage.wrapper(stage.tag(inner), "-outer").replace("3.0", "4.0"));
     await stage.ended();
     const { urls } = await stage.heard("Trackers");
@@ -537,3 +542,14 @@ scenario("behind a Wrapper whose pixels it does not know, the page tells the app
       .map(({ details }) => details.event), ["loaded", "creativeView", "Impression", "NotViewable"]);
     stage.expectPixels(STARTED);
   });
+
+scenario("a page that is given the Wrappers fires their pixels too", async (stage) => {
+  const inner = videoWithUnit(stage, stage.unit(acting("unit.happen('AdError', 'x');")));
+  const wrappers = stage.wrapper("", "-outer").replace(/Wrapper>/g, "InLine>");
+  await stage.play(stage.wrapper(stage.tag(inner), "-outer").replace("3.0", "4.0"),
+    { settings: { wrappers } });
+  await stage.ended();
+  stage.expectMessages(...STARTING, "AdError");
+  stage.expectPixels([...STARTED, ...STARTED.map((name) => name + "-outer"), "error-901",
+    "error-901-outer"]);
+});
