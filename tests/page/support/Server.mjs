@@ -28,7 +28,9 @@ function makeCertificate() {
 
 export class Server {
   constructor() {
-    this.bodies = new Map();   // path -> { body, type, delay }
+    this.bodies = new Map();   // path -> { body, type }
+    this.delayOf = () => 0;    // of the answer to a path, in milliseconds
+    this.answered = new Set();
     this.requests = [];        // paths in the order of arrival
     this.watchers = new Set();
     this.posted = null;        // takes what a page posts
@@ -74,15 +76,17 @@ export class Server {
     const path = request.url;
     this.requests.push(path);
     this.watchers.forEach((look) => look());
-    const { body, type, delay } = this.bodies.get(path) || { body: path.startsWith("/served/")
-      ? undefined : "", type: "text/plain", delay: 0 };
+    const { body, type } = this.bodies.get(path) ||
+      { body: path.startsWith("/served/") ? undefined : "", type: "text/plain" };
     const reply = () => {
+      this.answered.add(path);
       response.writeHead(body === undefined ? 404 : 200,
         { "Access-Control-Allow-Origin": "*", "Content-Type": type, "Cache-Control": "max-age=60" });
       response.end(body);
     };
+    const delay = this.delayOf(path);
     if (delay) {
-      setTimeout(reply, delay);
+      setTimeout(reply, delay).unref();
     } else {
       reply();
     }
@@ -102,9 +106,9 @@ export class Server {
     return `${scheme}://${HOSTS[host] || host}:${this.port}${path}`;
   }
 
-  serve(host, body, { type = "text/plain", delay = 0 } = {}) {
+  serve(host, body, { type = "text/plain" } = {}) {
     const path = `/served/${++this.served}`;
-    this.bodies.set(path, { body, type, delay });
+    this.bodies.set(path, { body, type });
     return this.urlOf(host, path);
   }
 
