@@ -1,6 +1,7 @@
 // Messages to the app. docs/vpaid-page.md has the contract.
 
 let sequence = 0;
+let isOver = false;
 
 /**
  * iOS takes an object, Android a text. Tells whether there is an app that takes it.
@@ -8,10 +9,23 @@ let sequence = 0;
  * @param {object} details
  */
 function tellApp(name, details) {
+  if (isOver) {
+    return false;
+  }
   sequence += 1;
   const place = { session: settings.session, sequence };
   return Boolean(attempt(() => tellHandler(name, details, place) ||
                                tellBridge(name, details, place)));
+}
+
+/**
+ * The message that no other follows.
+ * @param {string} name
+ * @param {object} details
+ */
+function tellLast(name, details) {
+  tellApp(name, details);
+  isOver = true;
 }
 
 /**

@@ -45,7 +45,7 @@ function lockBuiltIns() {
   }
   ["Array", "String", "RegExp", "Promise", "Number", "Map", "Set", "WeakMap", "JSON", "Math",
     "Date", "Reflect", "URL", "Image", "XMLHttpRequest", "DOMParser", "Object"]
-    .forEach(lockGlobal);
+    .forEach((name) => attempt(() => lockGlobal(name)));
 }
 
 // The sandbox keeps the unit from these in its own name, but not in that of the page.

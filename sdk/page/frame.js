@@ -96,10 +96,12 @@ function openOutside(name, details) {
   }
 }
 
+function frameWindow() { return stage.frame && stage.frame.contentWindow; }
+
 /**
  * Loads the unit's script.
  * @param {string} url
- * @returns {Promise<Window>}
+ * @returns {Promise<void>}
  */
 function loadScript(url) {
   const address = webAddressOf(url);
@@ -112,16 +114,16 @@ function loadScript(url) {
 
 /**
  * @param {string} address
- * @returns {Promise<Window>}
+ * @returns {Promise<void>}
  */
 function loadScriptOnce(address) {
   return new Promise((resolve, reject) => {
-    const { frame, inside } = stage;
-    if (!frame || !inside) {
+    const { inside } = stage;
+    if (!inside) {
       return;  // the ad has ended
     }
     const script = inside.createElement("script");
-    script.onload = () => resolve(/** @type {Window} */ (frame.contentWindow));
+    script.onload = () => resolve();
     script.onerror = () => reject(failure(901, "cannot load the unit " + address));
     script.src = address;
     inside.body.appendChild(script);

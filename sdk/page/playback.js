@@ -59,14 +59,11 @@ function eventOf(...names) {
   return new Promise((resolve) => names.forEach((name) => ad.waiting.set(name, resolve)));
 }
 
-/**
- * @param {Window} scope
- * @returns {Promise<void>}
- */
-function registration(scope) {
+/** @returns {Promise<void>} */
+function registration() {
   return new Promise((resolve) => {
     const look = () => {
-      if (typeof scope.getVPAIDAd === "function") {
+      if (typeof propertyOf(frameWindow(), "getVPAIDAd") === "function") {
         resolve();
       } else {
         after(50, look);
@@ -118,9 +115,9 @@ async function loadUnit(url) {
     throw failure(900, "stopped");
   }
   makeFrame();
-  const scope = await within(loadScript(url), LIMITS.unit, 402, "loading the unit");
-  await within(registration(scope), LIMITS.register, 901, "getVPAIDAd");
-  makeUnit(scope);
+  await within(loadScript(url), LIMITS.unit, 402, "loading the unit");
+  await within(registration(), LIMITS.register, 901, "getVPAIDAd");
+  makeUnit();
 }
 
 /** @param {string} adParameters */
@@ -349,15 +346,15 @@ function end(name, details, errorCode) {
   for (let i = 0; i < steps.length; ++i) {
     attempt(steps[i]);
   }
-  afterPixels(LIMITS.pixels, () => tellApp(name, details));
+  afterPixels(LIMITS.pixels, () => tellLast(name, details));
 }
 
 // ---- The beginning --------------------------------------------------------------------------
 
 document.addEventListener("DOMContentLoaded", () => {
   startMacros();
-  lockBuiltIns();
-  lockDialogs();
+  attempt(lockBuiltIns);
+  attempt(lockDialogs);
   play().catch(endInError);
 });
 window.addEventListener("resize", onResize);

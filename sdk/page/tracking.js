@@ -98,7 +98,7 @@ function collectTrackers(played) {
 // For an app that has to fire those of documents which the page does not have.
 function tellTrackers() {
   /** @type {{ [key: string]: string[] }} */
-  const urls = {};
+  const urls = Object.create(null);
   trackers.forEach((listed, key) => { urls[key] = listed.map((tracker) => tracker.url); });
   tracking.tellsApp = true;
   tellApp("Trackers", { urls });

@@ -42,9 +42,8 @@ function askNumber(method) {
   return typeof value === "number" && isFinite(value) ? value : -1;
 }
 
-/** @param {Window} scope */
-function makeUnit(scope) {
-  unit = callOrFail(scope, "getVPAIDAd", []);
+function makeUnit() {
+  unit = callOrFail(frameWindow(), "getVPAIDAd", []);
   const version = plainText(callOrFail(unit, "handshakeVersion", ["2.0"]));
   if (!/^[12]\b/.test(version)) {
     throw failure(901, "the unit speaks VPAID " + version.slice(0, 100));
@@ -76,6 +75,7 @@ function askPosition() {
   const remaining = askNumber("getAdRemainingTime");
   const asked = askNumber("getAdDuration");
   const duration = asked > 0 ? asked : tracking.duration;
+  tracking.duration = tracking.duration > 0 ? tracking.duration : duration;
   hasTime = hasTime || remaining > 0;  // some say 0 throughout
   if (hasTime && remaining >= 0 && duration > 0) {
     return Math.max(duration - remaining, 0);
