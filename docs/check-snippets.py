@@ -1,13 +1,8 @@
-<<<<<<< HEAD
 """Checks that the code in the documents is code that is compiled and run.
 
-Every ```cpp block of README.md and docs/*.md must stand, as it is, in a .cc file under examples/, and
-every ```sh block in a .sh file. A block of what cannot be run here is no such block.
-=======
-"""Checks that the C++ and C in the documents is code that is compiled and run.
-
-Every ```cpp and ```c block of README.md and docs/*.md must stand, as it is, in a file under examples/.
->>>>>>> w-package
+Every ```cpp block of README.md and docs/*.md must stand, as it is, in a .cc file under examples/,
+every ```c block in a .c file and every ```sh block in a .sh file. A block of what cannot be run
+here is no such block.
 """
 
 import pathlib
@@ -15,27 +10,19 @@ import re
 import sys
 
 
-SUFFIXES = {"cpp": ".cc", "sh": ".sh"}
+SUFFIXES = {"cpp": ".cc", "c": ".c", "sh": ".sh"}
 
 
 def main():
     root = pathlib.Path(__file__).resolve().parent.parent
-<<<<<<< HEAD
     code = {language: [path.read_text(encoding="utf-8")
                        for path in sorted((root / "examples").rglob("*" + suffix))]
             for language, suffix in SUFFIXES.items()}
-=======
-    code = [path.read_text(encoding="utf-8") for path in sorted((root / "examples").glob("*.c*"))]
->>>>>>> w-package
     blocks = 0
     failed = False
     for document in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
         text = document.read_text(encoding="utf-8") if document.exists() else ""
-<<<<<<< HEAD
-        for match in re.finditer(r"^```(cpp|sh)\n(.*?)^```$", text, re.MULTILINE | re.DOTALL):
-=======
-        for match in re.finditer(r"^```c(?:pp)?\n(.*?)^```$", text, re.MULTILINE | re.DOTALL):
->>>>>>> w-package
+        for match in re.finditer(r"^```(cpp|c|sh)\n(.*?)^```$", text, re.MULTILINE | re.DOTALL):
             blocks += 1
             if not any(match[2] in file for file in code[match[1]]):
                 failed = True
