@@ -10,10 +10,10 @@ namespace {
 
 using Kind = MarkupPiece::Kind;
 
-std::vector<std::size_t> startTagsOf(const std::string& text, const char* path) {
+std::vector<std::size_t> startTagsOf(const std::string& text, const XPath& path) {
   const auto document = DDXMLDocument::initWithXMLString(Text(text), 0);
   std::vector<DDXMLElement> elements;
-  for (const DDXMLElement& element : document->nodesForXPath(XPath(Text(path)))) {
+  for (const DDXMLElement& element : document->nodesForXPath(path)) {
     elements.push_back(element);
   }
   return findStartTags(text, *document, elements);
