@@ -41,7 +41,7 @@ TEST_F(ParseCommandTest, AFailedAdIsPrintedWithStatus1) {
   EXPECT_EQ(ordered_json::parse(json.out).at("errorCode"), 102);
   const Result text = run({"parse"}, "");
   EXPECT_EQ(text.status, 1);
-  EXPECT_NE(text.out.find("error 100"), std::string::npos) << text.out;
+  EXPECT_NE(text.out.find("FAILED 100"), std::string::npos) << text.out;
 }
 
 TEST_F(ParseCommandTest, OutputGoesToAFile) {
