@@ -6,11 +6,13 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <utility>
 
 #include "explain/Rules.h"
 #include "tamzo/vast/ErrorCodes.h"
 #include "tools/AnswerQueue.h"
+#include "tools/BatchIndex.h"
 #include "tools/BatchSources.h"
 #include "tools/CommandError.h"
 #include "tools/Output.h"
@@ -66,12 +68,19 @@ class BatchReport {
   BatchReport(const BatchRequest& request, const BatchSource& source)
       : request_(request),
         output_(request.outputPath),
-        progress_(isBarWanted(request), [&source] { return source.size(); }) {}
+        progress_(isBarWanted(request), [&source] { return source.size(); }) {
+    if (!request.reportFolder.empty()) {
+      index_.emplace(request.reportFolder);
+    }
+  }
 
   void add(BatchAnswer answer) {
     if (!request_.isSummary && !answer.isLeftOut) {
       answer.line += '\n';
       output_.writeJson(answer.line);
+    }
+    if (index_) {
+      index_->add(answer);
     }
     for (const auto& [id, count] : answer.findings) {
       ++findings_[id].responses;
@@ -93,6 +102,9 @@ class BatchReport {
       output_.write(table);
     }
     output_.finish();
+    if (index_) {
+      index_->finish();
+    }
     if (!request_.isSummary && !request_.isQuiet) {
       writeToStandardError(table);
     }
@@ -119,6 +131,7 @@ class BatchReport {
   Progress progress_;
   std::map<int, std::size_t> counts_;
   FindingCounts findings_;
+  std::optional<BatchIndex> index_;
   std::size_t unreadable_ = 0;
 };
 
@@ -138,7 +151,9 @@ int runBatch(const BatchRequest& request) {
   keepMemory();
   AnswerForm form = request.form;
   form.hasRecord = !request.isSummary;
-  form.countsFindings = form.hasExplanation || !form.only.empty() || !request.failOn.empty();
+  form.countsFindings = form.hasExplanation || !form.only.empty() || !request.failOn.empty() ||
+                        !request.reportFolder.empty();
+  form.hasReport = !request.reportFolder.empty();
   const auto source = sourceOf(request.paths, request.isRecursive, form);
   BatchReport report(request, *source);
   answerAll(*source, {request.threads, request.inOrder, windowBytes()},

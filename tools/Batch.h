@@ -18,6 +18,7 @@ struct BatchRequest {
   AnswerForm form;
   /// One of these findings makes the run fail.
   std::vector<std::string> failOn;
+  std::string reportFolder;  ///< "": no HTML
   std::string outputPath;  ///< "" for standard output
 };
 

@@ -116,6 +116,12 @@ void addAnswers(CLI::App& command, BatchOptions& options) {
       .add_flag("--explain", options.request.form.hasExplanation,
                 "Say in each answer why it is as it is, and count findings in the table")
       ->group(kGroup);
+  command
+      .add_option("--report", options.request.reportFolder,
+                  "Write HTML there: an index, and a report for each response that failed")
+      ->type_name("DIR")
+      ->check(notEmpty("takes the name of a folder"))
+      ->group(kGroup);
   addFindings(command, "--only", options.request.form.only,
               "Give only the answers with one of these findings");
   addFindings(command, "--fail-on", options.request.failOn,

@@ -12,8 +12,11 @@
 #include "base/Utf8.h"
 #include "explain/Explainer.h"
 #include "explain/ExplanationJson.h"
+#include "explain/Words.h"
+#include "tamzo/base/JsonValue.h"
 #include "tamzo/vast/TamzoVastAd.h"
 #include "tools/IdSearch.h"
+#include "tools/HtmlReport.h"
 #include "tools/Input.h"
 
 namespace tamzo::command {
@@ -173,6 +176,23 @@ std::string lineOf(const std::string& id, const TamzoVastAd& ad,
   return line.append("}");
 }
 
+void addReport(BatchAnswer& answer, const std::string& id, const TamzoVastAd& ad,
+               const explain::Explanation& explanation) {
+  const Text text = JsonValue::parse(Text(id)).asText();
+  answer.id = text.isNil() ? id : std::string(text.view());
+  answer.sentence = explanation.sentence;
+  const explain::Finding* error = errorOf(explanation);
+  const std::size_t hop =
+      error != nullptr && error->hop ? static_cast<std::size_t>(*error->hop) : 1;
+  const explain::HopReport& report = explanation.hops[hop - 1];
+  const std::string_view host = explain::hostOf(report.url);
+  answer.host = host.empty() ? nameOf(report.source) : host;
+  if (error != nullptr) {
+    answer.mainFinding = error->id;
+    answer.report = htmlReport(ad, explanation, {});
+  }
+}
+
 }  // namespace
 
 BatchAnswer answerResponse(const std::string& id, const Text& vast, const AnswerForm& form) {
@@ -190,6 +210,9 @@ BatchAnswer answerResponse(const std::string& id, const Text& vast, const Answer
     explanation = explainer.explain(*ad);
     for (const explain::Finding& finding : explanation->findings) {
       answer.findings[finding.id] += countOf(finding);
+    }
+    if (form.hasReport) {
+      addReport(answer, id, *ad, *explanation);
     }
     answer.isLeftOut = !form.only.empty() && !hasAnyOf(answer, form.only);
   }

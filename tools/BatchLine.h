@@ -20,6 +20,12 @@ struct BatchAnswer {
   /// How often each finding was made, where they were asked for.
   std::map<std::string_view, std::size_t> findings{};
   bool isLeftOut = false;  ///< it has none of the findings that are asked for
+  // For an index, where one was asked for.
+  std::string id{};           ///< as text
+  std::string mainFinding{};  ///< why there is no ad; "" where there is one
+  std::string host{};         ///< of the hop concerned, or where it came from
+  std::string sentence{};     ///< what happened
+  std::string report{};       ///< an HTML page, of a response that failed
 };
 
 /// What answers are made of.
@@ -28,6 +34,7 @@ struct AnswerForm {
   RecordContent content = RecordContent::whole;
   bool hasExplanation = false;    ///< in the answer
   bool countsFindings = false;    ///< whether or not the answer has them
+  bool hasReport = false;         ///< what an index needs, and a page for what failed
   std::vector<std::string> only;  ///< leave out what has none of these findings; empty: nothing
 };
 

@@ -4,15 +4,20 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "explain/Explainer.h"
 #include "explain/ExplanationJson.h"
+#include "tamzo/sdk/TamzoHost.h"
+#include "tamzo/sdk/TamzoLogger.h"
 #include "tamzo/vast/RecordJson.h"
 #include "tools/Arguments.h"
 #include "tools/ChainFiles.h"
 #include "tools/CommonOptions.h"
 #include "tools/Help.h"
+#include "tools/HtmlReport.h"
 #include "tools/Output.h"
 #include "tools/Response.h"
 #include "tools/Terminal.h"
@@ -41,8 +46,29 @@ ReportStyle styleFor(const Output& output, ColourChoice colours) {
   return style;
 }
 
+// The lines of the log, as far as a page has room for them; they go where they went before too.
+void keepLog(const std::shared_ptr<std::vector<std::string>>& lines) {
+  constexpr std::size_t kMostLines = 2000;
+  TamzoHost host = *TamzoHost::get();
+  host.writeLog = [lines, before = host.writeLog,
+                   isShown = isTamzoDebugEnabled.load()](std::string_view line) {
+    if (lines->size() < kMostLines) {
+      lines->emplace_back(line.substr(0, kMostLines));
+    }
+    if (isShown) {
+      before(line);
+    }
+  };
+  isTamzoDebugEnabled = true;
+  TamzoHost::set(std::move(host));
+}
+
 int run(const Request& options) {
   options.common.apply();
+  const auto log = std::make_shared<std::vector<std::string>>();
+  if (options.format == "html") {
+    keepLog(log);
+  }
   const bool isJson = options.format == "json";
   explain::Explainer explainer;
   const bool isExplained = options.isExplained || !isJson;
@@ -53,6 +79,8 @@ int run(const Request& options) {
     output.writeJson(recordAsJson(*ad, JsonLayout::indented) + "\n");
   } else if (const auto why = explainer.explain(*ad); isJson) {
     output.writeJson(explain::recordWithExplanation(*ad, why, JsonLayout::indented) + "\n");
+  } else if (options.format == "html") {
+    output.write(htmlReport(*ad, why, *log));
   } else {
     output.write(textReport(*ad, why, styleFor(output, options.common.colours())));
   }
@@ -75,9 +103,10 @@ void addParseCommand(CLI::App& app, int& status) {
                  "  curl -s https://ads.example/vast | tamzo-vast parse --format json\n"
                  "  tamzo-vast parse --blocked-categories IAB25,IAB26 response.xml\n"));
   addInput(command, options->inputs);
-  command.add_option("--format", options->format, "text (default) for people, json for programs")
-      ->type_name("text|json")
-      ->check(oneOf({"text", "json"}))
+  command
+      .add_option("--format", options->format, "text (default) or html for people, json for programs")
+      ->type_name("text|json|html")
+      ->check(oneOf({"text", "json", "html"}))
       ->group("Output");
   command
       .add_flag("--explain", options->isExplained,

@@ -3,15 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
+
+#include "tests/support/Documents.h"
+#include "tests/support/Growth.h"
 
 namespace tamzo::testing {
 namespace {
 
-using Kind = MarkupPiece::Kind;
-
-std::vector<std::size_t> startTagsOf(const std::string& text, const XPath& path) {
-  const auto document = DDXMLDocument::initWithXMLString(Text(text), 0);
+std::vector<std::size_t> tagsOf(const std::string& text, const XPath& path) {
+  const auto document = documentOf(text);
   std::vector<DDXMLElement> elements;
   for (const DDXMLElement& element : document->nodesForXPath(path)) {
     elements.push_back(element);
@@ -19,47 +19,36 @@ std::vector<std::size_t> startTagsOf(const std::string& text, const XPath& path)
   return findStartTags(text, *document, elements);
 }
 
-TEST(StartTagsTest, PiecesOfATextAreToldApart) {
-  struct Row {
-    const char* text;
-    Kind kind;
-    std::size_t end;
-  };
-  for (const Row& row : {
-           Row{"text<a>", Kind::text, 4},
-           Row{"<a b='>'>c", Kind::startTag, 9},
-           Row{"</a>c", Kind::endTag, 4},
-           Row{"<!-- <a> -->c", Kind::comment, 12},
-           Row{"<?p <a> ?>c", Kind::instruction, 10},
-           Row{"<![CDATA[<a>]]>c", Kind::cdata, 15},
-           Row{"<!DOCTYPE a [<!ENTITY e '<b>'>]>c", Kind::documentType, 32},
-           Row{"<!-- no end", Kind::comment, 11},
-       }) {
-    const MarkupPiece piece = markupPieceAt(row.text, 0);
-    EXPECT_EQ(piece.kind, row.kind) << row.text;
-    EXPECT_EQ(piece.begin, 0U) << row.text;
-    EXPECT_EQ(piece.end, row.end) << row.text;
-  }
-}
-
-TEST(StartTagsTest, ElementsAreFoundBehindWhatLooksLikeThem) {
+TEST(StartTagsTest, whatLooksLikeATagAndIsNoneIsPassedOver) {
   const std::string text =
-      "<r><!--<e/>--><![CDATA[<e/>]]><?p <e/>?><e a='<e/>'/> <f><e b=\">\"/></f></r>";
-  const std::string read =
-      "<r><!--<e/>--><![CDATA[<e/>]]><?p <e/>?><e a='&lt;e/>'/> <f><e b=\">\"/></f></r>";
-  ASSERT_EQ(DDXMLDocument::initWithXMLString(Text(text), 0), nullptr);
-  EXPECT_EQ(startTagsOf(read, "//e"),
-            (std::vector<std::size_t>{read.find("<e a="), read.find("<e b=")}));
+      "<?pi <b>?><!DOCTYPE a [<!ENTITY e '<b/>'><!-- <b> --> <?x ]> ?>]><!-- <b> --><a x='>'>"
+      "<![CDATA[<b>]]>&e;<b y=\"/>\"/></a><!-- <b> -->";
+  EXPECT_EQ(tagsOf(text, "/a/b"), std::vector<std::size_t>{text.find("<b y")});
+  EXPECT_EQ(tagsOf(text, "/a"), std::vector<std::size_t>{text.find("<a x")});
 }
 
-TEST(StartTagsTest, WhatIsNotInTheTextHasNoPlace) {
-  const std::string text = "<!DOCTYPE r [<!ENTITY e '<e/>'>]><r>&e;<e c=''/></r>";
-  const auto document = DDXMLDocument::initWithXMLString(Text(text), 0);
-  const auto other = DDXMLDocument::initWithXMLString("<r/>", 0);
-  const std::vector<DDXMLElement> elements{DDXMLElement(), other->rootElement(),
-                                           document->rootElement().nodesForXPath("e[@c]")[0]};
-  EXPECT_EQ(findStartTags(text, *document, elements),
-            (std::vector<std::size_t>{std::string::npos, std::string::npos, text.find("<e c")}));
+TEST(StartTagsTest, placesComeInTheOrderAsked) {
+  const std::string text = "<a><b/><c><b/></c></a>";
+  const auto document = documentOf(text);
+  const DDXMLElement root = document->rootElement();
+  const DDXMLElement inner = root.firstNodeForXPath("c/b");
+  const DDXMLElement outer = root.firstNodeForXPath("b");
+  const std::vector<DDXMLElement> asked{inner, DDXMLElement(), outer, root, inner};
+  EXPECT_EQ(findStartTags(text, *document, asked),
+            (std::vector<std::size_t>{10, std::string::npos, 3, 0, 10}));
+}
+
+TEST(StartTagsTest, anElementOfAnotherDocumentHasNoPlace) {
+  const std::vector<DDXMLElement> other{root("<a/>")};
+  EXPECT_EQ(findStartTags("<a/>", *documentOf("<a/>"), other),
+            std::vector<std::size_t>{std::string::npos});
+}
+
+TEST(StartTagsTest, takesTimeLinearInText) {
+  EXPECT_TRUE(growsLinearly(2000, [](std::size_t count) {
+    const std::string text = "<a>" + repeat("<b c='1'/>", static_cast<int>(count)) + "</a>";
+    return [text] { tagsOf(text, "/a/b"); };
+  }));
 }
 
 }  // namespace
