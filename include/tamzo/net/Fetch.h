@@ -38,7 +38,7 @@ TAMZO_EXPORT std::string_view fetchFailureName(FetchFailure failure) noexcept;
 
 /// What one fetch may take, and what all fetches of a chain.
 ///
-/// A limit of time that is NaN, 0 or less is the shortest there is, a millisecond; infinity is no
+/// A limit of time that is NaN, 0 or less is no time at all: whatever needs it fails. Infinity is no
 /// limit.
 struct FetchLimits {
   /// Until there is a connection, TLS included, once the name of the host is resolved.
@@ -79,8 +79,8 @@ struct FetchResult {
 struct FetchHeader {
   std::string name;   ///< a token as HTTP means it
   std::string value;  ///< any bytes but CR, LF and NUL
-  /// The hosts that get it, without port, in any letter case; every host when empty. A redirect to
-  /// another host does not take it along.
+  /// The hosts that get it, without port, in any letter case; every host that is asked when empty.
+  /// Authorization and Cookie are not taken to another origin by a redirect even then.
   std::vector<std::string> hosts;
 };
 
