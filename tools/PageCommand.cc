@@ -3,11 +3,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "tamzo/sdk/TamzoAssetsManager.h"
 #include "tamzo/sdk/TamzoHost.h"
 #include "tools/Arguments.h"
+#include "tools/CommandError.h"
 #include "tools/CommonOptions.h"
 #include "tools/Input.h"
 #include "tools/Output.h"
@@ -22,6 +25,15 @@ struct PageOptions {
   std::optional<std::string> templatePath;
 };
 
+std::string_view whyThereIsNoPage(const TamzoVastAd& ad) {
+  if (!ad.vastTagURI().hasCharacters()) {
+    return "no page: the response is empty";
+  }
+  return TamzoAssetsManager::getVpaidWrapperData().hasCharacters()
+             ? "no page: placeholders that are filled with placeholders make it too long"
+             : "no page: the template is empty";
+}
+
 int run(const PageOptions& options) {
   options.common.apply();
   if (options.templatePath) {
@@ -30,9 +42,15 @@ int run(const PageOptions& options) {
     TamzoHost::set(std::move(host));
   }
   const auto ad = parseResponse(options.inputs);
+  const Text page = ad->getVideoWAPView();
   Output output(options.common.outputPath());
-  output.write(ad->getVideoWAPView());
+  output.write(page);
   output.finish();
+  // A page that was made is kept, be it empty.
+  if (!page.hasCharacters() && ad->vPaidHTML().isNil()) {
+    complain(whyThereIsNoPage(*ad));
+    return kSomeFailed;
+  }
   return statusOf(*ad);
 }
 
@@ -42,7 +60,9 @@ void addPageCommand(CLI::App& app, int& status) {
   auto options = std::make_shared<PageOptions>();
   CLI::App& command = *app.add_subcommand(
       "page", "Parse one response and print the page that plays its VPAID unit");
-  command.footer("Example:\n  tamzo-vast page --session-id 42 response.xml > page.html");
+  command.footer(
+      "Exit status 1 when the ad failed, or when there is no page to print.\n\n"
+      "Example:\n  tamzo-vast page --session-id 42 response.xml > page.html");
   addInput(command, options->inputs);
   command
       .add_option("--template", options->templatePath, "The page template; default: the SDK's own")

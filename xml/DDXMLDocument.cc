@@ -12,12 +12,12 @@ std::shared_ptr<DDXMLDocument> DDXMLDocument::initWithXMLString(const Text& text
   if (options != 0) {
     throw std::invalid_argument("initWithXMLString: options are reserved");
   }
-  auto tree = parseXml(text, error);
-  // No conditional expression around `new`: clang 14 frees twice when what follows it throws.
-  if (tree == nullptr) {
-    return nullptr;
+  XmlParser parser;
+  auto document = parser.parseDocument(text);
+  if (error != nullptr && document == nullptr) {
+    *error = parser.error();
   }
-  return std::shared_ptr<DDXMLDocument>(new DDXMLDocument(std::move(tree)));
+  return document;
 }
 
 NodeList DDXMLDocument::nodesForXPath(const XPath& path, XmlError* error) const {

@@ -373,12 +373,13 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"Chain", "chain/wrapper-inline", false},
                       Case{"VpaidChain", "chain/vpaid-behind-wrappers", false},
                       Case{"VpaidChainWithEntities", "chain/vpaid-with-entities", false},
+                      Case{"VpaidChainWithNamespaces", "chain/vpaid-with-namespaces", false},
                       Case{"Entities", "response/entities.xml", false},
+                      Case{"OddNames", "response/odd-names.xml", false},
                       Case{"NotXml", "response/not-xml", false}),
     nameOf);
 
-// The merge alone: while memory runs out, libxml2 also reads prefixes of names in other ways than
-// they are written, which would hide what happens to them here.
+// The merge alone, where nothing turns the exception into an error code.
 class MergeAllocationFailure : public ::testing::Test {
  protected:
   MergeAllocationFailure() {

@@ -9,6 +9,8 @@
 
 namespace tamzo {
 
+class XmlParser;
+
 /// A parsed document. It shares its tree with every element and text that was read from it, so it
 /// may go before they do.
 class TAMZO_EXPORT DDXMLDocument {
@@ -28,6 +30,8 @@ class TAMZO_EXPORT DDXMLDocument {
   DDXMLElement rootElement() const;
 
  private:
+  friend class XmlParser;
+
   explicit DDXMLDocument(std::shared_ptr<const XmlTree> tree) : tree_(std::move(tree)) {}
 
   std::shared_ptr<const XmlTree> tree_;

@@ -58,7 +58,11 @@ class TAMZO_EXPORT DDXMLElement {
 
   /// The nodes that an XPath 1.0 expression finds from this node, in document order: an empty list
   /// when it finds none, a nil list when the expression is malformed or gives no nodes (a number,
-  /// say); `error` then says why. A path of plain names finds elements in no namespace.
+  /// say) or would take too many steps; `error` then says why. A path of plain names finds elements
+  /// in no namespace, and takes any number of steps. Others take 50 million, fewer on a document with
+  /// more than some thousand nodes where libxml2 would take long for each: with axes other than
+  /// child, attribute and self, with "..", a union, "//" within a path or a predicate, a test like
+  /// "text()", or a comparison or search of which no side is a literal.
   NodeList nodesForXPath(const XPath& path, XmlError* error = nullptr) const;
 
   /// The first node that `nodesForXPath` would find, or nil.

@@ -197,6 +197,35 @@ TEST_F(VpaidPageTest, APageThatGrowsWithoutEndIsNone) {
   EXPECT_EQ(adWithTag(sessions)->getVideoWAPView(), "");
 }
 
+TEST_F(VpaidPageTest, APageIsAtMostSixteenTimesItsTemplateAndValues) {
+  std::string sixteen;
+  for (int i = 0; i < 16; ++i) {
+    sixteen += "{{MOAT_DATA}}";
+  }
+  useSession("S");
+  const auto ad = adWithTag("http://t");
+  ad->setAnalyticsData(std::string(10'000, 'x'));
+  useTemplate(sixteen);
+  EXPECT_EQ(ad->getVideoWAPView().view().size(), 160'000U);
+  ad->setVPaidHTML("earlier");
+  useTemplate(sixteen + sixteen);
+  EXPECT_EQ(ad->getVideoWAPView(), "");
+  EXPECT_EQ(ad->vPaidHTML(), "earlier");
+  // Each value is filled into the one before it, and little becomes much.
+  std::string tag;
+  for (int i = 0; i < 400; ++i) {
+    tag += "{{MOAT_DATA}}";
+  }
+  std::string page;
+  for (int i = 0; i < 400; ++i) {
+    page += "{{VAST_TAG}}";
+  }
+  useTemplate(page);
+  const auto multiplied = adWithTag(tag);
+  multiplied->setAnalyticsData(std::string(7000, 'x'));
+  EXPECT_EQ(multiplied->getVideoWAPView(), "");
+}
+
 TEST_F(VpaidPageTest, APageMayHave128MebibytesAndNoByteMore) {
   constexpr std::size_t kMost = std::size_t{128} << 20U;
   const auto ad = adWithTag("http://t");
