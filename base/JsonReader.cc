@@ -224,14 +224,57 @@ JsonFault faultOf(rapidjson::ParseErrorCode error, const CheckedHandler& handler
   }
 }
 
+// `at` is what stands where the error is.
+std::string_view causeOf(rapidjson::ParseErrorCode error, char at) noexcept {
+  switch (error) {
+    case rapidjson::kParseErrorDocumentEmpty:
+      return "there is no value";
+    case rapidjson::kParseErrorDocumentRootNotSingular:
+      return "something follows the end of the value";
+    case rapidjson::kParseErrorObjectMissName:
+      return "the name of a member is missing";
+    case rapidjson::kParseErrorObjectMissColon:
+      return "a colon is missing after the name of a member";
+    case rapidjson::kParseErrorObjectMissCommaOrCurlyBracket:
+      return "a comma or \"}\" is missing";
+    case rapidjson::kParseErrorArrayMissCommaOrSquareBracket:
+      return "a comma or \"]\" is missing";
+    case rapidjson::kParseErrorStringUnicodeEscapeInvalidHex:
+      return "\"\\u\" is not followed by four hexadecimal digits";
+    case rapidjson::kParseErrorStringUnicodeSurrogateInvalid:
+      return "half a surrogate pair is no character";
+    case rapidjson::kParseErrorStringEscapeInvalid:
+      return at == '\\' ? "there is no such escape" : "a string holds a control character";
+    case rapidjson::kParseErrorStringMissQuotationMark:
+      return "a string does not end";
+    default:
+      return "this is no value";
+  }
+}
+
+std::string_view causeOf(JsonFault fault) noexcept {
+  switch (fault) {
+    case JsonFault::notText:
+      return "a string holds what is no character";
+    case JsonFault::tooDeep:
+      return "brackets nest deeper than 512";
+    default:
+      return causeOf(rapidjson::kParseErrorValueInvalid, '\0');
+  }
+}
+
 }  // namespace
 
-JsonFault readJson(std::string_view text, JsonHandler& handler) {
+JsonFault readJson(std::string_view text, JsonHandler& handler, JsonProblem* problem) {
+  JsonProblem ignored;
+  JsonProblem& found = problem == nullptr ? ignored : *problem;
   if (text.size() >= std::numeric_limits<rapidjson::SizeType>::max()) {
+    found = {0, "it is 4 GiB long or longer"};
     return JsonFault::tooLong;
   }
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  text.remove_prefix(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+  const std::size_t begin = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+  text.remove_prefix(begin);
 
   JsonStream stream(text);
   CheckedHandler checked(stream, handler);
@@ -239,10 +282,20 @@ JsonFault readJson(std::string_view text, JsonHandler& handler) {
   rapidjson::GenericReader<PlainRuns, PlainRuns, JsonAllocator> reader(&allocator);
   const auto result = reader.Parse<rapidjson::kParseIterativeFlag>(stream, checked);
   if (result.IsError()) {
-    return faultOf(result.Code(), checked);
+    const bool isOurs = result.Code() == rapidjson::kParseErrorTermination;
+    const JsonFault fault = faultOf(result.Code(), checked);
+    const std::size_t token = static_cast<std::size_t>(stream.token().data() - text.data());
+    const char at = result.Offset() < text.size() ? text[result.Offset()] : '\0';
+    found = {begin + (isOurs ? token : result.Offset()),
+             isOurs ? causeOf(fault) : causeOf(result.Code(), at)};
+    return fault;
   }
   // A NUL character, which no JSON holds, ends the reading like the end of the text.
-  return stream.isAtEnd() ? JsonFault::none : JsonFault::malformed;
+  if (!stream.isAtEnd()) {
+    found = {begin + stream.Tell(), causeOf(rapidjson::kParseErrorDocumentRootNotSingular, '\0')};
+    return JsonFault::malformed;
+  }
+  return JsonFault::none;
 }
 
 }  // namespace tamzo

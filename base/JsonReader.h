@@ -32,8 +32,15 @@ enum class JsonFault {
   stopped,  ///< by the handler
 };
 
+/// Where a text is no JSON, or none that is taken, and why.
+struct JsonProblem {
+  std::size_t offset = 0;  ///< in bytes, from the start of the text
+  std::string_view cause;  ///< a sentence without a full stop
+};
+
 /// Reads JSON from front to back: strict, but for a byte order mark in front, with any value at the
-/// top. Throws std::bad_alloc, and what the handler throws.
-JsonFault readJson(std::string_view text, JsonHandler& handler);
+/// top. `problem` is left alone where there is none. Throws std::bad_alloc, and what the handler
+/// throws.
+JsonFault readJson(std::string_view text, JsonHandler& handler, JsonProblem* problem = nullptr);
 
 }  // namespace tamzo

@@ -18,6 +18,8 @@ using nlohmann::ordered_json;
 
 namespace {
 
+constexpr std::size_t kNumber = 7;
+
 std::size_t takeDigits(std::string_view& text) {
   const std::size_t count = std::min(text.find_first_not_of("0123456789"), text.size());
   text.remove_prefix(count);
@@ -92,20 +94,20 @@ std::optional<std::string> vastOf(const std::string& line) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   makeDeterministic();
   const std::string line(asText(data, size));
-  const command::BatchAnswer answer = command::answerBatchLine(line);
+  const command::BatchAnswer answer = command::answerBatchLine(line, kNumber);
 
   require(answer.line.find_first_of("\r\n") == std::string::npos, "an answer of several lines");
   require(isUtf8(answer.line), "an answer that is not UTF-8");
   const auto written = ordered_json::parse(readable(answer.line), nullptr, false);
-  require(written.is_object() && written.size() == 2 && written.contains("id"),
-          "an answer without its two members");
-
   const auto vast = vastOf(line);
+  require(written.is_object() && written.size() == (vast ? 2 : 3) && written.contains("id"),
+          "an answer without its members");
   require(vast.has_value() == answer.problem.empty(), "good and bad lines are confused");
   require(written.contains(vast ? "record" : "error"), "record and error are confused");
   if (!vast) {
     require(answer.errorCode == 0, "an error code without a record");
     requireEqual(written["error"].get<std::string>(), answer.problem, "two reasons");
+    require(written["line"] == kNumber, "another line");
     return 0;
   }
   const auto request = ordered_json::parse(readable(line));

@@ -1,10 +1,14 @@
 #include "tools/Arguments.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <charconv>
 #include <string_view>
 
 #include "base/Numbers.h"
 #include "base/Utf8.h"
+#include "tools/Suggestion.h"
 
 namespace tamzo::command {
 namespace {
@@ -65,6 +69,7 @@ CLI::Option* addInput(CLI::App& command, std::vector<std::string>& inputs) {
   return addPositionals(command, "INPUT", inputs,
                         "A file; \"-\" or nothing for standard input; a text that begins with "
                         "\"http\" is fetched")
+      ->type_name("")
       ->check(notEmpty("is empty; leave it out to read standard input"))
       ->check(onlyOne.application_index(1));
 }
@@ -76,6 +81,16 @@ CLI::Validator notEmpty(const std::string& why) {
 CLI::Validator utf8Text() {
   return validator(
       [](const std::string& text) { return std::string(isUtf8(text) ? "" : "is not UTF-8 text"); });
+}
+
+CLI::Validator oneOf(const std::vector<std::string>& names) {
+  return validator([names](const std::string& text) {
+    const bool isKnown = std::find(names.begin(), names.end(), text) != names.end();
+    return isKnown ? ""
+                   : fmt::format("takes {} or {}, not \"{}\"{}",
+                                 fmt::join(names.begin(), names.end() - 1, ", "), names.back(),
+                                 text, didYouMean(text, names));
+  });
 }
 
 CLI::Validator wholeNumber(std::size_t least, std::size_t most, const std::string& what) {

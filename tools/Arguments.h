@@ -24,6 +24,9 @@ CLI::Validator notEmpty(const std::string& why);
 
 CLI::Validator utf8Text();
 
+/// One of the names, of which there are two at least.
+CLI::Validator oneOf(const std::vector<std::string>& names);
+
 /// Decimal digits alone. The message is "takes <what>, not ...".
 CLI::Validator wholeNumber(std::size_t least, std::size_t most, const std::string& what);
 

@@ -3,13 +3,26 @@
 #include <string>
 #include <vector>
 
+#include "tools/BatchLine.h"
+
 namespace tamzo::command {
 
-/// Parses every response that `paths` name (files, or folders of *.xml files), or, with no path,
-/// one JSON object a line on standard input, on `threads` threads, and writes one line of JSON for
-/// each to `outputPath` in input order. Memory is bounded by the longest responses, not by their
-/// number. Returns the exit status; throws CommandError where the output cannot be written.
-int runBatch(const std::vector<std::string>& paths, unsigned threads,
-             const std::string& outputPath);
+/// What "tamzo-vast batch" is asked for.
+struct BatchRequest {
+  std::vector<std::string> paths;  ///< none: lines of standard input
+  bool isRecursive = false;
+  unsigned threads = 1;
+  bool inOrder = true;
+  bool isSummary = false;  ///< the table on the output, and no records
+  bool isQuiet = false;    ///< neither table nor bar on standard error
+  AnswerForm form;
+  std::string outputPath;  ///< "" for standard output
+};
+
+/// Parses what the request names and writes one line of JSON for each response. On standard error
+/// a table of error codes and, for a person who waits, a progress bar. Memory is bounded by the
+/// longest responses, not by their number. Returns the exit status; throws CommandError when the
+/// output cannot be written.
+int runBatch(const BatchRequest& request);
 
 }  // namespace tamzo::command

@@ -1,13 +1,17 @@
 #include "tools/BatchLine.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <utility>
 
 #include "base/JsonReader.h"
 #include "base/JsonText.h"
 #include "base/Utf8.h"
-#include "tamzo/vast/RecordJson.h"
+#include "tamzo/vast/TamzoVastAd.h"
+#include "tools/IdSearch.h"
 #include "tools/Input.h"
 
 namespace tamzo::command {
@@ -90,24 +94,32 @@ class RequestReader : public JsonHandler {
   std::optional<std::string> vast_;
 };
 
-const char* reasonOf(JsonFault fault, const std::string& line) {
-  if (!isUtf8(line)) {
-    return "is not UTF-8 text";
+std::size_t brokenByteOf(std::string_view text) {
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const Utf8Sequence next = utf8SequenceAt(text, at);
+    if (!next.isCharacter) {
+      return at;
+    }
+    at += next.bytes;
   }
-  if (line.find('\0') != std::string::npos) {
-    return "holds a NUL character";
-  }
-  switch (fault) {
-    case JsonFault::tooDeep:
-      return "is nested too deep";
-    case JsonFault::tooLong:
-      return "is longer than 4 GiB";
-    case JsonFault::notText:
-      return "holds half a surrogate pair";
-    default:
-      return "is not JSON";
-  }
+  return at;
 }
+
+// Bytes are counted from 1, as people do.
+std::string reasonOf(JsonFault fault, const JsonProblem& problem, std::string_view line) {
+  if (!isUtf8(line)) {
+    return fmt::format("is not UTF-8 text at byte {}", brokenByteOf(line) + 1);
+  }
+  if (const std::size_t nul = line.find('\0'); nul != std::string_view::npos) {
+    return fmt::format("holds a NUL character at byte {}", nul + 1);
+  }
+  const bool isJson = fault != JsonFault::malformed;
+  return fmt::format("{}: {} at byte {}", isJson ? "cannot be held" : "is not JSON", problem.cause,
+                     problem.offset + 1);
+}
+
+Text withoutMark(std::string vast) { return Text(withoutByteOrderMark(std::move(vast))); }
 
 }  // namespace
 
@@ -118,30 +130,51 @@ std::string idOf(std::string_view text) {
 }
 
 BatchAnswer refuse(const std::string& id, const std::string& why) {
-  return {R"({"id": )" + id + R"(, "error": )" + idOf(why) + "}", why, 0};
+  return {R"({"id": )" + id + R"(, "error": )" + idOf(why) + "}", why};
 }
 
-BatchAnswer answerResponse(const std::string& id, std::string vast) {
-  const auto ad = TamzoVastAd::initWithVast(Text(withoutByteOrderMark(std::move(vast))));
+BatchAnswer refuseLine(const std::string& id, std::size_t number, const std::string& why) {
+  return {fmt::format(R"({{"id": {}, "line": {}, "error": {}}})", id, number, idOf(why)), why};
+}
+
+BatchAnswer answerResponse(const std::string& id, const Text& vast, const AnswerForm& form) {
+  const auto ad = TamzoVastAd::initWithVast(vast);
   if (ad == nullptr) {
-    return refuse(id, "out of memory");
+    throw std::bad_alloc();
   }
-  return {R"({"id": )" + id + R"(, "record": )" + recordAsJson(*ad) + "}", "", ad->errorCode()};
+  if (!form.hasRecord) {
+    return {"", "", ad->errorCode()};
+  }
+  const std::string record = recordAsJson(*ad, JsonLayout::compact, form.content);
+  constexpr std::string_view kBegin = R"({"id": )";
+  constexpr std::string_view kMiddle = R"(, "record": )";
+  BatchAnswer answer;
+  answer.errorCode = ad->errorCode();
+  answer.line.reserve(kBegin.size() + id.size() + kMiddle.size() + record.size() + 2);
+  answer.line.append(kBegin).append(id).append(kMiddle).append(record).append("}");
+  return answer;
 }
 
-BatchAnswer answerBatchLine(const std::string& line) {
+BatchAnswer answerBatchLine(std::string_view line, std::size_t number, const AnswerForm& form) {
   RequestReader request;
-  const JsonFault fault = readJson(line, request);
+  JsonProblem problem;
+  const JsonFault fault = readJson(line, request, &problem);
   if (fault != JsonFault::none) {
-    return refuse(request.id(), reasonOf(fault, line));
+    const std::string id = request.id() == kNoId ? onOneLine(searchId(line)) : request.id();
+    return refuseLine(id, number, reasonOf(fault, problem, line));
   }
   if (!request.isObject()) {
-    return refuse(kNoId, "is no JSON object");
+    return refuseLine(kNoId, number, "is JSON, but no object");
   }
+  const std::string id = request.id();
   if (!request.vast()) {
-    return refuse(request.id(), "has no text \"vast\"");
+    return refuseLine(id, number, "has no text \"vast\"");
   }
-  return answerResponse(request.id(), *std::move(request.vast()));
+  try {
+    return answerResponse(id, withoutMark(*std::move(request.vast())), form);
+  } catch (const std::bad_alloc&) {
+    return refuseLine(id, number, "out of memory");
+  }
 }
 
 }  // namespace tamzo::command

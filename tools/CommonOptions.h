@@ -4,9 +4,11 @@
 #include <optional>
 #include <string>
 
+#include "tools/Terminal.h"
+
 namespace tamzo::command {
 
-/// The options that every subcommand takes.
+/// The options that every subcommand takes, in the groups of the help.
 class CommonOptions {
  public:
   void addTo(CLI::App& command);
@@ -16,14 +18,22 @@ class CommonOptions {
 
   /// "" for standard output.
   const std::string& outputPath() const { return outputPath_; }
+  ColourChoice colours() const { return colours_; }
 
  private:
+  void addOutput(CLI::App& command);
+  void addAppState(CLI::App& command);
+  void addFetching(CLI::App& command);
+
   std::string outputPath_;
+  ColourChoice colours_ = ColourChoice::automatic;
+  bool debug_ = false;
+
   std::optional<std::string> blockedCategories_;
   std::optional<std::string> sessionId_;
+
   std::optional<std::string> timeout_;
   std::optional<std::size_t> maxBody_;
-  bool debug_ = false;
 };
 
 }  // namespace tamzo::command

@@ -1,6 +1,7 @@
 #include "tools/Input.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -12,6 +13,8 @@
 
 #include "base/Utf8.h"
 #include "tools/CommandError.h"
+#include "tools/StandardError.h"
+#include "tools/Terminal.h"
 
 namespace tamzo::command {
 namespace {
@@ -48,6 +51,13 @@ std::string readFile(const std::string& path) {
 }
 
 }  // namespace
+
+void sayThatInputIsAwaited(const std::string& what, const std::string& command) {
+  if (isTerminal(STDIN_FILENO) && isTerminal(STDERR_FILENO)) {
+    complain("reading " + what + " from this terminal; Ctrl-D ends it, Ctrl-C gives up (see " +
+             "tamzo-vast " + command + " --help)");
+  }
+}
 
 std::string withoutByteOrderMark(std::string text) {
   constexpr std::string_view kMark = "\xEF\xBB\xBF";

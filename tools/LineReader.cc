@@ -7,11 +7,19 @@
 #include <cerrno>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "tools/CommandError.h"
 
 namespace tamzo::command {
 namespace {
+
+constexpr std::size_t kBlock = std::size_t{1} << 16U;
+constexpr std::size_t kMostKept = std::size_t{1} << 20U;
+// How much is taken ahead of the call that asks for it.
+constexpr std::size_t kMostAhead = std::size_t{1} << 18U;
+// How much of a line is given out that memory does not hold.
+constexpr std::size_t kBeginning = 4096;
 
 [[noreturn]] void fail() { throw CommandError(std::strerror(errno)); }
 
@@ -28,21 +36,33 @@ LineReader::~LineReader() {
   close(stopPipe_[1]);
 }
 
-std::optional<std::string> LineReader::next() {
-  std::string line;
+std::optional<Line> LineReader::next() {
   try {
-    do {
-      line.append(unreadPart());
-      if (endPart()) {
-        return line;
-      }
-    } while (waitForInput() && readBlock());
+    std::size_t end = findBreak();
+    while (end == std::string::npos && fill(Waiting::allowed)) {
+      end = findBreak();
+    }
+    const bool hasLast = begin_ < end_ && !isStopped_;
+    if (end == std::string::npos && !hasLast) {
+      return std::nullopt;
+    }
+    return take(std::min(end, end_));
   } catch (const std::bad_alloc&) {
-    skipLine();
-    throw;
+    return dropLongLine();
   }
-  const bool hasLast = !line.empty() && !isStopped_;
-  return hasLast ? std::optional(std::move(line)) : std::nullopt;
+}
+
+bool LineReader::isReady() {
+  try {
+    while (findBreak() == std::string::npos) {
+      if (end_ - begin_ >= kMostAhead || !fill(Waiting::forbidden)) {
+        return isAtEnd_ || isStopped_;
+      }
+    }
+  } catch (const std::bad_alloc&) {
+    return false;  // next() answers for it
+  }
+  return true;
 }
 
 void LineReader::stop() noexcept {
@@ -50,47 +70,80 @@ void LineReader::stop() noexcept {
   }
 }
 
-void LineReader::skipLine() {
-  while (!endPart() && waitForInput() && readBlock()) {
+std::size_t LineReader::findBreak() {
+  const std::size_t at = std::string_view(buffer_.data(), end_).find('\n', searched_);
+  searched_ = std::min(at, end_);
+  return at;
+}
+
+// False at the end, when stopped, and where nothing has come and waiting is not allowed.
+bool LineReader::fill(Waiting waiting) {
+  if (isAtEnd_ || isStopped_ || !isReadable(waiting)) {
+    return false;
   }
+  makeRoom();
+  const ssize_t count = read(descriptor_, buffer_.data() + end_, buffer_.size() - end_);
+  if (count < 0 && errno != EINTR && errno != EAGAIN) {
+    fail();
+  }
+  isAtEnd_ = count == 0;
+  end_ += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+  return !isAtEnd_;
 }
 
-// What the block still has of the line.
-std::string_view LineReader::unreadPart() const {
-  const std::string_view unread(block_.data() + begin_, end_ - begin_);
-  return unread.substr(0, unread.find('\n'));
-}
-
-// Passes over that part, and over the line break if one follows, which ends the line.
-bool LineReader::endPart() {
-  begin_ += unreadPart().size();
-  const bool isLineBreak = begin_ < end_;
-  begin_ += isLineBreak ? 1 : 0;
-  return isLineBreak;
-}
-
-// False when stopped.
-bool LineReader::waitForInput() {
+// What another reader has taken meanwhile makes an empty block.
+bool LineReader::isReadable(Waiting waiting) {
   std::array<pollfd, 2> awaited{{{descriptor_, POLLIN, 0}, {stopPipe_[0], POLLIN, 0}}};
-  while (poll(awaited.data(), awaited.size(), -1) < 0) {
+  int ready = 0;
+  while ((ready = poll(awaited.data(), awaited.size(), waiting == Waiting::allowed ? -1 : 0)) < 0) {
     if (errno != EINTR && errno != EAGAIN) {
       fail();
     }
   }
   isStopped_ = awaited[1].revents != 0;
-  return !isStopped_;
+  return ready > 0 && !isStopped_;
 }
 
-// False at the end. What is not there after all, as another reader may have taken it, makes an
-// empty block.
-bool LineReader::readBlock() {
-  const ssize_t count = read(descriptor_, block_.data(), block_.size());
-  if (count < 0 && errno != EINTR && errno != EAGAIN) {
-    fail();
+void LineReader::makeRoom() {
+  if (begin_ == end_ && buffer_.size() > kMostKept) {
+    forget();
   }
-  begin_ = 0;
-  end_ = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
-  return count != 0;
+  if (begin_ > 0) {
+    std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+    end_ -= begin_;
+    searched_ -= begin_;
+    begin_ = 0;
+  }
+  if (buffer_.size() - end_ < kBlock) {
+    buffer_.resize(std::max(buffer_.size() + kBlock, buffer_.size() * 2));
+  }
+}
+
+void LineReader::forget() noexcept {
+  std::string().swap(buffer_);
+  begin_ = end_ = searched_ = 0;
+}
+
+Line LineReader::take(std::size_t end) {
+  Line line{buffer_.substr(begin_, end - begin_)};
+  begin_ = std::min(end + 1, end_);
+  searched_ = begin_;
+  return line;
+}
+
+Line LineReader::dropLongLine() {
+  Line line{buffer_.substr(begin_, std::min(kBeginning, end_ - begin_)), false};
+  std::size_t end = findBreak();
+  while (end == std::string::npos) {
+    forget();
+    if (!fill(Waiting::allowed)) {
+      return line;
+    }
+    end = findBreak();
+  }
+  begin_ = end + 1;
+  searched_ = begin_;
+  return line;
 }
 
 }  // namespace tamzo::command

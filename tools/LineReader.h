@@ -8,6 +8,12 @@
 
 namespace tamzo::command {
 
+/// A line without its line break.
+struct Line {
+  std::string text;
+  bool isWhole = true;  ///< false: memory does not hold it, and `text` is how it begins
+};
+
 /// Lines of a descriptor, of any length, each as soon as it has arrived.
 class LineReader {
  public:
@@ -17,26 +23,34 @@ class LineReader {
   LineReader& operator=(const LineReader&) = delete;
   ~LineReader();
 
-  /// Waits for the next line and returns it without its line break; the last may have none.
-  /// Nothing at the end, and when stopped. Throws CommandError when the descriptor cannot be read,
-  /// and std::bad_alloc for a line that memory does not hold; the next call gives the line after.
-  std::optional<std::string> next();
+  /// Waits for the next line; the last may have no line break. Nothing at the end, and when
+  /// stopped. Throws CommandError when the descriptor cannot be read.
+  std::optional<Line> next();
+
+  /// True when a line is there, or none will come any more. Throws like next().
+  bool isReady();
 
   /// Ends the wait for a line, now and from now on. From any thread.
   void stop() noexcept;
 
  private:
-  std::string_view unreadPart() const;
-  bool endPart();
-  void skipLine();
-  bool waitForInput();
-  bool readBlock();
+  enum class Waiting { allowed, forbidden };
+
+  std::size_t findBreak();
+  bool fill(Waiting waiting);
+  bool isReadable(Waiting waiting);
+  void makeRoom();
+  void forget() noexcept;
+  Line take(std::size_t end);
+  Line dropLongLine();
 
   int descriptor_;
   std::array<int, 2> stopPipe_{};  // what can be read says stop
-  std::array<char, std::size_t{1} << 16U> block_;
+  std::string buffer_;             // what it holds from begin_ to end_ is still to be given out
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
+  std::size_t searched_ = 0;  // there is no line break from begin_ to here
+  bool isAtEnd_ = false;
   bool isStopped_ = false;
 };
 

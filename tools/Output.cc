@@ -1,31 +1,40 @@
 #include "tools/Output.h"
 
 #include <fcntl.h>
-#include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
 #include "tools/CommandError.h"
+#include "tools/Printable.h"
 #include "tools/Process.h"
+#include "tools/StandardError.h"
+#include "tools/Terminal.h"
 
 namespace tamzo::command {
 namespace {
 
-// Whoever has the other end may have made it one that does not wait.
-bool isPassing(int descriptor) {
-  if (errno == EAGAIN) {
-    pollfd writable{descriptor, POLLOUT, 0};
-    poll(&writable, 1, -1);
-    return true;
+bool isTerminalFile(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0 || !S_ISCHR(status.st_mode)) {
+    return false;
   }
-  return errno == EINTR;
+  const int file = open(path.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  const bool is = file != -1 && isTerminal(file);
+  if (file != -1) {
+    close(file);
+  }
+  return is;
 }
 
 }  // namespace
+
+Output::Output(std::string path)
+    : path_(std::move(path)),
+      isTerminal_(path_.empty() ? command::isTerminal(STDOUT_FILENO) : isTerminalFile(path_)) {}
 
 Output::~Output() {
   if (file_ != kNotOpen) {
@@ -34,6 +43,31 @@ Output::~Output() {
 }
 
 void Output::write(std::string_view text) {
+  if (isTerminal_) {
+    const StatusLine::Gap gap;
+    writeAll(text);
+  } else {
+    writeAll(text);
+  }
+}
+
+void Output::writeJson(std::string_view json) {
+  if (isTerminal_) {
+    write(jsonShownOnTerminal(json));
+  } else {
+    write(json);
+  }
+}
+
+void Output::writeLines(std::string_view text) {
+  if (isTerminal_) {
+    write(linesShownOnTerminal(text));
+  } else {
+    write(text);
+  }
+}
+
+void Output::writeAll(std::string_view text) {
   const int to = descriptor();
   const WholeWrite whole;
   while (!text.empty()) {
@@ -53,8 +87,8 @@ void Output::finish() {
   }
 }
 
-bool Output::takesColours() const {
-  return path_.empty() && std::getenv("NO_COLOR") == nullptr && isatty(STDOUT_FILENO) == 1;
+std::size_t Output::columns() const noexcept {
+  return terminalColumns(file_ == kNotOpen ? STDOUT_FILENO : file_);
 }
 
 int Output::descriptor() {

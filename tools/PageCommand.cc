@@ -12,9 +12,11 @@
 #include "tools/Arguments.h"
 #include "tools/CommandError.h"
 #include "tools/CommonOptions.h"
+#include "tools/Help.h"
 #include "tools/Input.h"
 #include "tools/Output.h"
 #include "tools/Response.h"
+#include "tools/StandardError.h"
 
 namespace tamzo::command {
 namespace {
@@ -41,10 +43,10 @@ int run(const PageOptions& options) {
     host.vpaidWrapperTemplate = [text = Text(readInput(*options.templatePath))] { return text; };
     TamzoHost::set(std::move(host));
   }
-  const auto ad = parseResponse(options.inputs);
+  const auto ad = parseResponse(options.inputs, "page");
   const Text page = ad->getVideoWAPView();
   Output output(options.common.outputPath());
-  output.write(page);
+  output.writeLines(page);
   output.finish();
   // A page that was made is kept, be it empty.
   if (!page.hasCharacters() && ad->vPaidHTML().isNil()) {
@@ -61,13 +63,22 @@ void addPageCommand(CLI::App& app, int& status) {
   CLI::App& command = *app.add_subcommand(
       "page", "Parse one response and print the page that plays its VPAID unit");
   command.footer(
-      "Exit status 1 when the ad failed, or when there is no page to print.\n\n"
-      "Example:\n  tamzo-vast page --session-id 42 response.xml > page.html");
+      helpFooter("Exit status 1 when the ad failed, or when there is no page to print.
+"
+                 "
+"
+                 "Examples:
+"
+                 "  tamzo-vast page --session-id 42 response.xml > page.html
+"
+                 "  tamzo-vast page --template mine.html -o page.html https://ads.example/vast
+"));
   addInput(command, options->inputs);
   command
       .add_option("--template", options->templatePath, "The page template; default: the SDK's own")
       ->type_name("FILE")
-      ->check(notEmpty("takes the name of a file"));
+      ->check(notEmpty("takes the name of a file"))
+      ->group("Output");
   options->common.addTo(command);
   command.final_callback([options, &status] { status = run(*options); });
 }

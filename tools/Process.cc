@@ -1,12 +1,18 @@
 #include "tools/Process.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <initializer_list>
+
+#include "tools/StandardError.h"
 
 namespace tamzo::command {
 namespace {
@@ -21,6 +27,7 @@ bool wasPipeIgnored = false;
 
 void endIfAwaited() {
   if (const int signal = awaited; signal != 0) {
+    StatusLine::eraseAtTheEnd();
     raise(signal);  // by now it has its default effect again
   }
 }
@@ -61,11 +68,30 @@ void handleSignals() {
   }
 }
 
+void keepMemory() noexcept {
+#ifdef __GLIBC__
+  constexpr int kKept = 32 << 20;
+  constexpr int kAtOnce = 1 << 20;
+  mallopt(M_MMAP_THRESHOLD, kKept);
+  mallopt(M_TRIM_THRESHOLD, kKept);
+  mallopt(M_TOP_PAD, kAtOnce);
+#endif
+}
+
 void endByBrokenPipe() {
   if (!wasPipeIgnored) {
     std::signal(SIGPIPE, SIG_DFL);
     raise(SIGPIPE);
   }
+}
+
+bool isPassing(int descriptor) noexcept {
+  if (errno == EAGAIN) {
+    pollfd writable{descriptor, POLLOUT, 0};
+    poll(&writable, 1, -1);
+    return true;
+  }
+  return errno == EINTR;
 }
 
 WholeWrite::WholeWrite() {

@@ -9,7 +9,7 @@
 
 #include "base/WhiteSpace.h"
 #include "tamzo/vast/ErrorCodes.h"
-#include "tools/CommandError.h"
+#include "tools/Printable.h"
 
 namespace tamzo::command {
 namespace {
@@ -17,18 +17,19 @@ namespace {
 // A longer cell is written whole, but does not widen its column.
 constexpr std::size_t kWidestColumn = 48;
 constexpr std::size_t kLabelWidth = 23;
+constexpr std::size_t kGap = 2;
 
 using Row = std::vector<std::string>;
 
-// Columns on a terminal, counting one for every character.
-std::size_t widthOf(std::string_view text) {
+// Counting one column for every character, as long as no terminal is there.
+std::size_t charactersOf(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
     return (static_cast<std::uint8_t>(c) & 0xC0U) != 0x80U;
   }));
 }
 
 std::string orDash(const Text& text) {
-  return text.hasCharacters() ? printable(trimWhiteSpace(text)) : "-";
+  return text.hasCharacters() ? std::string(trimWhiteSpace(text)) : "-";
 }
 
 template <typename Number>
@@ -41,16 +42,44 @@ std::string sizeOf(const std::optional<std::int32_t>& width,
   return fmt::format("{}x{}", orDash(width), orDash(height));
 }
 
+// Takes from the widest until all of them, and the gaps, fit into so many columns.
+void shrink(std::vector<std::size_t>& widths, std::size_t columns) {
+  constexpr std::size_t kNarrowest = 6;
+  std::size_t sum = kGap * widths.size();
+  for (const std::size_t width : widths) {
+    sum += width;
+  }
+  while (sum > columns) {
+    const auto widest = std::max_element(widths.begin(), widths.end());
+    if (*widest <= kNarrowest) {
+      return;
+    }
+    // At once to where it is the widest no more.
+    std::size_t next = kNarrowest;
+    for (const std::size_t width : widths) {
+      next = width < *widest ? std::max(next, width) : next;
+    }
+    const std::size_t taken = std::clamp<std::size_t>(*widest - next, 1, sum - columns);
+    *widest -= taken;
+    sum -= taken;
+  }
+}
+
+/// Texts are handed in as they stand in the record.
 class Report {
  public:
-  explicit Report(bool withColours) : withColours_(withColours) {}
+  explicit Report(const ReportStyle& style) : style_(style) {}
 
   void heading(std::string_view title) { out_ += fmt::format("\n{}\n", styled("1", title)); }
 
   void line(std::string_view label, std::string_view value) {
     out_ += "  " + styled("2", label);
     out_.append(kLabelWidth - std::min(kLabelWidth - 1, label.size()), ' ');
-    out_ += value;
+    const std::string text = shown(value);
+    const std::size_t before = kGap + kLabelWidth;
+    out_ += isOnTerminal() && style_.columns > before
+                ? cutInTheMiddle(text, style_.columns - before)
+                : text;
     out_ += '\n';
   }
 
@@ -61,16 +90,13 @@ class Report {
     }
   }
 
-  void table(const Row& titles, const std::vector<Row>& rows) {
-    std::vector<std::size_t> widths;
-    for (std::size_t column = 0; column < titles.size(); ++column) {
-      std::size_t width = widthOf(titles[column]);
-      for (const Row& row : rows) {
-        const std::size_t cell = widthOf(row[column]);
-        width = cell <= kWidestColumn ? std::max(width, cell) : width;
+  void table(const Row& titles, std::vector<Row> rows) {
+    for (Row& row : rows) {
+      for (std::string& cell : row) {
+        cell = shown(cell);
       }
-      widths.push_back(width);
     }
+    const std::vector<std::size_t> widths = widthsOf(titles, rows);
     writeRow(titles, widths, "2");
     for (const Row& row : rows) {
       writeRow(row, widths, "");
@@ -80,26 +106,52 @@ class Report {
   void text(std::string_view text) { out_ += text; }
 
   std::string styled(std::string_view code, std::string_view text) const {
-    return withColours_ && !code.empty() ? fmt::format("\x1b[{}m{}\x1b[0m", code, text)
-                                         : std::string(text);
+    return style_.withColours && !code.empty() ? fmt::format("\x1b[{}m{}\x1b[0m", code, text)
+                                               : std::string(text);
   }
 
   std::string take() { return std::move(out_); }
 
  private:
+  bool isOnTerminal() const { return style_.columns > 0; }
+  std::string shown(std::string_view text) const {
+    return isOnTerminal() ? shownOnTerminal(text) : printable(text);
+  }
+  std::size_t widthOf(std::string_view text) const {
+    return isOnTerminal() ? columnsOf(text) : charactersOf(text);
+  }
+
+  std::vector<std::size_t> widthsOf(const Row& titles, const std::vector<Row>& rows) const {
+    std::vector<std::size_t> widths;
+    for (std::size_t column = 0; column < titles.size(); ++column) {
+      std::size_t width = widthOf(titles[column]);
+      for (const Row& row : rows) {
+        const std::size_t cell = widthOf(row[column]);
+        width = isOnTerminal() || cell <= kWidestColumn ? std::max(width, cell) : width;
+      }
+      widths.push_back(width);
+    }
+    if (isOnTerminal()) {
+      shrink(widths, style_.columns);
+    }
+    return widths;
+  }
+
   void writeRow(const Row& row, const std::vector<std::size_t>& widths, std::string_view style) {
     out_ += "  ";
     for (std::size_t column = 0; column < row.size(); ++column) {
-      out_ += styled(style, row[column]);
+      const std::string cell =
+          isOnTerminal() ? cutInTheMiddle(row[column], widths[column]) : row[column];
+      out_ += styled(style, cell);
       if (column + 1 < row.size()) {
-        const std::size_t width = widthOf(row[column]);
-        out_.append(2 + (width < widths[column] ? widths[column] - width : 0), ' ');
+        const std::size_t width = widthOf(cell);
+        out_.append(kGap + (width < widths[column] ? widths[column] - width : 0), ' ');
       }
     }
     out_ += '\n';
   }
 
-  bool withColours_;
+  ReportStyle style_;
   std::string out_;
 };
 
@@ -173,7 +225,7 @@ void reportTrackers(Report& report, const TamzoVastAd& ad) {
   std::vector<Row> rows;
   for (const TrackerMap::Entry& entry : *ad.trackers()) {
     for (const auto& event : *entry.events) {
-      rows.push_back({printable(entry.name), orDash(event->offset()), orDash(event->url())});
+      rows.push_back({std::string(entry.name), orDash(event->offset()), orDash(event->url())});
     }
   }
   report.heading(titled("Trackers", rows.size()));
@@ -228,7 +280,7 @@ void reportExtraActions(Report& report, const TamzoVastAd& ad) {
     if (const auto* icon = std::get_if<DDXMLElement>(&entry)) {
       rows.push_back({"icon", orDash(icon->attributeValue("program"))});
     } else {
-      rows.push_back({"JSON", printable(std::get<JsonValue>(entry).dump())});
+      rows.push_back({"JSON", std::get<JsonValue>(entry).dump()});
     }
   }
   report.heading(titled("Icons and extra actions", rows.size()));
@@ -237,8 +289,8 @@ void reportExtraActions(Report& report, const TamzoVastAd& ad) {
 
 }  // namespace
 
-std::string textReport(const TamzoVastAd& ad, bool withColours) {
-  Report report(withColours);
+std::string textReport(const TamzoVastAd& ad, const ReportStyle& style) {
+  Report report(style);
   reportOutcome(report, ad);
   reportAd(report, ad);
   reportMediaFiles(report, ad);

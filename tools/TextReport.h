@@ -1,13 +1,19 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "tamzo/vast/TamzoVastAd.h"
 
 namespace tamzo::command {
 
+struct ReportStyle {
+  bool withColours = false;
+  std::size_t columns = 0;  ///< of the terminal that shows it, to which texts are cut; 0: none
+};
+
 /// The record for people: what the ad is, what failed and what that means, and its media files,
 /// trackers and the rest as aligned tables. Nothing in it can harm a terminal.
-std::string textReport(const TamzoVastAd& ad, bool withColours);
+std::string textReport(const TamzoVastAd& ad, const ReportStyle& style);
 
 }  // namespace tamzo::command

@@ -1,8 +1,12 @@
 // tamzo-vast: what the parser makes of an ad server's response, for people and for programs.
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <memory>
 #include <new>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -10,22 +14,66 @@
 #include "tools/Arguments.h"
 #include "tools/BatchCommand.h"
 #include "tools/CommandError.h"
+#include "tools/Help.h"
+#include "tools/Output.h"
 #include "tools/PageCommand.h"
 #include "tools/ParseCommand.h"
 #include "tools/Process.h"
+#include "tools/StandardError.h"
+#include "tools/Suggestion.h"
+#include "tools/Terminal.h"
 
 namespace tamzo::command {
 namespace {
 
+constexpr const char* kVersion = "tamzo-vast " TAMZO_VERSION;
+
+// The command that the arguments name, or that they have none.
+const CLI::App& commandIn(const CLI::App& app) {
+  const auto named = app.get_subcommands();
+  return named.empty() ? app : *named.front();
+}
+
+std::string helpHint(const CLI::App& app) {
+  const CLI::App& command = commandIn(app);
+  const std::string name = &command == &app ? "" : " " + command.get_name();
+  return " (see tamzo-vast" + name + " --help)";
+}
+
+std::vector<std::string> optionNames(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : command.get_options()) {
+    for (const std::string& name : option->get_lnames()) {
+      names.push_back("--" + name);
+    }
+  }
+  return names;
+}
+
+// Somebody may have left the command out, or come from another that has none.
+std::string commandMeantBy(const CLI::App& app, const std::string& word) {
+  if (word.starts_with("http") || access(word.c_str(), F_OK) == 0) {
+    return "; did you mean tamzo-vast parse " + word + "?";
+  }
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands({})) {
+    names.push_back(command->get_name());
+  }
+  return didYouMean(word, names);
+}
+
 // What CLI11 found no place for comes before what it says of the rest. A command takes any number
 // of inputs, so that a word that is left over stands where a command does.
-void refuseUnexpected(const std::vector<std::string>& unexpected) {
-  for (const std::string& argument : unexpected) {
+void refuseUnexpected(const CLI::App& app) {
+  for (const std::string& argument : app.remaining(/*recurse=*/true)) {
     if (!argument.starts_with('-')) {
-      throw CommandError("there is no command \"" + argument + "\"; take parse, page or batch");
+      throw CommandError("there is no command \"" + argument + "\"; take parse, page or batch" +
+                         commandMeantBy(app, argument) + helpHint(app));
     }
     if (argument != "--") {
-      throw CommandError("unknown option " + argument + " (see tamzo-vast --help)");
+      const std::string name = argument.substr(0, argument.find('='));
+      throw CommandError("unknown option " + name + didYouMean(name, optionNames(commandIn(app))) +
+                         helpHint(app));
     }
   }
 }
@@ -37,27 +85,46 @@ void readArguments(CLI::App& app, int argc, char** argv) {
   } catch (const CLI::Success&) {
     throw;
   } catch (const CLI::ParseError& error) {
-    refuseUnexpected(app.remaining(/*recurse=*/true));
-    throw CommandError(std::string(error.what()) + " (see tamzo-vast --help)");
+    refuseUnexpected(app);
+    throw CommandError(error.what() + helpHint(app));
+  }
+}
+
+void addCommands(CLI::App& app, int& status) {
+  addParseCommand(app, status);
+  addPageCommand(app, status);
+  addBatchCommand(app, status);
+  for (CLI::App* command : app.get_subcommands({})) {
+    command->group("Commands");
+    command->set_version_flag("--version", kVersion, "Say which release this is");
+    command->get_help_ptr()->description("Say all this");
   }
 }
 
 int runCommand(int argc, char** argv) {
   CLI::App app("What the SDK's VAST parser makes of an ad server's response.", "tamzo-vast");
+  app.formatter(std::make_shared<Help>(terminalColumns(STDOUT_FILENO)));
   app.require_subcommand(1);
-  app.set_version_flag("--version", "tamzo-vast " TAMZO_VERSION);
-  app.footer("\"tamzo-vast COMMAND --help\" tells more about a command.");
+  app.set_help_flag("-h,--help", "Say all this");
+  app.set_version_flag("--version", kVersion, "Say which release this is");
+  app.footer(
+      helpFooter("Examples:\n"
+                 "  tamzo-vast parse response.xml\n"
+                 "  tamzo-vast page response.xml > page.html\n"
+                 "  tamzo-vast batch responses/ > records.jsonl\n"
+                 "\n"
+                 "\"tamzo-vast COMMAND --help\" tells more about a command.\n"));
   int status = kWrongUsage;
-  addParseCommand(app, status);
-  addPageCommand(app, status);
-  addBatchCommand(app, status);
-  for (CLI::App* command : app.get_subcommands({})) {
-    command->set_version_flag("--version", "tamzo-vast " TAMZO_VERSION);
-  }
+  addCommands(app, status);
   try {
     readArguments(app, argc, argv);
   } catch (const CLI::Success& wanted) {
-    return app.exit(wanted);  // help or version, on standard output
+    std::ostringstream text;
+    app.exit(wanted, text, text);
+    Output output("");
+    output.write(text.str());
+    output.finish();
+    return kAllPlayable;
   }
   return status;
 }

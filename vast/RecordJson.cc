@@ -14,12 +14,16 @@ namespace {
 template <typename Json>
 class RecordWriter {
  public:
+  explicit RecordWriter(RecordContent content) : isWhole_(content == RecordContent::whole) {}
+
   void write(const TamzoVastAd& ad) {
     // The two texts that are documents make up most of it.
     constexpr std::size_t kAllElse = 4096;
-    json_.reserve(ad.vastTagURI().view().size() + ad.vastResponseStr().view().size() + kAllElse);
+    const std::size_t documents =
+        isWhole_ ? ad.vastTagURI().view().size() + ad.vastResponseStr().view().size() : 0;
+    json_.reserve(documents + kAllElse);
     json_.beginObject();
-#define TAMZO_PROPERTY(type, name, setter, when, initial) field(#name, ad.name());
+#define TAMZO_PROPERTY(type, name, setter, when, initial) property(#name, ad.name(), ad);
 #include "vast/TamzoVastAdProperties.def"
 #undef TAMZO_PROPERTY
     json_.endObject();
@@ -28,6 +32,25 @@ class RecordWriter {
   std::string take() { return json_.take(); }
 
  private:
+  template <typename T>
+  void property(std::string_view name, const T& value, const TamzoVastAd&) {
+    field(name, value);
+  }
+
+  void property(std::string_view name, const Text& value, const TamzoVastAd& ad) {
+    const bool isOfTheResponse = name == "vastResponseStr" ||
+                                 (name == "vastTagURI" && isDocument(value, ad.vastResponseStr()));
+    field(name, isWhole_ || !isOfTheResponse ? value : Text());
+  }
+
+  // A tag that is no URL is parsed as it stands, but is a document only if it looks like one or is
+  // what came first.
+  static bool isDocument(const Text& tag, const Text& response) {
+    const std::string_view text = tag;
+    return !text.starts_with("http") &&
+           (text.find('<') != std::string_view::npos || text == response.view());
+  }
+
   void write(const Text& text) { json_.value(text); }
   void write(bool flag) { json_.value(flag); }
   void write(std::int32_t number) { json_.value(number); }
@@ -223,21 +246,22 @@ class RecordWriter {
     json_.endArray();
   }
 
+  bool isWhole_;
   Json json_;
 };
 
 template <typename Json>
-std::string writtenWith(const TamzoVastAd& ad) {
-  RecordWriter<Json> writer;
+std::string writtenWith(const TamzoVastAd& ad, RecordContent content) {
+  RecordWriter<Json> writer(content);
   writer.write(ad);
   return writer.take();
 }
 
 }  // namespace
 
-std::string recordAsJson(const TamzoVastAd& ad, JsonLayout layout) {
-  return layout == JsonLayout::indented ? writtenWith<IndentedJsonWriter>(ad)
-                                        : writtenWith<CompactJsonWriter>(ad);
+std::string recordAsJson(const TamzoVastAd& ad, JsonLayout layout, RecordContent content) {
+  return layout == JsonLayout::indented ? writtenWith<IndentedJsonWriter>(ad, content)
+                                        : writtenWith<CompactJsonWriter>(ad, content);
 }
 
 }  // namespace tamzo

@@ -112,6 +112,28 @@ TEST(JsonReader, SaysWhatIsWrong) {
   }
 }
 
+TEST(JsonReader, SaysWhereAndWhy) {
+  const struct {
+    std::string text;
+    std::size_t offset;
+    const char* cause;
+  } rows[] = {
+      {"\xEF\xBB\xBF[1,]", 6, "this is no value"},
+      {"[1 2]", 3, "a comma or \"]\" is missing"},
+      {R"(["a\x"])", 3, "there is no such escape"},
+      {"[\"a\nb\"]", 3, "a string holds a control character"},
+      {"[\"a\", \"b\xFF\"]", 6, "a string holds what is no character"},
+      {std::string(600, '['), 512, "brackets nest deeper than 512"},
+  };
+  for (const auto& row : rows) {
+    Notes notes;
+    JsonProblem problem;
+    EXPECT_NE(readJson(row.text, notes, &problem), JsonFault::none);
+    EXPECT_EQ(problem.offset, row.offset) << row.text;
+    EXPECT_EQ(problem.cause, row.cause) << row.text;
+  }
+}
+
 TEST(JsonReader, EndsWhereItsHandlerDoes) {
   Notes notes;
   notes.left = 2;

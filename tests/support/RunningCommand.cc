@@ -2,7 +2,10 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -43,6 +46,27 @@ void closeIfOpen(int& descriptor) {
   }
 }
 
+struct Terminal {
+  int ours = -1;
+  int theirs = -1;
+};
+
+// One that hands on what is written as it is, and does not repeat what is typed.
+Terminal openTerminal(unsigned short columns) {
+  Terminal terminal;
+  const winsize size{24, columns, 0, 0};
+  if (openpty(&terminal.ours, &terminal.theirs, nullptr, nullptr, &size) != 0) {
+    throw std::runtime_error("no terminal");
+  }
+  termios settings{};
+  tcgetattr(terminal.theirs, &settings);
+  settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
+  settings.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+  tcsetattr(terminal.theirs, TCSANOW, &settings);
+  fcntl(terminal.ours, F_SETFD, FD_CLOEXEC);
+  return terminal;
+}
+
 int statusOf(int waited) {
   return WIFEXITED(waited) ? WEXITSTATUS(waited) : 128 + WTERMSIG(waited);
 }
@@ -54,6 +78,13 @@ RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const 
   Ends in = open(streams.inputFile, O_RDONLY);
   Ends out = open(streams.outputFile, O_WRONLY | O_CREAT | O_TRUNC);
   Ends error = open(streams.errorFile, O_WRONLY | O_CREAT | O_TRUNC);
+  Terminal terminal;
+  if (!streams.onTerminal.empty()) {
+    terminal = openTerminal(streams.columns);
+  }
+  const auto theirs = [&](char which, int other) {
+    return streams.onTerminal.find(which) == std::string::npos ? other : terminal.theirs;
+  };
   std::vector<char*> pointers{const_cast<char*>(TAMZO_COMMAND)};
   for (const std::string& argument : arguments) {
     pointers.push_back(const_cast<char*>(argument.c_str()));
@@ -61,25 +92,31 @@ RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const 
   pointers.push_back(nullptr);
   child_ = fork();
   if (child_ == 0) {
-    dup2(in.theirs, STDIN_FILENO);
-    dup2(out.theirs, STDOUT_FILENO);
-    dup2(error.theirs, STDERR_FILENO);
+    if (terminal.theirs != -1) {
+      setsid();
+      ioctl(terminal.theirs, TIOCSCTTY, 0);
+    }
+    dup2(theirs('i', in.theirs), STDIN_FILENO);
+    dup2(theirs('o', out.theirs), STDOUT_FILENO);
+    dup2(theirs('e', error.theirs), STDERR_FILENO);
     std::signal(SIGPIPE, SIG_DFL);
     streams.inChild();
     execv(TAMZO_COMMAND, pointers.data());
     _exit(127);
   }
-  for (int theirs : {in.theirs, out.theirs, error.theirs}) {
-    closeIfOpen(theirs);
+  for (int end : {in.theirs, out.theirs, error.theirs, terminal.theirs}) {
+    closeIfOpen(end);
   }
   closeIfOpen(error.ours);
   input_ = in.ours;
   output_ = out.ours;
+  terminal_ = terminal.ours;
 }
 
 RunningCommand::~RunningCommand() {
   closeInput();
   closeOutput();
+  closeIfOpen(terminal_);
   if (child_ != -1) {
     kill(child_, SIGKILL);
     waitpid(child_, nullptr, 0);
@@ -88,7 +125,8 @@ RunningCommand::~RunningCommand() {
 
 void RunningCommand::write(const std::string& text) {
   for (std::size_t at = 0; at < text.size();) {
-    const ssize_t written = ::write(input_, text.data() + at, text.size() - at);
+    const ssize_t written =
+        ::write(terminal_ == -1 ? input_ : terminal_, text.data() + at, text.size() - at);
     if (written < 0) {
       return;
     }
@@ -122,6 +160,13 @@ std::string RunningCommand::readAll() {
   return std::exchange(unread_, "");
 }
 
+std::string RunningCommand::readTerminal(const std::string& awaited) {
+  while ((awaited.empty() || unreadTerminal_.find(awaited) == std::string::npos) &&
+         fill(terminal_, unreadTerminal_)) {
+  }
+  return std::exchange(unreadTerminal_, "");
+}
+
 void RunningCommand::signal(int number) const { kill(child_, number); }
 
 int RunningCommand::wait(int milliseconds) {
@@ -138,17 +183,17 @@ int RunningCommand::wait(int milliseconds) {
 }
 
 // Takes what has come; false at the end, and when nothing comes.
-bool RunningCommand::fill() {
-  pollfd readable{output_, POLLIN, 0};
+bool RunningCommand::fill(int from, std::string& unread) {
+  pollfd readable{from, POLLIN, 0};
   if (poll(&readable, 1, kGoodTime) != 1) {
     return false;
   }
   std::array<char, std::size_t{1} << 16U> block;
-  const ssize_t count = read(output_, block.data(), block.size());
+  const ssize_t count = read(from, block.data(), block.size());
   if (count < 0 && errno == EAGAIN) {
     return true;
   }
-  unread_.append(block.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  unread.append(block.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
   return count > 0;
 }
 

@@ -17,6 +17,8 @@ class RunningCommand {
     std::string outputFile;  // "" for a pipe, which readLine() empties
     std::string errorFile = "/dev/null";
     std::function<void()> inChild = [] {};  // before the command takes over
+    std::string onTerminal = "";  // which are a terminal instead: "i", "o", "e", "oe", ...
+    unsigned short columns = 80;  // of that
   };
 
   RunningCommand(const std::vector<std::string>& arguments, const Streams& streams);
@@ -24,6 +26,7 @@ class RunningCommand {
   RunningCommand& operator=(const RunningCommand&) = delete;
   ~RunningCommand();  // ends it
 
+  // To a terminal as typed; "\4" at the start of a line ends the input.
   void write(const std::string& text);
   void closeInput();
 
@@ -31,6 +34,8 @@ class RunningCommand {
   std::optional<std::string> readLine();
   // All that comes until the end.
   std::string readAll();
+  // All that comes to the terminal until the end, or until it holds `awaited`.
+  std::string readTerminal(const std::string& awaited = "");
   void closeOutput();
   int output() const { return output_; }
 
@@ -41,9 +46,12 @@ class RunningCommand {
   int wait(int milliseconds = 30'000);
 
  private:
-  bool fill();
+  bool fill() { return fill(output_, unread_); }
+  static bool fill(int from, std::string& unread);
 
   pid_t child_ = -1;
+  int terminal_ = -1;
+  std::string unreadTerminal_;
   int input_ = -1;
   int output_ = -1;
   std::string unread_;

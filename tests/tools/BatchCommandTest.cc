@@ -5,10 +5,14 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <regex>
+#include <thread>
 
 #include "tests/support/CommandFixture.h"
+#include "tests/support/HttpServer.h"
 #include "tests/support/RunningCommand.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -38,12 +42,14 @@ TEST_F(BatchCommandTest, ABatchAnswersEveryLineInItsPlace) {
                        "null", "null", "null"};
   for (std::size_t i = 0; i < lines.size(); ++i) {
     ASSERT_TRUE(lines[i].is_object()) << i;
-    EXPECT_EQ(lines[i].size(), 2U) << i;
     EXPECT_EQ(lines[i].begin().key(), "id") << i;
     EXPECT_EQ(lines[i].at("id").dump(), ids[i]) << i;
     const bool isAnswered = i == 0 || i >= 7;
     EXPECT_EQ(lines[i].contains("record"), isAnswered) << i;
+    EXPECT_EQ(lines[i].size(), isAnswered ? 2U : 3U) << i;
     EXPECT_TRUE(isAnswered || lines[i].at("error").is_string()) << i;
+    // Two blank lines stand behind the first line.
+    EXPECT_TRUE(isAnswered || lines[i].at("line") == i + 3) << i;
   }
   EXPECT_EQ(lines[0].at("record").size(), 72U);
   EXPECT_EQ(lines[7].at("record").at("errorCode"), 102);
@@ -141,15 +147,16 @@ TEST_F(BatchCommandTest, APathIsTakenAsItIsWritten) {
 
   EXPECT_EQ(result.status, 2);
   const auto lines = jsonLines(result.out);
-  const std::pair<const char*, bool> expected[] = {
-      {"[in]/a.xml", false}, {"[in]/b.xml", true}, {"[c,d]", true}, {"[]", false}, {"", false}};
+  const std::pair<const char*, bool> expected[] = {{"none", false},      {"[in]/a.xml", false},
+                                                   {"[in]/b.xml", true}, {"[c,d]", true},
+                                                   {"[]", false},        {"", false}};
   ASSERT_EQ(lines.size(), std::size(expected)) << result.out;
   for (std::size_t i = 0; i < lines.size(); ++i) {
     EXPECT_EQ(lines[i].at("id"), expected[i].first);
     EXPECT_EQ(lines[i].contains("record"), expected[i].second) << expected[i].first;
   }
-  EXPECT_EQ(nothing.status, 0);
-  EXPECT_EQ(nothing.out, "") << "a folder without responses";
+  EXPECT_EQ(nothing.status, 2) << "a folder without responses";
+  EXPECT_EQ(nothing.out, "{\"id\": \"none\", \"error\": \"none: holds no *.xml file\"}\n");
 }
 
 TEST_F(BatchCommandTest, ABatchTakesTheOptionsOfParse) {
@@ -164,6 +171,158 @@ TEST_F(BatchCommandTest, ABatchTakesTheOptionsOfParse) {
   const Result nothing = run({"batch"}, "\n\n");
   EXPECT_EQ(nothing.status, 0);
   EXPECT_EQ(nothing.out, "");
+}
+
+TEST_F(BatchCommandTest, SubFoldersAreEnteredWhenAskedFor) {
+  fs::create_directories(path("in/sub"));
+  file("in/sub/b.xml", ad("b"));
+  const Result not_entered = run({"batch", path("in")});
+  EXPECT_EQ(not_entered.status, 2);
+  EXPECT_EQ(jsonLines(not_entered.out).at(0).at("id"), path("in"));
+  EXPECT_NE(not_entered.err.find("tamzo-vast: " + path("in") +
+                                 ": holds no *.xml file; sub-folders not entered (-r enters "
+                                 "them): sub\n"),
+            std::string::npos)
+      << not_entered.err;
+  for (const char* option : {"-r", "--recursive", "-rq", "-qr"}) {
+    const Result entered = run({"batch", option, path("in")});
+    EXPECT_EQ(entered.status, 0) << option << entered.err;
+    EXPECT_EQ(jsonLines(entered.out).at(0).at("id"), path("in/sub/b.xml")) << option;
+  }
+}
+
+TEST_F(BatchCommandTest, FilesOfLinesAreInputsToo) {
+  file("a.jsonl",
+       requestLine(1, ad("a")) + "\n{\"id\":\"x\",\"vast\":7}\n" + requestLine(2, ad("b")));
+  file("b.jsonl", "\xEF\xBB\xBF" + requestLine(3, ad("c")));
+  file("c.xml", ad("d"));
+  const Result result =
+      run({"batch", path("a.jsonl"), path("c.xml"), path("b.jsonl"), path("none.jsonl"), "-"},
+          requestLine(4, ad("e")));
+  EXPECT_EQ(result.status, 2);
+  std::vector<std::string> ids;
+  for (const auto& line : jsonLines(result.out)) {
+    ids.push_back(line.at("id").dump());
+  }
+  EXPECT_EQ(ids, (Arguments{"1", "\"x\"", "2", "\"" + path("c.xml") + "\"", "3",
+                            "\"" + path("none.jsonl") + "\"", "4"}));
+  EXPECT_EQ(jsonLines(result.out).at(1).at("line"), 3);
+  EXPECT_NE(result.err.find(path("a.jsonl") + ": line 3: has no text \"vast\"\n"),
+            std::string::npos)
+      << result.err;
+  EXPECT_NE(result.err.find(path("none.jsonl") + ": No such file"), std::string::npos);
+}
+
+TEST_F(BatchCommandTest, URLsAreInputsToo) {
+  HttpServer server;
+  server.serve("/ad", ad("u"));
+  const fs::path before = fs::current_path();
+  fs::current_path(folder_);
+  file("http.xml", ad("f"));
+  const Result result = run({"batch", server.url("/ad"), "http.xml", server.url("/none")});
+  fs::current_path(before);
+  EXPECT_EQ(result.status, 1) << result.err;
+  const auto lines = jsonLines(result.out);
+  ASSERT_EQ(lines.size(), 3U);
+  EXPECT_EQ(lines[0].at("id"), server.url("/ad"));
+  EXPECT_EQ(lines[0].at("record").at("adID"), "u");
+  EXPECT_EQ(lines[1].at("record").at("adID"), "f") << "a file of that name";
+  EXPECT_EQ(lines[2].at("record").at("errorCode"), 301);
+}
+
+TEST_F(BatchCommandTest, XmlInPlaceOfLinesIsRecognised) {
+  const std::string xml = "\xEF\xBB\xBF\n <?xml version='1.0'?>\n" + ad("a") + "\n<!--\n-->\n";
+  const Result piped = run({"batch"}, xml);
+  EXPECT_EQ(piped.status, 2);
+  EXPECT_TRUE(piped.err.starts_with(
+      "tamzo-vast: line 2: is XML, not JSON: \"tamzo-vast parse -\" takes a response as it is\n"))
+      << piped.err;
+  EXPECT_EQ(jsonLines(piped.out).size(), 1U) << "one answer to all of it";
+  const Result named = run({"batch", file("a.jsonl", ad("a"))});
+  EXPECT_NE(named.err.find("tamzo-vast parse " + path("a.jsonl")), std::string::npos);
+  const Result later = run({"batch"}, requestLine(1, ad("a")) + "<VAST/>\n" + requestLine(2, ""));
+  EXPECT_EQ(jsonLines(later.out).size(), 3U) << "a broken line among others is just that";
+}
+
+TEST_F(BatchCommandTest, ASummaryIsTheTableAlone) {
+  const std::string input = requestLine(1, ad("a")) + "x\n" + requestLine(2, "<VAST/>");
+  const std::string table = run({"batch"}, input).err;
+  const Result summary = run({"batch", "--summary"}, input);
+  EXPECT_EQ(summary.status, 2);
+  EXPECT_TRUE(summary.out.starts_with("responses")) << summary.out;
+  EXPECT_EQ(summary.err + summary.out, table);
+  EXPECT_EQ(run({"batch", "--summary", "-q", "-o", path("out")}, input).out, "");
+  EXPECT_EQ(contentOf(path("out")), summary.out);
+}
+
+TEST_F(BatchCommandTest, AQuietRunHasNoTable) {
+  const std::string good = requestLine(1, ad("a"));
+  for (const char* option : {"-q", "--quiet", "-qj2"}) {
+    const Result result = run({"batch", option}, good);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "") << option;
+    EXPECT_EQ(result.out, run({"batch"}, good).out);
+  }
+  EXPECT_TRUE(run({"batch", "-q"}, "x\n").err.starts_with("tamzo-vast: line 1: is not JSON"));
+}
+
+TEST_F(BatchCommandTest, TheResponsesTextMayBeLeftOut) {
+  const std::string wrapper =
+      "<VAST version='2.0'><Ad><Wrapper><VASTAdTagURI>http://127.0.0.1:1/</VASTAdTagURI>"
+      "</Wrapper></Ad></VAST>";
+  const std::string input =
+      requestLine(1, ad("a")) + requestLine(2, wrapper) + requestLine(3, "no markup");
+  const auto whole = jsonLines(run({"batch"}, input).out);
+  auto lines = jsonLines(run({"batch", "--without-response"}, input).out);
+  ASSERT_EQ(lines.size(), 3U);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    ordered_json expected = whole[i];
+    expected["record"]["vastResponseStr"] = nullptr;
+    if (i != 1) {
+      expected["record"]["vastTagURI"] = nullptr;
+    }
+    EXPECT_EQ(lines[i].dump(), expected.dump()) << i;
+  }
+  EXPECT_EQ(lines[1].at("record").at("vastTagURI"), "http://127.0.0.1:1/") << "a URL stays";
+}
+
+TEST_F(BatchCommandTest, WithoutOrderEveryLineIsAnsweredAllTheSame) {
+  std::string input;
+  for (int i = 0; i < 300; ++i) {
+    input += requestLine(i, ad("a"));
+  }
+  const Result result = run({"batch", "--unordered", "-j", "4"}, input);
+  EXPECT_EQ(result.status, 0);
+  std::vector<int> ids;
+  for (const auto& line : jsonLines(result.out)) {
+    ids.push_back(line.at("id"));
+  }
+  std::sort(ids.begin(), ids.end());
+  ASSERT_EQ(ids.size(), 300U);
+  for (int i = 0; i < 300; ++i) {
+    EXPECT_EQ(ids[static_cast<std::size_t>(i)], i);
+  }
+}
+
+TEST_F(BatchCommandTest, ASlowURLHoldsUpNoOtherResponse) {
+  HttpServer server;
+  std::atomic<bool> mayGoOn{false};
+  server.on("/slow", [&](const Exchange& exchange) {
+    while (!mayGoOn && !server.isClosing()) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    exchange.respond(ad("slow"));
+  });
+  RunningCommand batch({"batch", "--unordered", "-j", "2"}, {});
+  batch.write(requestLine("slow", server.url("/slow")));
+  for (int i = 0; i < 500; ++i) {
+    batch.write(requestLine(i, ad("a")));
+    const auto line = batch.readLine();
+    ASSERT_TRUE(line) << i;
+    ASSERT_EQ(ordered_json::parse(*line).at("id"), i);
+  }
+  mayGoOn = true;
+  EXPECT_EQ(ordered_json::parse(batch.readLine().value_or("{}")).value("id", ""), "slow");
 }
 
 // ---- While it runs -----------------------------------------------------------------------------
@@ -367,9 +526,10 @@ TEST_F(BatchCommandTest, AnUnreadableLineKeepsItsId) {
   const Result result = run({"batch"}, input);
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.out,
-            "{\"id\": \"a\", \"error\": \"holds a NUL character\"}\n"
-            "{\"id\": 1e999, \"error\": \"is not JSON\"}\n");
-  EXPECT_NE(result.err.find("line 2: is not JSON"), std::string::npos) << result.err;
+            "{\"id\": \"a\", \"line\": 1, \"error\": \"holds a NUL character at byte 22\"}\n"
+            "{\"id\": 1e999, \"line\": 2, \"error\": "
+            "\"is not JSON: a string does not end at byte 22\"}\n");
+  EXPECT_NE(result.err.find("line 2: is not JSON: a string"), std::string::npos) << result.err;
 }
 
 }  // namespace

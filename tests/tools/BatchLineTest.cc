@@ -9,13 +9,14 @@
 namespace tamzo::testing {
 namespace {
 
-using command::answerBatchLine;
 using command::BatchAnswer;
+
+BatchAnswer answerBatchLine(const std::string& line) { return command::answerBatchLine(line, 7); }
 
 // The id of the answer as it is written there.
 std::string idOf(const BatchAnswer& answer) {
   const std::size_t end =
-      answer.line.find(answer.problem.empty() ? ", \"record\": " : ", \"error\": ");
+      answer.line.find(answer.problem.empty() ? ", \"record\": " : ", \"line\": ");
   return answer.line.substr(7, end - 7);
 }
 
@@ -66,36 +67,61 @@ TEST(BatchLine, WhatIsRefusedSaysWhyUnderItsId) {
     const char* id;
     const char* problem;
   } rows[] = {
-      {"not json", "null", "is not JSON"},
-      {R"({"id":1,"vast":"")", "1", "is not JSON"},
-      {R"({"id":{"a":[1]},"vast":})", R"({"a":[1]})", "is not JSON"},
-      {R"({"id":[1,"vast":""})", "null", "is not JSON"},
-      {R"({"id":tru,"vast":""})", "null", "is not JSON"},
-      {R"({"vast":"" "id":1})", "null", "is not JSON"},
-      {R"({"id":1,"vast":""} x)", "1", "is not JSON"},
-      {R"({"id":1,"vast":""}{"id":2})", "1", "is not JSON"},
-      {"[1]", "null", "is no JSON object"},
-      {"7", "null", "is no JSON object"},
-      {"1e999", "null", "is no JSON object"},
+      {"not json", "null", "is not JSON: this is no value at byte 2"},
+      {R"({"id":1,"vast":"")", "1", "is not JSON: a comma or \"}\" is missing at byte 18"},
+      {R"({"id":{"a":[1]},"vast":})", R"({"a":[1]})", "is not JSON: this is no value at byte 24"},
+      {R"({"id":[1,"vast":""})", "null", "is not JSON: a comma or \"]\" is missing at byte 16"},
+      {R"({"id":tru,"vast":""})", "null", "is not JSON: this is no value at byte 10"},
+      {R"({"vast":"" "id":1})", "null", "is not JSON: a comma or \"}\" is missing at byte 12"},
+      {R"({"vast":"\x","id":1})", "1", "is not JSON: there is no such escape at byte 10"},
+      {R"({"vast":<VAST>,"id":"a,}b"})", "\"a,}b\"", "is not JSON: this is no value at byte 9"},
+      {R"({"vast":"\u12x4","id":1})", "1",
+       "is not JSON: \"\\u\" is not followed by four hexadecimal digits at byte 10"},
+      {"{\"vast\":\"a\tb\",\"id\":1}", "1",
+       "is not JSON: a string holds a control character at byte 11"},
+      {R"({"vast":"a)", "null", "is not JSON: a string does not end at byte 11"},
+      {R"({"id" 1})", "null",
+       "is not JSON: a colon is missing after the name of a member at byte 7"},
+      {R"({id:1})", "null", "is not JSON: the name of a member is missing at byte 2"},
+      {R"({"id":1,"vast":""} x)", "1",
+       "is not JSON: something follows the end of the value at byte 20"},
+      {R"({"id":1,"vast":""}{"id":2})", "1",
+       "is not JSON: something follows the end of the value at byte 19"},
+      {"[1]", "null", "is JSON, but no object"},
+      {"7", "null", "is JSON, but no object"},
+      {"1e999", "null", "is JSON, but no object"},
       {R"({"id":1})", "1", "has no text \"vast\""},
       {R"({"id":1,"vast":7})", "1", "has no text \"vast\""},
-      {R"({"id":1,"x":)" + deep, "1", "is nested too deep"},
-      {deep, "null", "is nested too deep"},
-      {"{\"id\":1,\"vast\":\"\xFF\"}", "1", "is not UTF-8 text"},
-      {"{\"id\":\"\xFF\",\"vast\":\"\"}", "null", "is not UTF-8 text"},
-      {"{\"id\":[\"\xFF\"],\"vast\":\"\"}", "null", "is not UTF-8 text"},
-      {"\xFF", "null", "is not UTF-8 text"},
-      {R"({"id":1,"vast":"\ud83d"})", "1", "holds half a surrogate pair"},
-      {R"({"id":"\ude00","vast":""})", "null", "holds half a surrogate pair"},
-      {std::string("{\"id\":1,\"vast\":\"a\0b\"}", 21), "1", "holds a NUL character"},
-      {std::string("{\"id\":1,\"vast\":\"\"}\0", 19), "1", "holds a NUL character"},
+      {R"({"id":1,"x":)" + deep, "1", "cannot be held: brackets nest deeper than 512 at byte 524"},
+      {R"({"x":)" + deep + std::string(600, ']') + R"(,"id":1})", "1",
+       "cannot be held: brackets nest deeper than 512 at byte 517"},
+      {deep, "null", "cannot be held: brackets nest deeper than 512 at byte 513"},
+      {"{\"id\":1,\"vast\":\"\xFF\"}", "1", "is not UTF-8 text at byte 17"},
+      {"{\"vast\":\"\xC3\xA4\xFF\",\"id\":1}", "1", "is not UTF-8 text at byte 12"},
+      {"{\"id\":\"\xFF\",\"vast\":\"\"}", "null", "is not UTF-8 text at byte 8"},
+      {"{\"id\":[\"\xFF\"],\"vast\":\"\"}", "null", "is not UTF-8 text at byte 9"},
+      {"\xFF", "null", "is not UTF-8 text at byte 1"},
+      {R"({"id":1,"vast":"\ud83d"})", "1",
+       "cannot be held: half a surrogate pair is no character at byte 17"},
+      {R"({"vast":"\ud83d","id":{"a":[1,"}"]}})", R"({"a":[1,"}"]})",
+       "cannot be held: half a surrogate pair is no character at byte 10"},
+      {R"({"vast":"\ude00","id":1})", "1",
+       "cannot be held: a string holds what is no character at byte 9"},
+      {R"({"id":"\ude00","vast":""})", "null",
+       "cannot be held: a string holds what is no character at byte 7"},
+      {std::string("{\"id\":1,\"vast\":\"a\0b\"}", 21), "1", "holds a NUL character at byte 18"},
+      {std::string("{\"vast\":\"a\0b\",\"id\":1}", 21), "1", "holds a NUL character at byte 11"},
+      {std::string("{\"id\":1,\"vast\":\"\"}\0", 19), "1", "holds a NUL character at byte 19"},
   };
   for (const auto& row : rows) {
     const BatchAnswer answer = answerBatchLine(row.line);
     EXPECT_EQ(answer.problem, row.problem) << row.line;
     EXPECT_EQ(idOf(answer), row.id) << row.line;
     EXPECT_EQ(answer.errorCode, 0) << row.line;
-    EXPECT_EQ(nlohmann::json::parse(answer.line).at("error"), row.problem) << row.line;
+    const auto line = nlohmann::ordered_json::parse(answer.line);
+    EXPECT_EQ(line.size(), 3U) << row.line;
+    EXPECT_EQ(line.at("line"), 7) << row.line;
+    EXPECT_EQ(line.at("error"), row.problem) << row.line;
   }
 }
 

@@ -18,6 +18,12 @@ namespace {
 using command::LineReader;
 using Lines = std::vector<std::string>;
 
+// What next() gives; nothing at the end.
+std::optional<std::string> textOf(LineReader& reader) {
+  const auto line = reader.next();
+  return line ? std::optional(line->text) : std::nullopt;
+}
+
 class LineReaderTest : public ::testing::Test {
  protected:
   LineReaderTest() { EXPECT_EQ(pipe(ends_.data()), 0); }
@@ -64,8 +70,10 @@ TEST_F(LineReaderTest, LinesComeWithoutTheirBreaks) {
     LineReader reader(ends[0]);
     Lines lines;
     while (auto line = reader.next()) {
-      lines.push_back(*line);
+      EXPECT_TRUE(line->isWhole);
+      lines.push_back(line->text);
     }
+    EXPECT_TRUE(reader.isReady()) << "to say that there is nothing more";
     EXPECT_EQ(lines, row.lines) << row.text;
     close(ends[0]);
   }
@@ -75,11 +83,11 @@ TEST_F(LineReaderTest, ALineIsThereAsSoonAsItHasCome) {
   LineReader reader(input());
   for (const char* line : {"one", "two", "three"}) {
     write(std::string(line) + "\nrest of ");
-    EXPECT_EQ(reader.next(), line == std::string("one") ? line : std::string("rest of ") + line);
+    EXPECT_EQ(textOf(reader), line == std::string("one") ? line : std::string("rest of ") + line);
   }
   closeInput();
-  EXPECT_EQ(reader.next(), "rest of ");
-  EXPECT_EQ(reader.next(), std::nullopt);
+  EXPECT_EQ(textOf(reader), "rest of ");
+  EXPECT_EQ(textOf(reader), std::nullopt);
 }
 
 TEST_F(LineReaderTest, LinesMayBeLongerThanABlock) {
@@ -98,21 +106,51 @@ TEST_F(LineReaderTest, LinesMayBeLongerThanABlock) {
   });
   LineReader reader(input());
   for (const std::string& line : expected) {
-    EXPECT_TRUE(reader.next() == line) << line.size();
+    EXPECT_TRUE(textOf(reader) == line) << line.size();
   }
-  EXPECT_EQ(reader.next(), std::nullopt);
+  EXPECT_EQ(textOf(reader), std::nullopt);
   writer.join();
 }
 
 TEST_F(LineReaderTest, AnotherThreadEndsTheWait) {
   LineReader reader(input());
   write("a\nhalf a line");
-  EXPECT_EQ(reader.next(), "a");
+  EXPECT_EQ(textOf(reader), "a");
   std::thread stopper([&reader] { reader.stop(); });
-  EXPECT_EQ(reader.next(), std::nullopt);
+  EXPECT_EQ(textOf(reader), std::nullopt);
   stopper.join();
   write("\nmore\n");
-  EXPECT_EQ(reader.next(), std::nullopt) << "once stopped, always stopped";
+  EXPECT_EQ(textOf(reader), std::nullopt) << "once stopped, always stopped";
+}
+
+TEST_F(LineReaderTest, ItIsReadyWhenThereIsAWholeLine) {
+  LineReader reader(input());
+  EXPECT_FALSE(reader.isReady());
+  write("half");
+  EXPECT_FALSE(reader.isReady());
+  write(" a line\nand ");
+  EXPECT_TRUE(reader.isReady());
+  EXPECT_EQ(textOf(reader), "half a line");
+  EXPECT_FALSE(reader.isReady());
+  closeInput();
+  EXPECT_TRUE(reader.isReady());
+  EXPECT_EQ(textOf(reader), "and ");
+  EXPECT_TRUE(reader.isReady());
+  EXPECT_EQ(textOf(reader), std::nullopt);
+}
+
+TEST_F(LineReaderTest, LookingAheadDoesNotGoOnForEver) {
+  LineReader reader(input());
+  const std::string line(2'000'000, 'x');
+  std::thread writer([this, &line] {
+    write(line);
+    closeInput();
+  });
+  for (int i = 0; i < 100; ++i) {
+    EXPECT_FALSE(reader.isReady());
+  }
+  EXPECT_EQ(textOf(reader), line);
+  writer.join();
 }
 
 TEST_F(LineReaderTest, WhatCannotBeReadIsAnError) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tests/support/CommandFixture.h"
+#include "tests/support/RunningCommand.h"
 
 namespace tamzo::testing {
 namespace {
@@ -88,6 +89,66 @@ TEST_F(MainTest, WrongUsageIsOneLineAndStatus2) {
   const Result input = run({"parse"}, "\xC3\x28");
   EXPECT_EQ(input.status, 2);
   EXPECT_NE(input.err.find("standard input"), std::string::npos) << input.err;
+}
+
+TEST_F(MainTest, WhatWasMeantIsGuessed) {
+  const std::string good = file("good.xml", ad("a"));
+  const std::pair<Arguments, std::string> rows[] = {
+      {{"pasre", good}, "did you mean parse? (see tamzo-vast --help)"},
+      {{good}, "did you mean tamzo-vast parse " + good + "?"},
+      {{"https://a.example/"}, "did you mean tamzo-vast parse https://a.example/?"},
+      {{"parse", "--formt", "json"}, "did you mean --format? (see tamzo-vast parse --help)"},
+      {{"parse", "--formt=json"}, "unknown option --formt; did you mean --format?"},
+      {{"batch", "--unorderd"}, "did you mean --unordered? (see tamzo-vast batch --help)"},
+      {{"page", "--frob"}, "unknown option --frob (see tamzo-vast page --help)"},
+      {{"parse", "--format", "jsno"}, "text or json, not \"jsno\"; did you mean json? (see"},
+      {{"parse", "--color", "sometimes"}, "auto, always or never, not \"sometimes\" (see"},
+      {{"batch", "-j", "0"}, "(see tamzo-vast batch --help)"},
+      {{"--verison"}, "did you mean --version? (see tamzo-vast --help)"},
+  };
+  for (const auto& [arguments, hint] : rows) {
+    const Result result = run(arguments);
+    EXPECT_EQ(result.status, 2) << hint;
+    EXPECT_EQ(countLines(result.err), 1) << result.err;
+    EXPECT_NE(result.err.find(hint), std::string::npos) << result.err;
+  }
+}
+
+TEST_F(MainTest, OptionsMayBeGlued) {
+  const std::string good = file("good.xml", ad("a"));
+  const std::string report = run({"parse", good}).out;
+  for (const Arguments& glued : {Arguments{"-o" + path("out")}, {"-o", path("out")}}) {
+    Arguments arguments{"parse", good};
+    arguments.insert(arguments.end(), glued.begin(), glued.end());
+    EXPECT_EQ(run(arguments).status, 0) << glued.front();
+    EXPECT_EQ(contentOf(path("out")), report) << glued.front();
+    fs::remove(path("out"));
+  }
+  EXPECT_EQ(run({"batch", "-rqj2", "-o" + path("out"), good}).status, 0);
+  EXPECT_EQ(jsonLines(contentOf(path("out"))).size(), 1U);
+}
+
+TEST_F(MainTest, HelpAndVersionMayNotGetThrough) {
+  for (const Arguments& arguments :
+       {Arguments{"--help"}, {"--version"}, {"batch", "--help"}, {"parse", "--version"}}) {
+    RunningCommand command(arguments, {"", "/dev/full", path("err")});
+    EXPECT_EQ(command.wait(), 2);
+    EXPECT_EQ(contentOf(path("err")), "tamzo-vast: standard output: No space left on device\n");
+  }
+}
+
+TEST_F(MainTest, EachHelpHasExamplesAndExitStatuses) {
+  for (const Arguments& command : {Arguments{}, {"parse"}, {"page"}, {"batch"}}) {
+    Arguments help = command;
+    help.emplace_back("-h");
+    const std::string text = run(help).out;
+    EXPECT_NE(text.find("\nExamples:\n  "), std::string::npos) << text;
+    EXPECT_NE(text.find("\nExit status:\n  0  "), std::string::npos) << text;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+      EXPECT_LE(line.size(), 80U) << line;
+    }
+  }
 }
 
 TEST_F(MainTest, HelpAndVersionAreThereForEveryCommand) {

@@ -1,6 +1,7 @@
-#include "tools/OrderedAnswers.h"
+#include "tools/AnswerQueue.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <atomic>
@@ -15,7 +16,8 @@
 namespace tamzo::testing {
 namespace {
 
-using command::answerInOrder;
+using command::answerAll;
+using command::AnswerPlan;
 using command::BatchAnswer;
 using command::Work;
 
@@ -47,23 +49,28 @@ class Count {
   std::size_t value_ = 0;
 };
 
+using Task = std::function<BatchAnswer()>;
+
 // Gives out `count` pieces of work, made by `make` on the thread that asks.
 class Source : public command::WorkSource {
  public:
-  Source(std::size_t count, std::function<Work(std::size_t)> make)
+  Source(std::size_t count, std::function<Task(std::size_t)> make)
       : count_(count), make_(std::move(make)) {}
 
   std::optional<Work> next() override {
-    return isStopped || given == count_ ? std::nullopt : std::optional(make_(given++));
+    return isStopped || given == count_ ? std::nullopt : std::optional(Work{make_(given++), bytes});
   }
+  bool isReady() override { return isAlwaysReady; }
   void stop() noexcept override { isStopped = true; }
 
   std::size_t given = 0;
+  std::size_t bytes = 0;  // of each
+  bool isAlwaysReady = true;
   std::atomic<bool> isStopped{false};
 
  private:
   std::size_t count_;
-  std::function<Work(std::size_t)> make_;
+  std::function<Task(std::size_t)> make_;
 };
 
 BatchAnswer answer(std::size_t number) { return {std::to_string(number), "", 0}; }
@@ -76,7 +83,7 @@ std::vector<std::string> numbers(std::size_t count) {
   return texts;
 }
 
-TEST(OrderedAnswersTest, AnswersComeInTheOrderOfTheWork) {
+TEST(AnswerQueueTest, AnswersComeInTheOrderOfTheWork) {
   for (const unsigned threads : {1U, 2U, 8U, 64U}) {
     Source source(500, [](std::size_t i) {
       return [i] {
@@ -85,18 +92,18 @@ TEST(OrderedAnswersTest, AnswersComeInTheOrderOfTheWork) {
       };
     });
     std::vector<std::string> taken;
-    answerInOrder(source, threads, [&](BatchAnswer a) { taken.push_back(a.line); });
+    answerAll(source, {threads}, [&](BatchAnswer a) { taken.push_back(a.line); });
     EXPECT_EQ(taken, numbers(500)) << threads;
     EXPECT_FALSE(source.isStopped);
   }
 }
 
-TEST(OrderedAnswersTest, ThereMayBeNoWork) {
+TEST(AnswerQueueTest, ThereMayBeNoWork) {
   Source source(0, nullptr);
-  answerInOrder(source, 4, [](BatchAnswer) { FAIL(); });
+  answerAll(source, {4}, [](BatchAnswer) { FAIL(); });
 }
 
-TEST(OrderedAnswersTest, AsManyThreadsWorkAtOnceAsAreAskedFor) {
+TEST(AnswerQueueTest, AsManyThreadsWorkAtOnceAsAreAskedFor) {
   for (const unsigned threads : {1U, 3U, 16U}) {
     Count started;
     std::atomic<unsigned> atOnce{0};
@@ -111,41 +118,104 @@ TEST(OrderedAnswersTest, AsManyThreadsWorkAtOnceAsAreAskedFor) {
         return answer(i);
       };
     });
-    answerInOrder(source, threads, [](BatchAnswer) {});
+    answerAll(source, {threads}, [](BatchAnswer) {});
     EXPECT_FALSE(areTooMany) << threads;
   }
 }
 
-TEST(OrderedAnswersTest, OnlySoMuchIsUnderWay) {
+TEST(AnswerQueueTest, OnlySoManyBytesAreUnderWay) {
   Count given;
   Source source(1000, [&](std::size_t i) {
     given.raise();
     return [&given, i] {
       if (i == 0) {  // all others wait behind the first
-        EXPECT_TRUE(given.waitFor(16));
+        EXPECT_TRUE(given.waitFor(100));
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        EXPECT_LE(given.value(), 16U);
+        EXPECT_LE(given.value(), 120U);
       }
-      return answer(i);
+      return BatchAnswer{std::string(10'000, 'x'), "", 0};
     };
   });
+  source.bytes = 10'000;
   std::size_t taken = 0;
-  answerInOrder(source, 4, [&](BatchAnswer) { ++taken; });
+  answerAll(source, {4, true, 1'050'000}, [&](BatchAnswer) { ++taken; });
   EXPECT_EQ(taken, 1000U);
 }
 
-TEST(OrderedAnswersTest, AnAnswerDoesNotWaitForMoreWork) {
+TEST(AnswerQueueTest, WhatIsLargerThanTheWindowIsDoneAllTheSame) {
+  for (const unsigned threads : {1U, 4U}) {
+    Source source(20, [](std::size_t i) { return [i] { return answer(i); }; });
+    source.bytes = 1000;
+    std::vector<std::string> taken;
+    answerAll(source, {threads, true, 10}, [&](BatchAnswer a) { taken.push_back(a.line); });
+    EXPECT_EQ(taken, numbers(20)) << threads;
+  }
+}
+
+TEST(AnswerQueueTest, ASlowPieceHoldsUpNoOther) {
+  constexpr std::size_t kPieces = 5000;
+  Count done;
+  Source source(kPieces, [&](std::size_t i) {
+    return [&done, i] {
+      EXPECT_TRUE(i != 0 || done.waitFor(kPieces - 1)) << "others wait for the first";
+      done.raise();
+      return answer(i);
+    };
+  });
+  std::vector<std::string> taken;
+  answerAll(source, {2}, [&](BatchAnswer a) { taken.push_back(a.line); });
+  EXPECT_EQ(taken, numbers(kPieces));
+}
+
+TEST(AnswerQueueTest, WithoutOrderNothingWaitsForWhatCameBefore) {
+  constexpr std::size_t kPieces = 500;
+  Count handedOut;
+  Source source(kPieces, [&](std::size_t i) {
+    return [&handedOut, i] {
+      EXPECT_TRUE(i != 0 || handedOut.waitFor(kPieces - 1)) << "answers wait for the first";
+      return answer(i);
+    };
+  });
+  std::vector<std::string> taken;
+  answerAll(source, {2, false}, [&](BatchAnswer a) {
+    taken.push_back(a.line);
+    handedOut.raise();
+  });
+  EXPECT_EQ(taken.back(), "0");
+  std::sort(taken.begin(), taken.end());
+  std::vector<std::string> all = numbers(kPieces);
+  std::sort(all.begin(), all.end());
+  EXPECT_EQ(taken, all);
+}
+
+TEST(AnswerQueueTest, ThreadsAreNotWokenForNothing) {
+  constexpr std::size_t kPieces = 2000;
+  constexpr unsigned kThreads = 64;
+  Source source(kPieces, [](std::size_t i) { return [i] { return answer(i); }; });
+  source.isAlwaysReady = false;  // each comes alone
+  const auto switches = [] {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_nvcsw;
+  };
+  const long before = switches();
+  answerAll(source, {kThreads}, [](BatchAnswer) {});
+  EXPECT_LT(switches() - before, static_cast<long>(kPieces * kThreads / 8));
+}
+
+TEST(AnswerQueueTest, AnAnswerDoesNotWaitForMoreWork) {
   for (const unsigned threads : {1U, 2U, 4U}) {
     Count taken;
     Source source(50, [&](std::size_t i) {
       EXPECT_TRUE(taken.waitFor(i)) << "of the answers before " << i << " one is held back";
       return [i] { return answer(i); };
     });
-    answerInOrder(source, threads, [&](BatchAnswer) { taken.raise(); });
+    source.isAlwaysReady = false;
+    answerAll(source, {threads}, [&](BatchAnswer) { taken.raise(); });
   }
 }
 
-TEST(OrderedAnswersTest, AnAnswerThatIsReadyWaitsForNothing) {
+TEST(AnswerQueueTest, AnAnswerThatIsReadyWaitsForNothing) {
   // Two threads and eight pieces under way: the first is done when the last has begun, and then
   // six more are ready, which both the last and the input wait for.
   Count begun;
@@ -159,11 +229,12 @@ TEST(OrderedAnswersTest, AnAnswerThatIsReadyWaitsForNothing) {
       return answer(i);
     };
   });
-  answerInOrder(source, 2, [&](BatchAnswer) { taken.raise(); });
+  source.isAlwaysReady = false;
+  answerAll(source, {2}, [&](BatchAnswer) { taken.raise(); });
   EXPECT_EQ(taken.value(), 20U);
 }
 
-TEST(OrderedAnswersTest, AFailedOutputEndsTheRun) {
+TEST(AnswerQueueTest, AFailedOutputEndsTheRun) {
   for (const unsigned threads : {1U, 4U}) {
     Source source(1'000'000, [](std::size_t i) { return [i] { return answer(i); }; });
     std::vector<std::string> taken;
@@ -173,29 +244,29 @@ TEST(OrderedAnswersTest, AFailedOutputEndsTheRun) {
       }
       taken.push_back(a.line);
     };
-    EXPECT_THROW(answerInOrder(source, threads, take), std::runtime_error);
+    EXPECT_THROW(answerAll(source, {threads}, take), std::runtime_error);
     EXPECT_EQ(taken, numbers(10)) << "nothing is taken after it";
     EXPECT_TRUE(source.isStopped);
     EXPECT_LT(source.given, 100U);
   }
 }
 
-TEST(OrderedAnswersTest, WorkThatThrowsEndsTheRun) {
-  Source source(1'000'000, [](std::size_t i) -> Work {
+TEST(AnswerQueueTest, WorkThatThrowsEndsTheRun) {
+  Source source(1'000'000, [](std::size_t i) -> Task {
     return [i] { return i == 10 ? throw std::bad_alloc() : answer(i); };
   });
   std::vector<std::string> taken;
-  EXPECT_THROW(answerInOrder(source, 4, [&](BatchAnswer a) { taken.push_back(a.line); }),
+  EXPECT_THROW(answerAll(source, {4}, [&](BatchAnswer a) { taken.push_back(a.line); }),
                std::bad_alloc);
   EXPECT_EQ(taken, numbers(10));
 }
 
-TEST(OrderedAnswersTest, WhatCameBeforeAFailedInputIsAnswered) {
-  Source source(100, [](std::size_t i) -> Work {
-    return i == 10 ? throw std::bad_alloc() : Work([i] { return answer(i); });
+TEST(AnswerQueueTest, WhatCameBeforeAFailedInputIsAnswered) {
+  Source source(100, [](std::size_t i) -> Task {
+    return i == 10 ? throw std::bad_alloc() : Task([i] { return answer(i); });
   });
   std::vector<std::string> taken;
-  EXPECT_THROW(answerInOrder(source, 4, [&](BatchAnswer a) { taken.push_back(a.line); }),
+  EXPECT_THROW(answerAll(source, {4}, [&](BatchAnswer a) { taken.push_back(a.line); }),
                std::bad_alloc);
   EXPECT_EQ(taken, numbers(10));
 }
