@@ -5,6 +5,7 @@
 
 #include "base/Utf8.h"
 #include "sdk/HostFetch.h"
+#include "xml/XmlParser.h"
 
 namespace tamzo {
 
@@ -14,7 +15,8 @@ TamzoVastAd::Chain::Chain(const Text& from, const ParseOptions& with)
       ofProcess(with.host == nullptr ? TamzoHost::get() : nullptr),
       host(with.host == nullptr ? *ofProcess : *with.host),
       scope(host),
-      deadline(Deadline::in(with.totalSeconds)) {}
+      deadline(
+          Deadline::in(with.totalSeconds).orSooner(Deadline::in(host.fetchLimits.chainSeconds))) {}
 
 void TamzoVastAd::Chain::startHop(HopSource from, const Text& vastTagURI) {
   ++number;
@@ -32,6 +34,17 @@ void TamzoVastAd::Chain::tell(const TamzoVastAd& record) {
     options.observer->onHop({number, source, tagOfHop, url, fetch ? &*fetch : nullptr, document,
                              parsed.get(), record.errorCode(), record, exception});
   }
+}
+
+std::shared_ptr<DDXMLDocument> TamzoVastAd::Chain::read(const Text& xml) {
+  XmlParser parser;
+  if (number > 1) {
+    const std::size_t most = host.fetchLimits.maxChainNodes;
+    parser.setMaxNodes(most - std::min(nodes, most));
+  }
+  auto read = parser.parseDocument(xml);
+  nodes += parser.nodes();
+  return read;
 }
 
 FetchRequest TamzoVastAd::Chain::requestFor(const Text& escapedUrl) {

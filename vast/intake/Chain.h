@@ -30,6 +30,9 @@ struct TamzoVastAd::Chain {
   /// nil when it failed.
   void fetchDocument(const Text& from, const Text& escapedUrl);
 
+  /// The document of a text, within what the chain has left; null when it is none.
+  std::shared_ptr<DDXMLDocument> read(const Text& xml);
+
   const Text& response;
   const ParseOptions& options;
   std::shared_ptr<const TamzoHost> ofProcess;
@@ -39,6 +42,8 @@ struct TamzoVastAd::Chain {
   FetchCookies cookies;
   /// Of all bodies so far.
   std::size_t bytes = 0;
+  /// Of all documents so far.
+  std::size_t nodes = 0;
   /// As the last Wrapper has it, macros unfilled.
   Text tag;
 

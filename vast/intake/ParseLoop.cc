@@ -168,7 +168,7 @@ bool TamzoVastAd::readDocument(const Text& xml, Chain& chain) {
     setErrorCode(kEmptyContent);
     return true;
   }
-  chain.parsed = DDXMLDocument::initWithXMLString(xml, 0);
+  chain.parsed = chain.read(xml);
   if (chain.parsed == nullptr) {
     TAMZO_LOG("XML is not VAST");
     setErrorCode(kNotXml);

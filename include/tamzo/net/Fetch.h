@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,7 +37,7 @@ enum class FetchFailure : std::uint8_t {
 /// "not-utf8", "empty", "cancelled" or "other"; "" for none.
 TAMZO_EXPORT std::string_view fetchFailureName(FetchFailure failure) noexcept;
 
-/// What one fetch may take, and what all fetches of a chain.
+/// What one fetch may take, and what a whole chain.
 ///
 /// A limit of time that is NaN, 0 or less leaves no time, and the fetch fails as `timeout`; infinity
 /// is no limit.
@@ -47,8 +48,14 @@ struct FetchLimits {
   double totalSeconds = 15.0;
   /// One body, after decompression; the bodies of the redirects before it count too.
   std::size_t maxBodyBytes = std::size_t{16} << 20U;
-  /// All bodies of a chain of Wrappers. Less than `maxBodyBytes` counts as that.
+  /// All fetches of a chain of Wrappers together, from the start of its parse.
+  double chainSeconds = std::numeric_limits<double>::infinity();
+  /// All bodies of a chain. Less than `maxBodyBytes` counts as that.
   std::size_t maxChainBytes = std::size_t{32} << 20U;
+  /// All documents of a chain, in nodes of their trees: an element is one, an attribute two, texts
+  /// are none; a node takes about a hundred bytes. The first document may have any number. One that
+  /// goes beyond is not read: error 101.
+  std::size_t maxChainNodes = 5'000'000;
 };
 
 /// Times of a fetch in milliseconds; 0 where it did not happen, as on a connection that was there.
@@ -79,8 +86,8 @@ struct FetchResult {
 struct FetchHeader {
   std::string name;   ///< a token as HTTP means it
   std::string value;  ///< any bytes but CR, LF and NUL
-  /// The hosts that get it, without port, in any letter case; every host when empty. A redirect to
-  /// another host does not take it along.
+  /// The hosts that get it, without port, in any letter case; every host that is asked when empty.
+  /// Authorization and Cookie are not taken to another origin by a redirect even then.
   std::vector<std::string> hosts;
 };
 

@@ -28,8 +28,9 @@ class TAMZO_EXPORT TamzoUrlReader {
   /// Throws std::bad_alloc only.
   static std::optional<std::string> read(const Text& url, const Limits& limits);
 
-  /// Closes the connections that no fetch is using, which are kept for the next one: for an app that
-  /// goes to the background. They are closed by themselves when a fetch finds them idle for a minute.
+  /// Closes the connections that no fetch is using, which are kept for the next one: for an app
+  /// that goes to the background. They are closed by themselves when a fetch finds them idle for a
+  /// minute.
   static void closeIdleConnections() noexcept;
 
   /// A URL made from a text: what a URL may not hold is percent-encoded as UTF-8, what is encoded

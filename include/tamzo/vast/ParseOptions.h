@@ -49,9 +49,10 @@ class TAMZO_EXPORT ParseObserver {
 /// parse.
 struct ParseOptions {
   const TamzoHost* host = nullptr;  ///< null: that of the process
-  /// Longest time that all fetches of the chain may take together, from the start of the parse; NaN
-  /// and less than 0 count as 0. The fetch that meets the end fails, and so do those after it:
-  /// error 301. What was read before stays in the record.
+  /// Longest time that all fetches of the chain may take together, from the start of the parse, or
+  /// less where the host says so (FetchLimits::chainSeconds); NaN and less than 0 count as 0. The
+  /// fetch that meets the end fails, and so do those after it: error 301. What was read before
+  /// stays in the record.
   double totalSeconds = std::numeric_limits<double>::infinity();
   /// Cancelled, the fetch under way fails, and those after it: error 301.
   Cancellation cancellation = Cancellation::never();

@@ -316,5 +316,40 @@ TEST_F(ChainTest, ABodyMayHaveWhatTheBodiesBeforeItHaveLeft) {
       << "a chain may have one body at least";
 }
 
+TEST_F(ChainTest, ADocumentMayHaveTheNodesThatThoseBeforeItHaveLeft) {
+  const auto padded = [](const std::string& document, int nodes) {
+    std::string extra;
+    for (int i = 0; i < nodes; ++i) {
+      extra += "<a/>";
+    }
+    return document.substr(0, document.size() - std::string("</VAST>").size()) + extra + "</VAST>";
+  };
+  documents_["http://a.example/2"] = padded(wrapper("3.0", "", "http://a.example/3"), 1000);
+  documents_["http://a.example/3"] = padded(kInline, 1000);
+  const std::string first = padded(wrapper("3.0", "", "http://a.example/2"), 1000);
+  host_.fetchLimits.maxChainNodes = 3100;
+  EXPECT_EQ(parse(first)->errorCode(), 0);
+  host_.fetchLimits.maxChainNodes = 2900;
+  const auto ad = parse(first);
+  EXPECT_EQ(ad->errorCode(), kNotXml);
+  EXPECT_EQ(ad->adID(), "wrapper") << "nothing is rolled back";
+  EXPECT_EQ(told().back().number, 3);
+  host_.fetchLimits.maxChainNodes = 0;
+  EXPECT_EQ(parse(first)->errorCode(), kNotXml);
+  EXPECT_EQ(told().back().number, 2) << "the first may have any number";
+  EXPECT_EQ(parse(padded(kInline, 1000))->errorCode(), 0);
+}
+
+TEST_F(ChainTest, TheHostsLimitOfAChainHoldsBesideThatOfTheParse) {
+  host_.fetchLimits.chainSeconds = 0.0;
+  EXPECT_EQ(parse(wrapper("3.0"))->errorCode(), kEmptyContent);
+  EXPECT_EQ(told().back().fetch->failure, FetchFailure::timeout);
+  host_.fetchLimits.chainSeconds = 1000.0;
+  options_.totalSeconds = 0.0;
+  EXPECT_EQ(parse(wrapper("3.0"))->errorCode(), kEmptyContent);
+  EXPECT_EQ(told().back().fetch->failure, FetchFailure::timeout);
+  EXPECT_TRUE(asked_.empty());
+}
+
 }  // namespace
 }  // namespace tamzo::testing
