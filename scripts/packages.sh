@@ -12,3 +12,5 @@ check_packages=(
   clang clang-tidy clang-format libc++-dev libc++abi-dev libclang-rt-14-dev
   libbenchmark-dev valgrind gcovr
 )
+# For the builds for phones, with what scripts/sysroot.sh fetches.
+cross_packages=(crossbuild-essential-arm64 crossbuild-essential-armhf qemu-user-static googletest)
