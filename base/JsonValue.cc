@@ -12,8 +12,8 @@
 
 #include "base/JsonReader.h"
 #include "base/JsonWriter.h"
-#include "base/Numbers.h"
 #include "base/NeverDestroyed.h"
+#include "base/Numbers.h"
 
 namespace tamzo {
 namespace {

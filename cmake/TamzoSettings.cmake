@@ -12,6 +12,10 @@ if(TAMZO_SANITIZE)
   target_compile_options(tamzo_settings INTERFACE
     -fsanitize=${TAMZO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
   target_link_options(tamzo_settings INTERFACE -fsanitize=${TAMZO_SANITIZE})
+  # The address of a Thumb function is odd, which g++ takes for misaligned.
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^armv7")
+    target_compile_options(tamzo_settings INTERFACE -marm)
+  endif()
 endif()
 if(TAMZO_COVERAGE)
   # Tests run threads, whose counts must not overtake each other.

@@ -18,8 +18,8 @@ class BlockedEntries {
 
   /// The first place of an entry, from 1; 0 where it is none.
   std::size_t placeOf(std::string_view category) const;
-  /// The entry that differs from a category in white space or letter case only; empty where there is
-  /// none, or where the category is one of the entries.
+  /// The entry that differs from a category in white space or letter case only; empty where there
+  /// is none, or where the category is one of the entries.
   std::string_view nearMissOf(std::string_view category) const;
 
  private:

@@ -16,10 +16,9 @@ Verdict verdictOf(const TamzoVastAd& ad) {
   if (ad.errorCode() != kNoError) {
     return Verdict::failed;
   }
-  const bool hasMedia =
-      ad.mediaFiles() != nullptr &&
-      std::any_of(ad.mediaFiles()->begin(), ad.mediaFiles()->end(),
-                  [](const auto& file) { return file->url().hasCharacters(); });
+  const bool hasMedia = ad.mediaFiles() != nullptr &&
+                        std::any_of(ad.mediaFiles()->begin(), ad.mediaFiles()->end(),
+                                    [](const auto& file) { return file->url().hasCharacters(); });
   return hasMedia || ad.jsVPaidPresent() ? Verdict::playable : Verdict::nothingToPlay;
 }
 

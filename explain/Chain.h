@@ -14,11 +14,11 @@ namespace tamzo::explain {
 
 /// How the parser refuses the text that the last hop received.
 struct Refusal {
-  bool isXml = false;   ///< it does not: only the cleaned text is refused
-  std::string parser;   ///< libxml2's own words
-  std::string bound;    ///< the parser's bound that it went beyond; "": none
-  Fault fault;          ///< the first one, where there is no bound
-  std::size_t line = 0; ///< where libxml2 stopped; 0 where it does not say
+  bool isXml = false;    ///< it does not: only the cleaned text is refused
+  std::string parser;    ///< libxml2's own words
+  std::string bound;     ///< the parser's bound that it went beyond; "": none
+  Fault fault;           ///< the first one, where there is no bound
+  std::size_t line = 0;  ///< where libxml2 stopped; 0 where it does not say
 };
 
 /// A parse that has ended: what findings are looked for in.

@@ -17,9 +17,8 @@ char lower(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c 
 
 // The clean-up knows no letter case.
 bool endsInWord(std::string_view name) noexcept {
-  return name.size() >= kWord.size() &&
-         std::equal(kWord.rbegin(), kWord.rend(), name.rbegin(),
-                    [](char a, char b) { return a == lower(b); });
+  return name.size() >= kWord.size() && std::equal(kWord.rbegin(), kWord.rend(), name.rbegin(),
+                                                   [](char a, char b) { return a == lower(b); });
 }
 
 bool startsName(char c) noexcept {
@@ -76,8 +75,8 @@ std::size_t CleanUp::toCleaned(std::size_t at) const noexcept {
                                 : cleanedAt_[i] + kWord.size() + (at - collapses_[i].end);
 }
 
-// Calls `visit` with each collapse, the piece of the received text that it begins in and, where that
-// is a start tag, its attributes, until it returns false.
+// Calls `visit` with each collapse, the piece of the received text that it begins in and, where
+// that is a start tag, its attributes, until it returns false.
 template <typename Visit>
 void CleanUp::visitPieces(Visit visit) const {
   const std::string_view text = received_;
@@ -121,28 +120,28 @@ CollapseFault CleanUp::findFault() const {
   using Kind = MarkupPiece::Kind;
   CollapseFault fault;
   bool isFound = false;
-  visitPieces([&](const Collapse& collapse, const MarkupPiece& piece,
-                  [[maybe_unused]] const TagText& tag) {
-    const bool tookEnd = collapse.end >= piece.end;
-    Effect effect = tookEnd ? Effect::brokeMarkup : Effect::harmless;
-    if (piece.kind == Kind::startTag) {
-      effect = tookEnd ? Effect::tookTagEnd : effectOf(collapse, tag);
-    } else if (piece.kind == Kind::text) {
-      effect = collapse.end > piece.end ? Effect::brokeMarkup : Effect::harmless;
-    }
-    if (effect == Effect::harmless) {
-      return true;
-    }
-    isFound = true;
-    fault.at = collapse.begin;
-    fault.tookTagEnd = effect == Effect::tookTagEnd;
-    if (fault.tookTagEnd) {
-      const std::string_view rest = cleaned_.view().substr(toCleaned(piece.begin));
-      const std::size_t end = std::min(rest.find('>'), rest.size() - 1) + 1;
-      fault.read = rest.substr(0, std::min(end, kLongestTag));
-    }
-    return false;
-  });
+  visitPieces(
+      [&](const Collapse& collapse, const MarkupPiece& piece, [[maybe_unused]] const TagText& tag) {
+        const bool tookEnd = collapse.end >= piece.end;
+        Effect effect = tookEnd ? Effect::brokeMarkup : Effect::harmless;
+        if (piece.kind == Kind::startTag) {
+          effect = tookEnd ? Effect::tookTagEnd : effectOf(collapse, tag);
+        } else if (piece.kind == Kind::text) {
+          effect = collapse.end > piece.end ? Effect::brokeMarkup : Effect::harmless;
+        }
+        if (effect == Effect::harmless) {
+          return true;
+        }
+        isFound = true;
+        fault.at = collapse.begin;
+        fault.tookTagEnd = effect == Effect::tookTagEnd;
+        if (fault.tookTagEnd) {
+          const std::string_view rest = cleaned_.view().substr(toCleaned(piece.begin));
+          const std::size_t end = std::min(rest.find('>'), rest.size() - 1) + 1;
+          fault.read = rest.substr(0, std::min(end, kLongestTag));
+        }
+        return false;
+      });
   if (!isFound && changes()) {
     fault.at = collapses_.front().begin;
   }
@@ -170,19 +169,19 @@ std::optional<TakenAttributes> CleanUp::findTaken() const {
   TakenAttributes taken;
   std::unordered_set<std::string> known;
   std::size_t lastTag = std::string_view::npos;
-  visitPieces([&](const Collapse& collapse, const MarkupPiece& piece,
-                  [[maybe_unused]] const TagText& tag) {
-    if (piece.kind == MarkupPiece::Kind::startTag && piece.begin != lastTag) {
-      lastTag = piece.begin;
-      for (std::string& name : takenFrom(piece.begin)) {
-        if (known.insert(name).second) {
-          taken.at = taken.names.empty() ? collapse.begin : taken.at;
-          taken.names.push_back(std::move(name));
+  visitPieces(
+      [&](const Collapse& collapse, const MarkupPiece& piece, [[maybe_unused]] const TagText& tag) {
+        if (piece.kind == MarkupPiece::Kind::startTag && piece.begin != lastTag) {
+          lastTag = piece.begin;
+          for (std::string& name : takenFrom(piece.begin)) {
+            if (known.insert(name).second) {
+              taken.at = taken.names.empty() ? collapse.begin : taken.at;
+              taken.names.push_back(std::move(name));
+            }
+          }
         }
-      }
-    }
-    return true;
-  });
+        return true;
+      });
   return taken.names.empty() ? std::nullopt : std::optional(std::move(taken));
 }
 
@@ -211,20 +210,20 @@ std::string CleanUp::withoutDefaultNamespaces() const {
   std::string without;
   without.reserve(text.size());
   std::size_t copied = 0;
-  visitPieces([&](const Collapse& collapse, const MarkupPiece& piece,
-                  [[maybe_unused]] const TagText& tag) {
-    if (piece.kind != MarkupPiece::Kind::startTag || collapse.begin < copied) {
-      return true;
-    }
-    const auto found = std::lower_bound(
-        tag.attributes.begin(), tag.attributes.end(), collapse.begin,
-        [](const AttributeText& attribute, std::size_t at) { return attribute.nameAt < at; });
-    if (found != tag.attributes.end() && found->nameAt == collapse.begin) {
-      without += text.substr(copied, found->nameAt - copied);
-      copied = found->end;
-    }
-    return true;
-  });
+  visitPieces(
+      [&](const Collapse& collapse, const MarkupPiece& piece, [[maybe_unused]] const TagText& tag) {
+        if (piece.kind != MarkupPiece::Kind::startTag || collapse.begin < copied) {
+          return true;
+        }
+        const auto found = std::lower_bound(
+            tag.attributes.begin(), tag.attributes.end(), collapse.begin,
+            [](const AttributeText& attribute, std::size_t at) { return attribute.nameAt < at; });
+        if (found != tag.attributes.end() && found->nameAt == collapse.begin) {
+          without += text.substr(copied, found->nameAt - copied);
+          copied = found->end;
+        }
+        return true;
+      });
   without += text.substr(copied);
   return without;
 }

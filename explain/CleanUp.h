@@ -15,8 +15,8 @@ namespace tamzo::explain {
 /// Why the clean-up made a text that was XML one that is none.
 struct CollapseFault {
   bool tookTagEnd = false;
-  std::size_t at = 0;   ///< of the `xmlns`, in the received text
-  std::string read;     ///< the tag as it was read, where its end was taken
+  std::size_t at = 0;  ///< of the `xmlns`, in the received text
+  std::string read;    ///< the tag as it was read, where its end was taken
 };
 
 /// Attributes that the clean-up took along with `xmlns=`.
@@ -45,7 +45,8 @@ class CleanUp {
   /// Of a cleaned text that is XML; nothing where none were taken. Names stand once each.
   std::optional<TakenAttributes> findTaken() const;
 
-  /// True when the root lost its attribute `version`. Where the `xmlns` stands that took it is `at`.
+  /// True when the root lost its attribute `version`. Where the `xmlns` stands that took it is
+  /// `at`.
   bool tookVersion(std::size_t& at) const;
 
   /// The received text without attributes named `xmlns`.

@@ -97,8 +97,7 @@ HopReport reportOf(const SeenHop& hop, const TrackerTally& trackers) {
   report.kind = hop.kind;
   report.adSystem = trimmedChild(hop.followed, "AdSystem");
   report.adTitle = trimmedChild(hop.followed, "AdTitle");
-  const DDXMLElement ad =
-      hop.followedAd || hop.ads.empty() ? hop.followedAd : hop.ads.at(0);
+  const DDXMLElement ad = hop.followedAd || hop.ads.empty() ? hop.followedAd : hop.ads.at(0);
   report.adId = trimmed(ad.attributeValue("id"));
   report.companions = hop.companions;
   report.verifications = hop.verifications;
@@ -187,8 +186,8 @@ void Explainer::note(const Hop& hop) {
     seen.brought = trackers_.note(*hop.record.trackers(), hop.number);
   }
   seen.companions = companionsOf(hop.record) - std::exchange(companions_, companionsOf(hop.record));
-  seen.verifications = verificationsOf(hop.record) -
-                       std::exchange(verifications_, verificationsOf(hop.record));
+  seen.verifications =
+      verificationsOf(hop.record) - std::exchange(verifications_, verificationsOf(hop.record));
   hops_.push_back(std::move(seen));
   exception_ = hop.exception;
 }

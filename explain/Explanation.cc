@@ -47,8 +47,8 @@ std::string_view nameOf(HopSource source) noexcept {
 }
 
 const Finding* errorOf(const Explanation& explanation) noexcept {
-  const bool hasError = !explanation.findings.empty() &&
-                        explanation.findings.front().severity == Severity::error;
+  const bool hasError =
+      !explanation.findings.empty() && explanation.findings.front().severity == Severity::error;
   return hasError ? &explanation.findings.front() : nullptr;
 }
 

@@ -180,8 +180,8 @@ std::string recordWithExplanation(const TamzoVastAd& ad, const Explanation& expl
   const std::string record = recordAsJson(ad, layout);
   const std::string reasons = explanationAsJson(explanation, layout);
   return layout == JsonLayout::indented
-             ? "{\n  \"record\": " + indented(record) + ",\n  \"explanation\": " +
-                   indented(reasons) + "\n}"
+             ? "{\n  \"record\": " + indented(record) +
+                   ",\n  \"explanation\": " + indented(reasons) + "\n}"
              : R"({"record": )" + record + R"(, "explanation": )" + reasons + "}";
 }
 

@@ -105,9 +105,8 @@ std::vector<Finding> Findings::take(const Chain& chain) {
   for (Draft& draft : drafts_) {
     findings.push_back(std::move(draft.finding_));
   }
-  std::stable_sort(findings.begin(), findings.end(), [](const Finding& a, const Finding& b) {
-    return rankOf(a) < rankOf(b);
-  });
+  std::stable_sort(findings.begin(), findings.end(),
+                   [](const Finding& a, const Finding& b) { return rankOf(a) < rankOf(b); });
   return findings;
 }
 

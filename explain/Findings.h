@@ -88,8 +88,8 @@ class Findings {
   }
   bool isFound() const noexcept { return isFound_; }
 
-  /// True when one more of this kind would be kept. Where it is false, `add` need not be called with
-  /// a message that costs something to make: `skip` counts it.
+  /// True when one more of this kind would be kept. Where it is false, `add` need not be called
+  /// with a message that costs something to make: `skip` counts it.
   bool wants(std::optional<std::int32_t> hop) const;
   void skip(std::optional<std::int32_t> hop);
   /// A new finding, until the next is added. Only where wants() is true.

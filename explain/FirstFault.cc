@@ -18,12 +18,8 @@ bool isBlank(char c) noexcept { return c == ' ' || c == '\t' || c == '\n' || c =
 bool isLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 bool isBeyondAscii(char c) noexcept { return (static_cast<std::uint8_t>(c) & 0x80U) != 0; }
-bool startsName(char c) noexcept {
-  return isLetter(c) || c == '_' || c == ':' || isBeyondAscii(c);
-}
-bool continuesName(char c) noexcept {
-  return startsName(c) || isDigit(c) || c == '-' || c == '.';
-}
+bool startsName(char c) noexcept { return isLetter(c) || c == '_' || c == ':' || isBeyondAscii(c); }
+bool continuesName(char c) noexcept { return startsName(c) || isDigit(c) || c == '-' || c == '.'; }
 
 bool isXmlCharacter(std::uint32_t c) noexcept {
   if (c < 0x20U) {
@@ -50,8 +46,7 @@ bool isDeclaration(std::string_view text) noexcept {
 
 class Scanner {
  public:
-  explicit Scanner(std::string_view text)
-      : text_(text), controlAt_(findControlCharacter(text)) {
+  explicit Scanner(std::string_view text) : text_(text), controlAt_(findControlCharacter(text)) {
     at_ = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
   }
 
@@ -62,8 +57,11 @@ class Scanner {
     }
     // A character that no XML holds counts wherever it stands.
     if (controlAt_ != kNowhere && (fault_.kind == FaultKind::none || controlAt_ <= fault_.at)) {
-      fault_ = {FaultKind::controlCharacter, controlAt_, "",
-                static_cast<std::uint32_t>(characterAt(text_, controlAt_).value), {}};
+      fault_ = {FaultKind::controlCharacter,
+                controlAt_,
+                "",
+                static_cast<std::uint32_t>(characterAt(text_, controlAt_).value),
+                {}};
     }
     return std::move(fault_);
   }
@@ -117,7 +115,8 @@ class Scanner {
   void readCdata();
   void readEndTag();
   void readStartTag();
-  bool readAttribute(std::vector<std::string_view>& few, std::unordered_set<std::string_view>& many);
+  bool readAttribute(std::vector<std::string_view>& few,
+                     std::unordered_set<std::string_view>& many);
   void readValue(char quote);
   void readReference();
   void readNumber(std::size_t ampersand);
@@ -163,8 +162,7 @@ void Scanner::readDocumentType() {
   const MarkupPiece piece = markupPieceAt(text_, at_);
   const std::string_view type = text_.substr(piece.begin, piece.end - piece.begin);
   const std::string_view outer = type.substr(0, type.find('['));
-  knowsAllEntities_ =
-      outer.find("SYSTEM") == kNowhere && outer.find("PUBLIC") == kNowhere;
+  knowsAllEntities_ = outer.find("SYSTEM") == kNowhere && outer.find("PUBLIC") == kNowhere;
   constexpr std::string_view kEntity = "<!ENTITY";
   for (std::size_t found = type.find(kEntity); found != kNowhere;
        found = type.find(kEntity, found + 1)) {

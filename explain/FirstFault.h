@@ -23,10 +23,10 @@ enum class FaultKind : std::uint8_t {
 /// The first fault of a text.
 struct Fault {
   FaultKind kind = FaultKind::none;
-  std::size_t at = 0;              ///< in bytes
-  std::string name;                ///< of the entity, or of the attribute
-  std::uint32_t codePoint = 0;     ///< of the control character
-  std::vector<std::string> open;   ///< elements that are open where the text ends, outermost first
+  std::size_t at = 0;             ///< in bytes
+  std::string name;               ///< of the entity, or of the attribute
+  std::uint32_t codePoint = 0;    ///< of the control character
+  std::vector<std::string> open;  ///< elements that are open where the text ends, outermost first
 };
 
 /// Finds the first fault in the order of the text. `none` does not say that a parser takes the

@@ -44,8 +44,8 @@ BracketedName findBracketedName(std::string_view text, std::size_t from) noexcep
   for (std::size_t open = text.find('[', from); open != std::string_view::npos;
        open = text.find('[', open + 1)) {
     std::size_t end = open + 1;
-    while (end < text.size() && (isLetter(text[end]) || text[end] == '_' ||
-                                 (isDigit(text[end]) && end > open + 1))) {
+    while (end < text.size() &&
+           (isLetter(text[end]) || text[end] == '_' || (isDigit(text[end]) && end > open + 1))) {
       ++end;
     }
     if (end > open + 1 && end < text.size() && text[end] == ']') {

@@ -64,8 +64,7 @@ class MediaReporter {
       return type.isNil() ? std::string("it has no type")
                           : "the type " + quoted(type) + " is none that plays";
     }
-    const bool isListed =
-        chain_.ad().mediaFiles() != nullptr && !chain_.ad().mediaFiles()->empty();
+    const bool isListed = chain_.ad().mediaFiles() != nullptr && !chain_.ad().mediaFiles()->empty();
     if (!isListed) {
       return chain_.ad().jsVPaidPresent() ? "the JavaScript VPAID unit plays, and brings its own"
                                           : "the ad was not read that far";

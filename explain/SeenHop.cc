@@ -22,8 +22,8 @@ DDXMLElement firstWithoutEvent(const NodeList& trackings) {
 void findFollowed(SeenHop& hop) {
   const bool isWrapper = hop.kind == AdKind::wrapper;
   for (const DDXMLElement& ad : hop.ads) {
-    if (const auto inside = isWrapper ? ad.firstNodeForXPath("Wrapper")
-                                      : ad.firstNodeForXPath("InLine")) {
+    if (const auto inside =
+            isWrapper ? ad.firstNodeForXPath("Wrapper") : ad.firstNodeForXPath("InLine")) {
       hop.followedAd = ad;
       hop.followed = inside;
       return;
@@ -85,8 +85,8 @@ DDXMLElement findTrackingWithoutEvent(const SeenHop& hop) {
       return found;
     }
     if (hop.major == 4) {
-      return firstWithoutEvent(hop.followed.nodesForXPath(
-          "Extensions/Extension/Tamzo/ExtraTrackingEvents/Tracking"));
+      return firstWithoutEvent(
+          hop.followed.nodesForXPath("Extensions/Extension/Tamzo/ExtraTrackingEvents/Tracking"));
     }
   }
   return {};

@@ -28,7 +28,7 @@ struct SeenHop {
 
   // What the document holds, as far as it could be parsed.
   Text rootName;
-  Text version;         ///< as the parser found it
+  Text version;            ///< as the parser found it
   std::int32_t major = 0;  ///< 2, 3 or 4; 0 for a version that is not read
   NodeList ads;
   AdKind kind = AdKind::none;

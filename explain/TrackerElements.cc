@@ -27,7 +27,8 @@ TrackerElements::TrackerElements(const SeenHop& hop) {
   addAll(Text::literal("ClickTracking"), hop.linears.nodesUnderFirst("VideoClicks/ClickTracking"));
   for (const DDXMLElement& block : vendorBlocksOf(hop)) {
     // A later block replaces what an earlier one gave.
-    if (const auto replay = block.firstNodeForXPath("canReplay"); replay.stringValue().hasCharacters()) {
+    if (const auto replay = block.firstNodeForXPath("canReplay");
+        replay.stringValue().hasCharacters()) {
       elements_["canReplay"] = {replay};
     }
   }

@@ -14,8 +14,8 @@ class TrackerElements {
  public:
   explicit TrackerElements(const SeenHop& hop);
 
-  /// The element of the tracker at `index` among those that the document put under `event`; nil when
-  /// there is none.
+  /// The element of the tracker at `index` among those that the document put under `event`; nil
+  /// when there is none.
   DDXMLElement find(std::string_view event, std::size_t index) const;
 
  private:

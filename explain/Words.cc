@@ -15,9 +15,7 @@ char lower(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c 
 
 }  // namespace
 
-std::string quoted(std::string_view value) {
-  return '"' + shortened(value, kLongestValue) + '"';
-}
+std::string quoted(std::string_view value) { return '"' + shortened(value, kLongestValue) + '"'; }
 
 std::string counted(std::size_t count, std::string_view one, std::string_view many) {
   return fmt::format("{} {}", count, count == 1 ? one : many);

@@ -18,3 +18,5 @@ browser_packages=(
   chromium chromium-driver xvfb openssl
   python3-gi python3-gi-cairo gir1.2-gtk-3.0 gir1.2-webkit2-4.1 gstreamer1.0-plugins-good
 )
+# For the builds for phones, with what scripts/sysroot.sh fetches.
+cross_packages=(crossbuild-essential-arm64 crossbuild-essential-armhf qemu-user-static googletest)

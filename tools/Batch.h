@@ -19,7 +19,7 @@ struct BatchRequest {
   /// One of these findings makes the run fail.
   std::vector<std::string> failOn;
   std::string reportFolder;  ///< "": no HTML
-  std::string outputPath;  ///< "" for standard output
+  std::string outputPath;    ///< "" for standard output
 };
 
 /// Parses what the request names and writes one line of JSON for each response. On standard error

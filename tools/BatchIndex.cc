@@ -60,13 +60,14 @@ std::string chart(std::string_view title, const Counts& counts, std::size_t all)
       "aria-label=\"{}\">\n",
       title, 34 * shown + 4, title);
   for (std::size_t i = 0; i < shown; ++i) {
-    const double share = all == 0 ? 0.0 : static_cast<double>(sorted[i].second) /
-                                              static_cast<double>(all);
-    html += fmt::format("<text x=\"0\" y=\"{}\">{}</text><text x=\"360\" y=\"{}\" "
-                        "text-anchor=\"end\">{} ({:.0f} %)</text><rect class=\"bar\" x=\"0\" "
-                        "y=\"{}\" width=\"{:.1f}\" height=\"8\"/>\n",
-                        34 * i + 12, htmlText(sorted[i].first.substr(0, 60)), 34 * i + 12,
-                        sorted[i].second, share * 100.0, 34 * i + 17, 360.0 * share);
+    const double share =
+        all == 0 ? 0.0 : static_cast<double>(sorted[i].second) / static_cast<double>(all);
+    html += fmt::format(
+        "<text x=\"0\" y=\"{}\">{}</text><text x=\"360\" y=\"{}\" "
+        "text-anchor=\"end\">{} ({:.0f} %)</text><rect class=\"bar\" x=\"0\" "
+        "y=\"{}\" width=\"{:.1f}\" height=\"8\"/>\n",
+        34 * i + 12, htmlText(sorted[i].first.substr(0, 60)), 34 * i + 12, sorted[i].second,
+        share * 100.0, 34 * i + 17, 360.0 * share);
   }
   html += "</svg>";
   if (shown < sorted.size()) {

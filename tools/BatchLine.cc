@@ -15,8 +15,8 @@
 #include "explain/Words.h"
 #include "tamzo/base/JsonValue.h"
 #include "tamzo/vast/TamzoVastAd.h"
-#include "tools/IdSearch.h"
 #include "tools/HtmlReport.h"
+#include "tools/IdSearch.h"
 #include "tools/Input.h"
 
 namespace tamzo::command {

@@ -12,8 +12,7 @@ struct ChainFiles {
   std::string replayPath;  ///< "": servers are asked
 
   void addTo(CLI::App& command) {
-    command
-        .add_option("--save", savePath, "Save every document of the chain there, as HAR 1.2")
+    command.add_option("--save", savePath, "Save every document of the chain there, as HAR 1.2")
         ->type_name("FILE")
         ->group("Fetching");
     command

@@ -108,9 +108,9 @@ std::string resolved(std::string_view url, std::string_view address) {
     return std::string(withoutQuery) + std::string(address);
   }
   const std::size_t folder = withoutQuery.rfind('/');
-  return folder <= scheme + 2 ? std::string(withoutQuery) + "/" + std::string(address)
-                              : std::string(withoutQuery.substr(0, folder + 1)) +
-                                    std::string(address);
+  return folder <= scheme + 2
+             ? std::string(withoutQuery) + "/" + std::string(address)
+             : std::string(withoutQuery.substr(0, folder + 1)) + std::string(address);
 }
 
 // What an entry that redirects no further gives.

@@ -36,7 +36,7 @@ class ChainReplay {
   Har har_;
   std::vector<std::string> urls_;  // of the entries, escaped alike
   std::vector<bool> isUsed_;
-  std::string lastTag_;            // the one that is asked for next, macros unfilled
+  std::string lastTag_;  // the one that is asked for next, macros unfilled
 };
 
 }  // namespace tamzo::command

@@ -11,11 +11,11 @@ namespace tamzo::command {
 /// One request and its answer.
 struct HarEntry {
   std::string url;
-  int status = 0;                     ///< 0: there was no answer
-  std::string redirectUrl;            ///< where it redirects to; "" where it does not
-  std::optional<std::string> body;    ///< nothing where none was saved
+  int status = 0;                   ///< 0: there was no answer
+  std::string redirectUrl;          ///< where it redirects to; "" where it does not
+  std::optional<std::string> body;  ///< nothing where none was saved
   std::optional<std::string> contentType;
-  std::string failure;                ///< why the fetch failed, as fetchFailureName(); "" otherwise
+  std::string failure;  ///< why the fetch failed, as fetchFailureName(); "" otherwise
   FetchTimes milliseconds;
 };
 

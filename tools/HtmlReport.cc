@@ -124,11 +124,10 @@ std::string markedExcerpt(const explain::Place& place) {
 
 void addVerdict(Page& page, const explain::Explanation& explanation) {
   const explain::Finding* error = errorOf(explanation);
-  const std::string word =
-      explanation.verdict == explain::Verdict::playable ? "OK"
-      : explanation.verdict == explain::Verdict::failed
-          ? fmt::format("FAILED {}", explanation.errorCode)
-          : std::string("NO AD, code 0");
+  const std::string word = explanation.verdict == explain::Verdict::playable ? "OK"
+                           : explanation.verdict == explain::Verdict::failed
+                               ? fmt::format("FAILED {}", explanation.errorCode)
+                               : std::string("NO AD, code 0");
   page.raw(fmt::format("<header>\n<p class=\"verdict {}\">{}{}</p>\n<h1>{}</h1>\n",
                        nameOf(explanation.verdict), word,
                        error == nullptr ? "" : fmt::format(" <code>[{}]</code>", error->id),
@@ -180,9 +179,9 @@ void addFacts(Page& page, const TamzoVastAd& ad, const explain::Explanation& exp
   page.raw("<dl class=\"facts\">\n");
   addFact(page, "ad id", cell(ad.adID()));
   addFact(page, "VAST version", cell(ad.vpaidVastVersion()));
-  addFact(page, "duration", ad.duration() == nullptr
-                                ? cell(std::string_view())
-                                : fmt::format("{} s", ad.duration()->durationInSeconds()));
+  addFact(page, "duration",
+          ad.duration() == nullptr ? cell(std::string_view())
+                                   : fmt::format("{} s", ad.duration()->durationInSeconds()));
   addFact(page, "skip offset", fmt::format("{} ms", ad.skipOffsetMillis()));
   addFact(page, "media files", std::to_string(ad.mediaFiles()->size()));
   addFact(page, "trackers", std::to_string(countTrackers(ad)));
@@ -199,10 +198,11 @@ void addFindings(Page& page, const explain::Explanation& explanation) {
       place += fmt::format(", <a href=\"#hop{}\">line {}</a>, column {}", *finding.hop,
                            finding.place->line, finding.place->column);
     }
-    page.raw(fmt::format("<p><b class=\"{0}\">{0}</b> {1} <code>[{2}]</code><br>{3}<br>"
-                         "<span class=\"dim\">{4}</span></p>\n",
-                         nameOf(finding.severity), place, finding.id, htmlText(finding.message),
-                         htmlText(finding.advice)));
+    page.raw(
+        fmt::format("<p><b class=\"{0}\">{0}</b> {1} <code>[{2}]</code><br>{3}<br>"
+                    "<span class=\"dim\">{4}</span></p>\n",
+                    nameOf(finding.severity), place, finding.id, htmlText(finding.message),
+                    htmlText(finding.advice)));
     for (const explain::Detail& detail : finding.details) {
       if (detail.key == "more") {
         page.raw(fmt::format("<p class=\"dim\">and {} more of this kind</p>\n", detail.json));
@@ -223,8 +223,9 @@ void addMediaFiles(Page& page, const explain::Explanation& explanation) {
       break;
     }
     rows.push_back({file.why.empty() ? "<b class=\"playable\">taken</b>" : htmlText(file.why),
-                    cell(file.type), cell(file.delivery), cell(file.width) + "x" + cell(file.height),
-                    std::to_string(file.hop), cell(file.line), cell(file.url)});
+                    cell(file.type), cell(file.delivery),
+                    cell(file.width) + "x" + cell(file.height), std::to_string(file.hop),
+                    cell(file.line), cell(file.url)});
   }
   page.table({"taken", "type", "delivery", "size", "hop", "line", "URL"}, rows,
              explanation.mediaFiles.size());
@@ -234,7 +235,7 @@ void addMediaFiles(Page& page, const explain::Explanation& explanation) {
 // When an event is fired, in parts of the whole; nothing for one that has no such time.
 std::optional<double> momentOf(std::string_view event, std::string_view offset, double duration) {
   constexpr std::pair<std::string_view, double> kMoments[] = {
-      {"Impression", 0.0}, {"creativeView", 0.0}, {"start", 0.0},       {"firstQuartile", 0.25},
+      {"Impression", 0.0}, {"creativeView", 0.0},   {"start", 0.0},   {"firstQuartile", 0.25},
       {"midpoint", 0.5},   {"thirdQuartile", 0.75}, {"complete", 1.0}};
   for (const auto& [name, moment] : kMoments) {
     if (event == name) {
@@ -266,20 +267,21 @@ void addTimeLine(Page& page, const TamzoVastAd& ad) {
       const double x = 10.0 + *moment * kWidth;
       const std::size_t y = 30 + 16 * count++;
       const bool isLate = *moment > 0.6;
-      marks += fmt::format("<line class=\"axis\" x1=\"{0:.0f}\" y1=\"14\" x2=\"{0:.0f}\" y2=\"{1}\"/>"
-                           "<circle class=\"bar\" cx=\"{0:.0f}\" cy=\"{1}\" r=\"4\"/>"
-                           "<text x=\"{2:.0f}\" y=\"{3}\"{4}>{5}</text>\n",
-                           x, y, isLate ? x - 8 : x + 8, y + 4,
-                           isLate ? " text-anchor=\"end\"" : "",
-                           htmlText(entry.name.view().substr(0, 60)));
+      marks += fmt::format(
+          "<line class=\"axis\" x1=\"{0:.0f}\" y1=\"14\" x2=\"{0:.0f}\" y2=\"{1}\"/>"
+          "<circle class=\"bar\" cx=\"{0:.0f}\" cy=\"{1}\" r=\"4\"/>"
+          "<text x=\"{2:.0f}\" y=\"{3}\"{4}>{5}</text>\n",
+          x, y, isLate ? x - 8 : x + 8, y + 4, isLate ? " text-anchor=\"end\"" : "",
+          htmlText(entry.name.view().substr(0, 60)));
     }
   }
   if (count > 0) {
-    page.raw(fmt::format("<svg viewBox=\"0 0 700 {}\" width=\"700\" role=\"img\" aria-label=\"The "
-                         "trackers on the ad's time line\"><line class=\"axis\" x1=\"10\" y1=\"14\" "
-                         "x2=\"690\" y2=\"14\"/><text x=\"10\" y=\"10\">0 s</text><text x=\"690\" "
-                         "y=\"10\" text-anchor=\"end\">{} s</text>\n{}</svg>\n",
-                         40 + 16 * count, duration, marks));
+    page.raw(
+        fmt::format("<svg viewBox=\"0 0 700 {}\" width=\"700\" role=\"img\" aria-label=\"The "
+                    "trackers on the ad's time line\"><line class=\"axis\" x1=\"10\" y1=\"14\" "
+                    "x2=\"690\" y2=\"14\"/><text x=\"10\" y=\"10\">0 s</text><text x=\"690\" "
+                    "y=\"10\" text-anchor=\"end\">{} s</text>\n{}</svg>\n",
+                    40 + 16 * count, duration, marks));
   }
 }
 
@@ -314,28 +316,30 @@ void addCompanions(Page& page, const TamzoVastAd& ad) {
       constexpr double kScale = 0.4;
       constexpr double kMostPixels = 2000.0;
       const double w = kScale * std::clamp<double>(companion.width().value_or(0), 0.0, kMostPixels);
-      const double h = kScale * std::clamp<double>(companion.height().value_or(0), 0.0, kMostPixels);
+      const double h =
+          kScale * std::clamp<double>(companion.height().value_or(0), 0.0, kMostPixels);
       if (w > 0.0 && h > 0.0 && x + w < 4000.0) {
-        drawn += fmt::format("<rect class=\"ad\" x=\"{:.0f}\" y=\"1\" width=\"{:.0f}\" height=\"{:.0f}"
-                             "\"/><text x=\"{:.0f}\" y=\"14\">{}x{}</text>\n",
-                             x, w, h, x + 4, *companion.width(), *companion.height());
+        drawn += fmt::format(
+            "<rect class=\"ad\" x=\"{:.0f}\" y=\"1\" width=\"{:.0f}\" height=\"{:.0f}"
+            "\"/><text x=\"{:.0f}\" y=\"14\">{}x{}</text>\n",
+            x, w, h, x + 4, *companion.width(), *companion.height());
         x += std::max(w, 60.0) + 10.0;
         height = std::max(height, h);
       }
       if (rows.size() < kMostRows) {
         const auto images = companion.staticResources();
-        rows.push_back({cell(companion.id()),
-                        cell(companion.width()) + "x" + cell(companion.height()),
-                        cell(images.empty() ? Text() : images.front().url),
-                        cell(companion.clickThrough())});
+        rows.push_back(
+            {cell(companion.id()), cell(companion.width()) + "x" + cell(companion.height()),
+             cell(images.empty() ? Text() : images.front().url), cell(companion.clickThrough())});
       }
     }
   }
   page.begin("Companions", count);
   if (!drawn.empty()) {
-    page.raw(fmt::format("<svg viewBox=\"0 0 {0:.0f} {1:.0f}\" width=\"{0:.0f}\" role=\"img\" "
-                         "aria-label=\"The companions, to scale\">\n{2}</svg>\n",
-                         x, std::max(height, 18.0) + 4, drawn));
+    page.raw(
+        fmt::format("<svg viewBox=\"0 0 {0:.0f} {1:.0f}\" width=\"{0:.0f}\" role=\"img\" "
+                    "aria-label=\"The companions, to scale\">\n{2}</svg>\n",
+                    x, std::max(height, 18.0) + 4, drawn));
   }
   page.table({"id", "size", "image", "click-through"}, rows, count);
   page.end();
@@ -456,9 +460,10 @@ void addDocument(Page& page, const explain::HopReport& hop,
   const explain::Place* spot = firstPlaceIn(explanation, hop.number);
   const explain::Finding* error = errorOf(explanation);
   const bool isOpen = error != nullptr && error->hop == hop.number && error->place;
-  page.raw(fmt::format("<details id=\"hop{0}\"{1}><summary>Document of hop {0}, {2} bytes</summary>"
-                       "<div>\n",
-                       hop.number, isOpen ? " open" : "", document.size()));
+  page.raw(
+      fmt::format("<details id=\"hop{0}\"{1}><summary>Document of hop {0}, {2} bytes</summary>"
+                  "<div>\n",
+                  hop.number, isOpen ? " open" : "", document.size()));
   if (!hop.url.isNil()) {
     page.raw("<p>" + cell(hop.url) + "</p>\n");
   }
@@ -466,8 +471,8 @@ void addDocument(Page& page, const explain::HopReport& hop,
     page.raw("<p class=\"dim\">none came</p>\n");
   } else {
     const Shown shown = partOf(document, spot);
-    const auto lines = static_cast<std::size_t>(
-        std::count(shown.text.begin(), shown.text.end(), '\n'));
+    const auto lines =
+        static_cast<std::size_t>(std::count(shown.text.begin(), shown.text.end(), '\n'));
     page.raw("<div class=\"source\"><pre aria-hidden=\"true\">");
     for (std::size_t i = 0; i <= lines; ++i) {
       page.raw(std::to_string(shown.firstLine + i) + "\n");
@@ -486,8 +491,8 @@ void addText(Page& page, std::string_view title, std::string_view text) {
   const std::string_view shown = text.substr(0, kMostOfRecord);
   page.raw("<pre class=\"plain\">" + htmlText(shown) + "</pre>\n");
   if (shown.size() < text.size()) {
-    page.raw(fmt::format("<p class=\"dim\">{} of {} bytes are shown.</p>\n", shown.size(),
-                         text.size()));
+    page.raw(
+        fmt::format("<p class=\"dim\">{} of {} bytes are shown.</p>\n", shown.size(), text.size()));
   }
   page.end();
 }
@@ -496,8 +501,7 @@ void addText(Page& page, std::string_view title, std::string_view text) {
 
 std::string htmlReport(const TamzoVastAd& ad, const explain::Explanation& explanation,
                        const std::vector<std::string>& log) {
-  const std::string record =
-      recordAsJson(ad, JsonLayout::indented, RecordContent::withoutResponse);
+  const std::string record = recordAsJson(ad, JsonLayout::indented, RecordContent::withoutResponse);
   Page page("VAST: " + explanation.sentence);
   addVerdict(page, explanation);
   addChain(page, explanation);

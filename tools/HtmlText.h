@@ -9,8 +9,8 @@ namespace tamzo::command {
 /// what is invisible or turns the text around is written as "\u202e". Line breaks and tabs stay.
 std::string htmlText(std::string_view text);
 
-/// The beginning of a page that loads nothing and runs nothing but what bears `nonce`; "" for a page
-/// without script.
+/// The beginning of a page that loads nothing and runs nothing but what bears `nonce`; "" for a
+/// page without script.
 std::string htmlHead(std::string_view title, std::string_view nonce = "");
 
 }  // namespace tamzo::command

@@ -72,8 +72,8 @@ int run(const Request& options) {
   const bool isJson = options.format == "json";
   explain::Explainer explainer;
   const bool isExplained = options.isExplained || !isJson;
-  const auto ad = parseResponse(options.inputs, "parse", options.files,
-                                isExplained ? &explainer : nullptr);
+  const auto ad =
+      parseResponse(options.inputs, "parse", options.files, isExplained ? &explainer : nullptr);
   Output output(options.common.outputPath());
   if (!isExplained) {
     output.writeJson(recordAsJson(*ad, JsonLayout::indented) + "\n");
@@ -104,7 +104,8 @@ void addParseCommand(CLI::App& app, int& status) {
                  "  tamzo-vast parse --blocked-categories IAB25,IAB26 response.xml\n"));
   addInput(command, options->inputs);
   command
-      .add_option("--format", options->format, "text (default) or html for people, json for programs")
+      .add_option("--format", options->format,
+                  "text (default) or html for people, json for programs")
       ->type_name("text|json|html")
       ->check(oneOf({"text", "json", "html"}))
       ->group("Output");

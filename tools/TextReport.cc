@@ -235,10 +235,10 @@ void reportFetch(Report& report, const explain::HopReport& hop) {
   report.text(line);
   report.whole(hop.url);
   if (times.total > 0.0) {
-    report.text(fmt::format("\n  connected in {:.0f} ms, first byte after {:.0f} ms, {} bytes in "
-                            "{:.1f} s",
-                            times.connect + times.tls, times.firstByte, hop.fetch->bytes,
-                            times.total / 1000.0));
+    report.text(fmt::format(
+        "\n  connected in {:.0f} ms, first byte after {:.0f} ms, {} bytes in "
+        "{:.1f} s",
+        times.connect + times.tls, times.firstByte, hop.fetch->bytes, times.total / 1000.0));
   }
   report.text("\n");
 }
@@ -338,8 +338,7 @@ void reportChain(Report& report, const explain::Explanation& explanation) {
   std::vector<Row> rows;
   for (const explain::HopReport& hop : explanation.hops) {
     const std::size_t bytes = hop.fetch ? hop.fetch->bytes : hop.document.view().size();
-    const std::string time =
-        hop.fetch ? fmt::format("{:.0f}", hop.fetch->milliseconds.total) : "-";
+    const std::string time = hop.fetch ? fmt::format("{:.0f}", hop.fetch->milliseconds.total) : "-";
     rows.push_back({std::to_string(hop.number), fetchInWords(hop), time, std::to_string(bytes),
                     orDash(hop.version), kindInWords(hop), orDash(hop.adSystem),
                     hop.url.isNil() ? std::string(explain::nameOf(hop.source)) : orDash(hop.url)});

@@ -4,7 +4,8 @@
 namespace tamzo::explain {
 
 void findBlankBeforeDeclaration(const Chain& chain, Findings& findings) {
-  if (chain.errorCode() != kNotXml || chain.refusal().fault.kind != FaultKind::blankBeforeDeclaration) {
+  if (chain.errorCode() != kNotXml ||
+      chain.refusal().fault.kind != FaultKind::blankBeforeDeclaration) {
     return;
   }
   const Fault& fault = chain.refusal().fault;

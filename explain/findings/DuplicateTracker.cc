@@ -36,8 +36,8 @@ std::vector<Group> duplicatesOf(const TrackerTally::Event& event) {
 
 // Where the entries of a hop begin in an event's list.
 std::size_t beginOf(const TrackerTally::Event& event, std::int32_t hop) {
-  return static_cast<std::size_t>(
-      std::lower_bound(event.hops.begin(), event.hops.end(), hop) - event.hops.begin());
+  return static_cast<std::size_t>(std::lower_bound(event.hops.begin(), event.hops.end(), hop) -
+                                  event.hops.begin());
 }
 
 }  // namespace
@@ -60,8 +60,8 @@ void findDuplicateTracker(const Chain& chain, Findings& findings) {
       const auto& ofHop = elements.try_emplace(hop, seen).first->second;
       findings.add(hop)
           .at(ofHop.find(event.name, second - beginOf(event, hop)))
-          .say("The event " + quoted(event.name) + " calls one URL " +
-                   std::to_string(hops.size()) + " times: " + quoted(group.url) + ".",
+          .say("The event " + quoted(event.name) + " calls one URL " + std::to_string(hops.size()) +
+                   " times: " + quoted(group.url) + ".",
                "Whoever owns the URL: call it once, or expect it to count more than once.")
           .with("event", event.name)
           .with("url", group.url)

@@ -20,15 +20,16 @@ Words wordsFor(const FetchResult& fetch, const std::string& host) {
               "Whoever made the tag: correct the host. If other names fail too, look at the "
               "network here."};
     case FetchFailure::connect:
-      return {host + " takes no connection.", "Whoever runs that server: is it up, and is the "
-                                              "port right?"};
+      return {host + " takes no connection.",
+              "Whoever runs that server: is it up, and is the "
+              "port right?"};
     case FetchFailure::tls:
       return {"No secure connection to " + host + " could be made.",
               "Whoever runs that server: look at its certificate."};
     case FetchFailure::timeout:
-      return {fmt::format("{} did not answer within {}.", host,
-                          inSeconds(fetch.milliseconds.total)),
-              "Try a longer --timeout, or call whoever runs that server."};
+      return {
+          fmt::format("{} did not answer within {}.", host, inSeconds(fetch.milliseconds.total)),
+          "Try a longer --timeout, or call whoever runs that server."};
     case FetchFailure::tooLarge:
       return {"The answer of " + host + " is larger than allowed.",
               "Try a larger --max-body, or call whoever runs that server."};

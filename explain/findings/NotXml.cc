@@ -27,10 +27,11 @@ void findNotXml(const Chain& chain, Findings& findings) {
   const SeenHop& hop = chain.last();
   const Refusal& refusal = chain.refusal();
   const bool isKnown = refusal.fault.kind != FaultKind::none;
-  Draft& draft = findings.add(hop.number)
-                     .say("The text is not well-formed XML: " + shortened(refusal.parser, 200) + ".",
-                          "Ad server: check the document with any XML parser.")
-                     .with("parser", refusal.parser);
+  Draft& draft =
+      findings.add(hop.number)
+          .say("The text is not well-formed XML: " + shortened(refusal.parser, 200) + ".",
+               "Ad server: check the document with any XML parser.")
+          .with("parser", refusal.parser);
   if (isKnown || refusal.line > 0) {
     draft.atByte(isKnown ? refusal.fault.at : beginOfLine(hop.document, refusal.line));
   }

@@ -12,9 +12,10 @@ void findNothingToPlay(const Chain& chain, Findings& findings) {
   Draft& draft = findings.add(hop.number);
   if (chain.ad().isImaEnabled()) {
     draft
-        .say("The vendor's settings say that another component plays this ad: tags are not "
-             "followed, and nothing is left to play here.",
-             "Ad server: leave ImaTracking out if this player is meant to play the ad.")
+        .say(
+            "The vendor's settings say that another component plays this ad: tags are not "
+            "followed, and nothing is left to play here.",
+            "Ad server: leave ImaTracking out if this player is meant to play the ad.")
         .with("why", "other-component-plays");
   } else if (hop.kind == AdKind::wrapper) {
     draft

@@ -19,8 +19,9 @@ void findSecondAdIsFollowed(const Chain& chain, Findings& findings) {
     if (hop.major != 0 && hop.kind == AdKind::wrapper && hasInLineBefore(hop)) {
       findings.add(hop.number)
           .at(hop.followedAd)
-          .say("A Wrapper in a later Ad is followed, and the InLine in an Ad before it is not read.",
-               "Ad server: send one Ad, or put the one that is meant into a response of its own.");
+          .say(
+              "A Wrapper in a later Ad is followed, and the InLine in an Ad before it is not read.",
+              "Ad server: send one Ad, or put the one that is meant into a response of its own.");
     }
   }
 }

@@ -30,8 +30,8 @@ void findSkipOffsetUnresolved(const Chain& chain, Findings& findings) {
     if (isInLine && hop.major >= 3 && !hop.linears.empty() && !isStopped) {
       check(hop, hop.linears.at(0), hop.linears.at(0).attributeValue("skipoffset"), findings);
     }
-    for (const DDXMLElement& block : isStopped && isInLine ? std::vector<DDXMLElement>()
-                                                           : vendorBlocksOf(hop)) {
+    for (const DDXMLElement& block :
+         isStopped&& isInLine ? std::vector<DDXMLElement>() : vendorBlocksOf(hop)) {
       const DDXMLElement element = block.firstNodeForXPath("SkipOffset");
       check(hop, element, element.stringValue(), findings);
     }

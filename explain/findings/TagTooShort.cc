@@ -13,9 +13,9 @@ constexpr std::size_t kShortest = 4;
 void findShortResponse(const Text& response, Findings& findings) {
   const std::size_t length = utf16Length(response);
   findings.add(1)
-      .say(length == 0 ? std::string("The response is empty.")
-                       : fmt::format("The response has only {} of the 4 characters that it needs.",
-                                     length),
+      .say(length == 0
+               ? std::string("The response is empty.")
+               : fmt::format("The response has only {} of the 4 characters that it needs.", length),
            "Ad server: answer with a VAST document, also when there is no ad.")
       .with("length", length);
 }

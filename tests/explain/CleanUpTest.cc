@@ -30,7 +30,8 @@ TEST(CleanUpTest, onlyAttributesOfThatNameAreTakenAway) {
 }
 
 TEST(CleanUpTest, anythingMayBeAskedOfAnyText) {
-  for (const char* text : {"", "xmlns= ", "<xmlns= ", "<a xmlns= <", "<a b='xmlns= ", "<!-- xmlns= "}) {
+  for (const char* text :
+       {"", "xmlns= ", "<xmlns= ", "<a xmlns= <", "<a b='xmlns= ", "<!-- xmlns= "}) {
     const CleanUp cleanUp{Text(text)};
     std::size_t at = 0;
     cleanUp.findFault();

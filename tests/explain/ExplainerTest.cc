@@ -92,17 +92,16 @@ TEST_F(ExplainedChain, aFetchIsToldWhole) {
   for (const auto& [key, value] : fetch.items()) {
     keys.push_back(key);
   }
-  EXPECT_EQ(keys, (std::vector<std::string>{"status", "finalUrl", "redirects", "bytes",
-                                            "contentType", "failure", "milliseconds",
-                                            "reusedConnection"}));
+  EXPECT_EQ(keys,
+            (std::vector<std::string>{"status", "finalUrl", "redirects", "bytes", "contentType",
+                                      "failure", "milliseconds", "reusedConnection"}));
 }
 
 TEST_F(ExplainedChain, everyTrackerIsFoundAgainByHop) {
-  EXPECT_EQ(json_["trackerHops"],
-            (ordered_json{{"Impression", {1, 2}},
-                          {"start", {1, 2}},
-                          {"ClickTracking", ordered_json::array()},
-                          {"CustomClickTracker", {2}}}));
+  EXPECT_EQ(json_["trackerHops"], (ordered_json{{"Impression", {1, 2}},
+                                                {"start", {1, 2}},
+                                                {"ClickTracking", ordered_json::array()},
+                                                {"CustomClickTracker", {2}}}));
   std::size_t i = 0;
   for (const TrackerMap::Entry& entry : *ad().trackers()) {
     EXPECT_EQ(json_["trackerHops"][std::string(entry.name.view())].size(), entry.events->size());
@@ -158,9 +157,9 @@ TEST_F(ExplainerTest, thereIsExactlyOneErrorUnlessTheAdPlays) {
         explanation.findings.begin(), explanation.findings.end(),
         [](const auto& finding) { return finding.severity == explain::Severity::error; });
   };
-  for (const std::string response : {"", "abc", "abcd", "<a/>", "<VAST version='4'/>", "http://x",
-                                     "<VAST version='4'><Ad/></VAST>",
-                                     "<VAST version='4'><Ad><InLine/></Ad></VAST>"}) {
+  for (const std::string response :
+       {"", "abc", "abcd", "<a/>", "<VAST version='4'/>", "http://x",
+        "<VAST version='4'><Ad/></VAST>", "<VAST version='4'><Ad><InLine/></Ad></VAST>"}) {
     EXPECT_EQ(errorsOf(explainResponse(response)), 1) << response;
   }
   EXPECT_EQ(errorsOf(explainResponse(kInLine)), 0);

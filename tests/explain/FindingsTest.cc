@@ -8,7 +8,6 @@
 namespace tamzo::testing {
 namespace {
 
-
 struct Case {
   std::string response;
   Lines findings;
@@ -25,7 +24,9 @@ class FindingsTest : public ExplainTest {
 
 const std::string kFile = "<MediaFile type='video/mp4'>https://m.example/v.mp4</MediaFile>";
 
-std::string mediaFiles(const std::string& files) { return "<MediaFiles>" + files + "</MediaFiles>"; }
+std::string mediaFiles(const std::string& files) {
+  return "<MediaFiles>" + files + "</MediaFiles>";
+}
 
 // A playable ad of VAST 4 whose second line is the content.
 std::string playable(const std::string& content, const std::string& version = "4.0",
@@ -56,44 +57,48 @@ std::string vendor(const std::string& content) {
   return "<Extensions><Extension><Tamzo>" + content + "</Tamzo></Extension></Extensions>";
 }
 
-
 TEST_F(FindingsTest, aResponseOfLessThanFourUnits) {
   check({{"", {"tag-too-short 1 length=0"}},
-               {"abc", {"tag-too-short 1 length=3"}},
-               {"\xF0\x9F\x98\x80z", {"tag-too-short 1 length=3"}},
-               {"abcd", {"not-xml 1 1:1 parser=\"Start tag expected, '<' not found\""}}});
+         {"abc", {"tag-too-short 1 length=3"}},
+         {"\xF0\x9F\x98\x80z", {"tag-too-short 1 length=3"}},
+         {"abcd", {"not-xml 1 1:1 parser=\"Start tag expected, '<' not found\""}}});
 }
 
 TEST_F(FindingsTest, aWrapperTagOfLessThanFourUnits) {
   check({{wrapperTo("ab"), {"tag-too-short 1 2:2 length=2"}},
-               {wrapperTo(""), {"tag-too-short 1 2:2 length=0"}},
-               {"<VAST version='2.0'><Ad>\n<Wrapper/></Ad></VAST>",
-                {"tag-too-short 1 2:1 length=0"}}});
+         {wrapperTo(""), {"tag-too-short 1 2:2 length=0"}},
+         {"<VAST version='2.0'><Ad>\n<Wrapper/></Ad></VAST>", {"tag-too-short 1 2:1 length=0"}}});
   EXPECT_EQ(explainResponse(wrapperTo("ab")).hops.size(), 1U);
 }
 
 TEST_F(FindingsTest, aTrackingWithoutEvent) {
   const std::string missing = "<TrackingEvents><Tracking>u</Tracking></TrackingEvents>";
   const std::string extra = vendor("<ExtraTrackingEvents><Tracking/></ExtraTrackingEvents>");
-  check(
-      {{withLinear(missing), {"tracking-without-event 1 3:17"}},
-       {withLinear("<TrackingEvents><Tracking event=''>u</Tracking></TrackingEvents>"), {}},
-       {playable(extra), {"tracking-without-event 1 2:52"}},
-       {playable(extra, "3.0"), {}},
-       {playable("<Creatives><Creative><CompanionAds><Companion>" + missing +
-                 "</Companion></CompanionAds></Creative></Creatives>"),
-        {}}});
+  check({{withLinear(missing), {"tracking-without-event 1 3:17"}},
+         {withLinear("<TrackingEvents><Tracking event=''>u</Tracking></TrackingEvents>"), {}},
+         {playable(extra), {"tracking-without-event 1 2:52"}},
+         {playable(extra, "3.0"), {}},
+         {playable("<Creatives><Creative><CompanionAds><Companion>" + missing +
+                   "</Companion></CompanionAds></Creative></Creatives>"),
+          {}}});
 }
 
 TEST_F(FindingsTest, aTagThatIsParsedAsText) {
   const std::vector<std::pair<std::string, std::string>> kinds{
-      {" http://a.example/", "leading-blank"}, {"HTTPS://a.example/x", "letter-case"},
-      {"Http://a.example/x", "letter-case"},   {"//a.example/x", "protocol-relative"},
-      {"ftp://a.example/x", "other-scheme"},   {"data:text/xml,a", "other-scheme"},
-      {"/vast/2?id=1", "relative"},            {"vast.xml", "relative"},
-      {"a.example/vast", "relative"},          {"localhost:8080/vast", "relative"},
-      {"../vast?x={y}", "relative"},           {"{{tag}}", "other"},
-      {"${TAG}/x.xml", "other"},               {"undefined", "other"},
+      {" http://a.example/", "leading-blank"},
+      {"HTTPS://a.example/x", "letter-case"},
+      {"Http://a.example/x", "letter-case"},
+      {"//a.example/x", "protocol-relative"},
+      {"ftp://a.example/x", "other-scheme"},
+      {"data:text/xml,a", "other-scheme"},
+      {"/vast/2?id=1", "relative"},
+      {"vast.xml", "relative"},
+      {"a.example/vast", "relative"},
+      {"localhost:8080/vast", "relative"},
+      {"../vast?x={y}", "relative"},
+      {"{{tag}}", "other"},
+      {"${TAG}/x.xml", "other"},
+      {"undefined", "other"},
       {" /vast", "relative"},
   };
   for (const auto& [tag, kind] : kinds) {
@@ -108,26 +113,25 @@ TEST_F(FindingsTest, aTagThatIsParsedAsText) {
 
 TEST_F(FindingsTest, whatTheCleanUpBreaks) {
   const std::string body = "<Ad id='1'><InLine>" + linear(mediaFiles(kFile)) + "</InLine></Ad>";
-  check(
-      {{"<VAST version='4.0' xmlns='u'>\n  <Ad>" + body + "</Ad></VAST>",
-        {"collapse-took-tag-end 1 1:21 read=\"<VAST version='4.0' xmlns  <Ad>\""}},
-       {"<VAST version='4.0' XMLNS='u'>\n  <Ad/></VAST>",
-        {"collapse-took-tag-end 1 1:21 read=\"<VAST version='4.0' xmlns  <Ad/>\""}},
-       {"<VAST version='4.0'><x xmlns='u'/> <y/></VAST>",
-        {"collapse-took-tag-end 1 1:24 read=\"<x xmlns<y/>\""}},
-       {"<VAST version='4.0'><x a='?xmlns=1'/> <y b=''/></VAST>",
-        {"collapse-took-tag-end 1 1:28 read=\"<x a='?xmlns<y b=''/>\""}},
-       {"<VAST version='4.0' xmlns='u' >" + body + "</VAST>", {"collapse-broke-markup 1 1:21"}},
-       {"<VAST version='4.0' xmlns='u'  id='1'>" + body + "</VAST>",
-        {"collapse-broke-markup 1 1:21"}},
-       {"<VAST version='4.0' xmlns='a b' id='1'>" + body + "</VAST>",
-        {"collapse-broke-markup 1 1:21"}},
-       {"<VAST version='4.0'>\n<!-- xmlns='u'-->\n" + body + "</VAST>",
-        {"collapse-broke-markup 1 2:6"}},
-       {"<VAST version='4.0'>\n<!-- xmlns='u' -->\n" + body + "</VAST>", {}},
-       {"<VAST version='4.0' xmlns:a='u'>\n" + body + "</VAST>", {}},
-       // Already broken as received.
-       {"<VAST version='4.0' xmlns='u'>\n <a>&</a></VAST>", {"unescaped-ampersand 1 2:5"}}});
+  check({{"<VAST version='4.0' xmlns='u'>\n  <Ad>" + body + "</Ad></VAST>",
+          {"collapse-took-tag-end 1 1:21 read=\"<VAST version='4.0' xmlns  <Ad>\""}},
+         {"<VAST version='4.0' XMLNS='u'>\n  <Ad/></VAST>",
+          {"collapse-took-tag-end 1 1:21 read=\"<VAST version='4.0' xmlns  <Ad/>\""}},
+         {"<VAST version='4.0'><x xmlns='u'/> <y/></VAST>",
+          {"collapse-took-tag-end 1 1:24 read=\"<x xmlns<y/>\""}},
+         {"<VAST version='4.0'><x a='?xmlns=1'/> <y b=''/></VAST>",
+          {"collapse-took-tag-end 1 1:28 read=\"<x a='?xmlns<y b=''/>\""}},
+         {"<VAST version='4.0' xmlns='u' >" + body + "</VAST>", {"collapse-broke-markup 1 1:21"}},
+         {"<VAST version='4.0' xmlns='u'  id='1'>" + body + "</VAST>",
+          {"collapse-broke-markup 1 1:21"}},
+         {"<VAST version='4.0' xmlns='a b' id='1'>" + body + "</VAST>",
+          {"collapse-broke-markup 1 1:21"}},
+         {"<VAST version='4.0'>\n<!-- xmlns='u'-->\n" + body + "</VAST>",
+          {"collapse-broke-markup 1 2:6"}},
+         {"<VAST version='4.0'>\n<!-- xmlns='u' -->\n" + body + "</VAST>", {}},
+         {"<VAST version='4.0' xmlns:a='u'>\n" + body + "</VAST>", {}},
+         // Already broken as received.
+         {"<VAST version='4.0' xmlns='u'>\n <a>&</a></VAST>", {"unescaped-ampersand 1 2:5"}}});
 }
 
 TEST_F(FindingsTest, theSecondParseSaysWhetherItWouldPlay) {
@@ -154,14 +158,13 @@ TEST_F(FindingsTest, theSecondParseSaysWhetherItWouldPlay) {
 
 TEST_F(FindingsTest, attributesThatTheCleanUpTakes) {
   const std::string body = "<Ad id='1'><InLine>" + linear(mediaFiles(kFile)) + "</InLine></Ad>";
-  check(
-      {{"<VAST version='4.0' xmlns='u' id='1' b='2'>" + body + "</VAST>",
-        {"collapse-took-attributes 1 1:21 attributes=[\"id\"]"}},
-       {"<VAST xmlns='u' version='4.0'>" + body + "</VAST>", {"collapse-took-version 1 1:7"}},
-       {"<VAST xmlns='u' version=''>" + body + "</VAST>",
-        {"version-missing 1 1:1 attributes=[\"xmlns\", \"version\"]",
-         "collapse-took-attributes 1 1:7 attributes=[\"version\"]"}},
-       {"<VAST version='4.0'>\n<!-- xmlns='u' id='1' -->" + body + "</VAST>", {}}});
+  check({{"<VAST version='4.0' xmlns='u' id='1' b='2'>" + body + "</VAST>",
+          {"collapse-took-attributes 1 1:21 attributes=[\"id\"]"}},
+         {"<VAST xmlns='u' version='4.0'>" + body + "</VAST>", {"collapse-took-version 1 1:7"}},
+         {"<VAST xmlns='u' version=''>" + body + "</VAST>",
+          {"version-missing 1 1:1 attributes=[\"xmlns\", \"version\"]",
+           "collapse-took-attributes 1 1:7 attributes=[\"version\"]"}},
+         {"<VAST version='4.0'>\n<!-- xmlns='u' id='1' -->" + body + "</VAST>", {}}});
   // A document that was fetched is read as it is.
   serve("http://a.example/2", "<VAST xmlns='u' version='4.0'>\n" + body + "</VAST>");
   EXPECT_EQ(findings(wrapperTo("http://a.example/2")),
@@ -187,8 +190,9 @@ TEST_F(FindingsTest, theFirstFaultOfAText) {
       {"\n <?xml version='1.0'?><VAST version='4.0'/>", {"blank-before-declaration 1 2:2"}},
       {"x<?xml version='1.0'?><VAST version='4.0'/>", {"blank-before-declaration 1 1:2"}},
       {"\n <VAST version='4.0'/>", {"no-ad 1 2:2"}},
-      {"<VAST version='4.0'>\n<Ad><InLine>ab", {"cut-off 1 2:15 openElements=[\"VAST\", \"Ad\", "
-                                               "\"InLine\"]"}},
+      {"<VAST version='4.0'>\n<Ad><InLine>ab",
+       {"cut-off 1 2:15 openElements=[\"VAST\", \"Ad\", "
+        "\"InLine\"]"}},
       {"<VAST version='4.0'>\n<Ad id='1", {"cut-off 1 2:10 openElements=[\"VAST\"]"}},
       {"<VAST version='4.0'><Ad/></VA", {"cut-off 1 1:30 openElements=[\"VAST\"]"}},
       {"<VAST vers", {"cut-off 1 1:11 openElements=[]"}},
@@ -270,8 +274,9 @@ TEST_F(FindingsTest, aFailedFetch) {
   dead.failure = FetchFailure::dns;
   dead.status = 0;
   check({
-      {"https://a.example:8443/x", {"fetch-failed 1 failure=\"status\" status=404 "
-                                    "host=\"a.example\""}},
+      {"https://a.example:8443/x",
+       {"fetch-failed 1 failure=\"status\" status=404 "
+        "host=\"a.example\""}},
       {wrapperTo("https://u:p@b.example/"),
        {"fetch-failed 2 failure=\"status\" status=404 host=\"b.example\""}},
       {wrapperTo("https://b.example/"),
@@ -305,11 +310,11 @@ TEST_F(FindingsTest, adsWithNothingToPlay) {
        {"nothing-to-play 1 why=\"other-component-plays\""}},
       {playable("", "4.0", "<MediaFile type='video/mp4'> </MediaFile>"),
        {"nothing-to-play 1 why=\"no-media\"", "media-without-url 1 2:42"}},
-      {playable("", "3.0",
-                "<InteractiveCreativeFile type='video/mp4'>u</InteractiveCreativeFile>"),
+      {playable("", "3.0", "<InteractiveCreativeFile type='video/mp4'>u</InteractiveCreativeFile>"),
        {"nothing-to-play 1 why=\"no-media\""}},
-      {playable("", "4.0", "<InteractiveCreativeFile type='application/javascript' "
-                           "apiFramework='VPAID'>u</InteractiveCreativeFile>"),
+      {playable("", "4.0",
+                "<InteractiveCreativeFile type='application/javascript' "
+                "apiFramework='VPAID'>u</InteractiveCreativeFile>"),
        {}},
   });
 }
@@ -317,8 +322,7 @@ TEST_F(FindingsTest, adsWithNothingToPlay) {
 TEST_F(FindingsTest, severalAdsAndLinears) {
   const std::string inLine = "<InLine>" + linear(mediaFiles(kFile)) + "</InLine>";
   serve("https://a.example/2", playable(""));
-  const std::string wrapper =
-      "<Wrapper><VASTAdTagURI>https://a.example/2</VASTAdTagURI></Wrapper>";
+  const std::string wrapper = "<Wrapper><VASTAdTagURI>https://a.example/2</VASTAdTagURI></Wrapper>";
   check({
       {vast("4.0", "<Ad>" + inLine + "</Ad>\n<Ad>" + inLine + "</Ad><Ad/>"),
        {"ads-passed-over 1 2:1 count=2"}},
@@ -370,19 +374,21 @@ TEST_F(FindingsTest, extraActionsThatCannotBeRead) {
 }
 
 TEST_F(FindingsTest, macrosThatAreLeft) {
-  const std::string tag = "https://a.example/?a=[FOO]&amp;b=[bar_1]&amp;c=[FOO]&amp;d=[1x]&amp;"
-                          "e=[]&amp;f=[CACHEBUSTING]";
+  const std::string tag =
+      "https://a.example/?a=[FOO]&amp;b=[bar_1]&amp;c=[FOO]&amp;d=[1x]&amp;"
+      "e=[]&amp;f=[CACHEBUSTING]";
   const Lines found = findings(wrapperTo(tag));
   ASSERT_EQ(found.size(), 2U);
   EXPECT_EQ(found[1], "macro-unfilled 1 2:2 names=[\"FOO\", \"bar_1\"]");
 }
 
 TEST_F(FindingsTest, urlsThatAreNotSecure) {
-  serve("http://a.example/2",
-        withLinear(tracking("start", " http://t.example/1") + "<VideoClicks><ClickTracking>"
-                   "HTTP://t.example/2</ClickTracking></VideoClicks>"));
-  EXPECT_EQ(findings(wrapperTo("http://a.example/2", "<Impression>http://a.example/2</Impression>"
-                                                     "<Impression>httpx://</Impression>")),
+  serve("http://a.example/2", withLinear(tracking("start", " http://t.example/1") +
+                                         "<VideoClicks><ClickTracking>"
+                                         "HTTP://t.example/2</ClickTracking></VideoClicks>"));
+  EXPECT_EQ(findings(wrapperTo("http://a.example/2",
+                               "<Impression>http://a.example/2</Impression>"
+                               "<Impression>httpx://</Impression>")),
             (Lines{"insecure-url 1 2:2 count=1", "insecure-url 2 3:17 count=2"}));
 }
 
@@ -390,12 +396,13 @@ TEST_F(FindingsTest, trackersThatAreCalledTwice) {
   serve("https://a.example/2",
         withLinear(tracking("start", "https://t/1") + tracking("start", "https://t/2")));
   const std::string wrapped = "<Creatives><Creative><Linear>" + tracking("start", "https://t/1") +
-                              tracking("complete", "https://t/2") + "</Linear></Creative></Creatives>";
+                              tracking("complete", "https://t/2") +
+                              "</Linear></Creative></Creatives>";
   EXPECT_EQ(findings(wrapperTo("https://a.example/2", wrapped)),
             (Lines{"duplicate-tracker 2 3:17 event=\"start\" url=\"https://t/1\" hops=[1, 2]"}));
   check({{playable("<Impression>u</Impression>\n<Impression>u</Impression><Impression/>"
-                         "<Impression/>"),
-                {"duplicate-tracker 1 3:1 event=\"Impression\" url=\"u\" hops=[1, 1]"}}});
+                   "<Impression/>"),
+          {"duplicate-tracker 1 3:1 event=\"Impression\" url=\"u\" hops=[1, 1]"}}});
 }
 
 TEST_F(FindingsTest, fetchesThatWereRedirectedOrSlow) {
@@ -437,9 +444,9 @@ TEST_F(FindingsTest, moreThanTwentyOfOneKindAreCounted) {
 
 TEST_F(FindingsTest, worstComesFirstThenHopAndLine) {
   serve("https://a.example/2", playable("<Impression>http://t/1</Impression>", "9.0"));
-  const Lines found = findings(wrapperTo(
-      "https://a.example/2", "<Impression>http://t/1</Impression><Impression>http://t/1"
-                             "</Impression>"));
+  const Lines found = findings(wrapperTo("https://a.example/2",
+                                         "<Impression>http://t/1</Impression><Impression>http://t/1"
+                                         "</Impression>"));
   ASSERT_EQ(found.size(), 3U);
   EXPECT_EQ(found[0], "version-refused 2 1:1 version=\"9.0\"");
   EXPECT_EQ(found[1].find("insecure-url 1 2:"), 0U);
@@ -452,8 +459,8 @@ TEST_F(FindingsTest, costsTimeLinearInTheResponse) {
     std::string impressions;
     for (std::size_t i = 0; i < count; ++i) {
       files += "<MediaFile type='video/mp4'/>";
-      impressions += "<Impression>http://t/" + std::to_string(i / 2) +
-                     "</Impression><!-- xmlns='a' -->";
+      impressions +=
+          "<Impression>http://t/" + std::to_string(i / 2) + "</Impression><!-- xmlns='a' -->";
     }
     const std::string response = playable(impressions, "4.0", files);
     return [this, response] { findings(response); };

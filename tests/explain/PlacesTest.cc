@@ -36,8 +36,16 @@ TEST(PlacesTest, severalComeInTheOrderAsked) {
 }
 
 TEST(PlacesTest, textsAreShortenedByCharacters) {
-  EXPECT_EQ(shortened("\xC3\xA9" "ab", 3), "\xC3\xA9" "ab");
-  EXPECT_EQ(shortened("\xC3\xA9" "abc", 3), "\xC3\xA9" "ab\xE2\x80\xA6");
+  EXPECT_EQ(shortened("\xC3\xA9"
+                      "ab",
+                      3),
+            "\xC3\xA9"
+            "ab");
+  EXPECT_EQ(shortened("\xC3\xA9"
+                      "abc",
+                      3),
+            "\xC3\xA9"
+            "ab\xE2\x80\xA6");
 }
 
 TEST(PlacesTest, lengthsCountUtf16Units) {

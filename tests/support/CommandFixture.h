@@ -69,8 +69,7 @@ class CommandTest : public ::testing::Test {
     }
     pointers.push_back(nullptr);
     pid_t child = 0;
-    const int failed =
-        posix_spawn(&child, kCommand, &actions, nullptr, pointers.data(), environ);
+    const int failed = posix_spawn(&child, kCommand, &actions, nullptr, pointers.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     int status = 0;
     if (failed != 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) {

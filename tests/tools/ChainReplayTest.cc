@@ -54,10 +54,10 @@ TEST_F(ChainReplayTest, aSavedRunGivesTheSameRecord) {
 
 TEST_F(ChainReplayTest, answersAreFoundByUrlThenByMacrosThenByHost) {
   Har har;
-  har.entries = {entryOf("https://a.example/other", inlineAd("4.0", "<Impression>host</Impression>")),
-                 entryOf("https://a.example/2?c=77&x=1",
-                         inlineAd("4.0", "<Impression>macro</Impression>")),
-                 entryOf("https://a.example/2", inlineAd("4.0", "<Impression>exact</Impression>"))};
+  har.entries = {
+      entryOf("https://a.example/other", inlineAd("4.0", "<Impression>host</Impression>")),
+      entryOf("https://a.example/2?c=77&x=1", inlineAd("4.0", "<Impression>macro</Impression>")),
+      entryOf("https://a.example/2", inlineAd("4.0", "<Impression>exact</Impression>"))};
   const auto impression = [&](const std::string& tag) {
     const auto ad = replay(har, wrapper("4.0", "", tag));
     const auto list = ad->trackers()->find("Impression");

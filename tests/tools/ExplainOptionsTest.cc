@@ -58,8 +58,7 @@ TEST_F(ExplainOptionsTest, BatchExplainsAndCounts) {
 TEST_F(ExplainOptionsTest, BatchPicksAnswersByFinding) {
   const std::string lines =
       requestLine(1, kBroken) + requestLine(2, ad("a")) + requestLine(3, "<VAST version='9'/>");
-  const auto answers = jsonLines(
-      run({"batch", "--only", "no-ad,version-refused"}, lines).out);
+  const auto answers = jsonLines(run({"batch", "--only", "no-ad,version-refused"}, lines).out);
   ASSERT_EQ(answers.size(), 1U);
   EXPECT_EQ(answers[0]["id"], 3);
   EXPECT_EQ(answers[0].size(), 2U) << "without an explanation";
@@ -98,9 +97,8 @@ TEST_F(ExplainOptionsTest, ASavedChainGivesTheSameRecordWithoutServers) {
       exchange.respond("", "302 Found", {"Location: " + server.url("/3")});
     });
     server.serve("/3", ad("b"));
-    const std::string response =
-        "<VAST version='4.0'><Ad id='w'><Wrapper><VASTAdTagURI>" + server.url("/2") +
-        "</VASTAdTagURI></Wrapper></Ad></VAST>";
+    const std::string response = "<VAST version='4.0'><Ad id='w'><Wrapper><VASTAdTagURI>" +
+                                 server.url("/2") + "</VASTAdTagURI></Wrapper></Ad></VAST>";
     saved = run({"parse", "--format", "json", "--save", har}, response);
     ASSERT_EQ(saved.status, 0) << saved.out;
   }

@@ -24,9 +24,9 @@ class HtmlReportTest : public SdkTest {
 
 TEST_F(HtmlReportTest, markupOfTheResponseIsText) {
   const std::string hostile = "&lt;script>alert(1)&lt;/script>&lt;img src=x onerror=alert(1)>";
-  const std::string report = reportOf(inlineAd(
-      "4.0", "<AdSystem>" + hostile + "</AdSystem><AdTitle>\"'</AdTitle><Impression>" + hostile +
-                 "</Impression><Category>" + hostile + "</Category>"));
+  const std::string report = reportOf(
+      inlineAd("4.0", "<AdSystem>" + hostile + "</AdSystem><AdTitle>\"'</AdTitle><Impression>" +
+                          hostile + "</Impression><Category>" + hostile + "</Category>"));
   EXPECT_EQ(report.find("<script"), std::string::npos);
   EXPECT_EQ(report.find("<img"), std::string::npos);
   EXPECT_NE(report.find("&lt;script&gt;alert(1)"), std::string::npos);
@@ -34,7 +34,8 @@ TEST_F(HtmlReportTest, markupOfTheResponseIsText) {
 }
 
 TEST_F(HtmlReportTest, nothingIsLoaded) {
-  const std::string report = reportOf(inlineAd("4.0", "<Impression>https://t.example/</Impression>"));
+  const std::string report =
+      reportOf(inlineAd("4.0", "<Impression>https://t.example/</Impression>"));
   EXPECT_NE(report.find("content=\"default-src 'none'; style-src 'unsafe-inline'"),
             std::string::npos);
   for (const char* loading : {" src=", "url(", "@import", "href=\"http", "<link", "<iframe"}) {
@@ -46,8 +47,9 @@ TEST_F(HtmlReportTest, theSentenceAndThePlacesAreThere) {
   const std::string report = reportOf("<VAST version='4.0'>\n <a b='1' b='2'/></VAST>");
   EXPECT_NE(report.find("FAILED 101"), std::string::npos);
   EXPECT_NE(report.find("[duplicate-attribute]"), std::string::npos);
-  EXPECT_NE(report.find("An element has the attribute &quot;b&quot; twice (hop 1, line 2, column 11)."),
-            std::string::npos);
+  EXPECT_NE(
+      report.find("An element has the attribute &quot;b&quot; twice (hop 1, line 2, column 11)."),
+      std::string::npos);
   EXPECT_NE(report.find("<mark>b=&#39;2&#39;/</mark>"), std::string::npos);
 }
 
@@ -62,8 +64,7 @@ TEST_F(HtmlReportTest, weighsLittleBesideItsDocuments) {
 }
 
 TEST_F(HtmlReportTest, whatIsInvisibleIsWritten) {
-  EXPECT_EQ(command::htmlText("a\xE2\x80\xAE<b>\x01\xFF"),
-            "a\\u202e&lt;b&gt;\\u0001\xEF\xBF\xBD");
+  EXPECT_EQ(command::htmlText("a\xE2\x80\xAE<b>\x01\xFF"), "a\\u202e&lt;b&gt;\\u0001\xEF\xBF\xBD");
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #pragma once
 
 /// TAMZO_EXPORT marks what a shared library shows to hosts, TAMZO_HIDDEN the private functions of a
-/// class that is shown. Everything else stays hidden in it, and a static library, which becomes part
-/// of somebody's binary, exports nothing there.
+/// class that is shown. Everything else stays hidden in it, and a static library, which becomes
+/// part of somebody's binary, exports nothing there.
 #if defined(TAMZO_SHARED) && !defined(_WIN32)
 #define TAMZO_EXPORT __attribute__((visibility("default")))
 #define TAMZO_HIDDEN __attribute__((visibility("hidden")))

@@ -39,8 +39,8 @@ TAMZO_EXPORT std::string_view fetchFailureName(FetchFailure failure) noexcept;
 
 /// What one fetch may take, and what a whole chain.
 ///
-/// A limit of time that is NaN, 0 or less leaves no time, and the fetch fails as `timeout`; infinity
-/// is no limit.
+/// A limit of time that is NaN, 0 or less leaves no time, and the fetch fails as `timeout`;
+/// infinity is no limit.
 struct FetchLimits {
   /// Until there is a connection, TLS included, once the name of the host is resolved.
   double connectSeconds = 5.0;

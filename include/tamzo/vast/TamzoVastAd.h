@@ -90,9 +90,10 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
   /// The page that plays a JavaScript VPAID ad: the SDK's template filled for this ad, which is
   /// stored in vPaidHTML() too. "" when there is no tag or no template, when the page would pass 16
   /// times the template and all values together (the tag, the session's id, analyticsData() and
-  /// analyticsKey()), or 128 MiB, when a function of the host throws a std::exception or when memory
-  /// runs out; then vPaidHTML() keeps its value. Values are put in unescaped, one placeholder after
-  /// another: one that a value brings of a later one is filled too. The host is that of the process.
+  /// analyticsKey()), or 128 MiB, when a function of the host throws a std::exception or when
+  /// memory runs out; then vPaidHTML() keeps its value. Values are put in unescaped, one
+  /// placeholder after another: one that a value brings of a later one is filled too. The host is
+  /// that of the process.
   Text getVideoWAPView();
   /// The same with a host of its own, which is used until this returns.
   Text getVideoWAPView(const TamzoHost& host);

@@ -80,8 +80,9 @@ class TAMZO_EXPORT DDXMLElement {
   /// say) or would take too many steps; `error` then says why, and is cleared otherwise. A path of
   /// plain names finds elements in no namespace, and takes any number of steps. Others take 50
   /// million, fewer on a document with more than some thousand nodes where libxml2 would take long
-  /// for each: with axes other than child, attribute and self, with "..", a union, "//" within a path
-  /// or a predicate, a test like "text()", or a comparison or search of which no side is a literal.
+  /// for each: with axes other than child, attribute and self, with "..", a union, "//" within a
+  /// path or a predicate, a test like "text()", or a comparison or search of which no side is a
+  /// literal.
   NodeList nodesForXPath(const XPath& path, XmlError* error = nullptr) const;
 
   /// The first node that `nodesForXPath` would find, or nil.
