@@ -97,7 +97,9 @@ class Guard {
 
   void failed(const xmlParserCtxt& parser, const xmlError& error) {
     const std::string_view bound = boundOf(error);
-    if ((error.code == XML_ERR_NO_MEMORY && bound.empty()) || isLostName(parser, error)) {
+    // What libxml2 comes upon where it was stopped says nothing.
+    const bool isLost = !stopped_ && isLostName(parser, error);
+    if ((error.code == XML_ERR_NO_MEMORY && bound.empty()) || isLost) {
       ranOutOfMemory_ = true;
     }
     mayLackPrefixes_ = looksCloser_ = true;

@@ -102,6 +102,17 @@ TEST(LostNameTest, NamesThatAreNoneAreNoXml) {
   }
 }
 
+TEST(LostNameTest, TextsThatBreakOffAreNoXml) {
+  const std::string whole =
+      "<r><e xmlns:e='u' xmlns=\"v\" e:e='x' :e='' e:=''><e:e e:e2='&amp;'>x</e:e></e><:e/></r>";
+  for (const std::string& text : {whole, withAccents(whole)}) {
+    for (std::size_t cut = 0; cut < text.size(); ++cut) {
+      EXPECT_EQ(DDXMLDocument::initWithXMLString(Text(text.substr(0, cut)), 0), nullptr) << cut;
+    }
+    EXPECT_NE(DDXMLDocument::initWithXMLString(Text(text), 0), nullptr) << text;
+  }
+}
+
 TEST(LostNameTest, TheSameHoldsInAnEntity) {
   for (const char* xml : {"<:e/>", "<e:/>", "<e:e e:e=''/>"}) {
     const std::string text = "<!DOCTYPE r [<!ENTITY x \"" + withAccents(xml) + "\">]><r>&x;</r>";
