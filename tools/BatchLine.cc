@@ -186,7 +186,7 @@ void addReport(BatchAnswer& answer, const std::string& id, const TamzoVastAd& ad
       error != nullptr && error->hop ? static_cast<std::size_t>(*error->hop) : 1;
   const explain::HopReport& report = explanation.hops[hop - 1];
   const std::string_view host = explain::hostOf(report.url);
-  answer.host = host.empty() ? nameOf(report.source) : host;
+  answer.host = host.empty() ? explain::nameOf(report.source) : host;
   if (error != nullptr) {
     answer.mainFinding = error->id;
     answer.report = htmlReport(ad, explanation, {});

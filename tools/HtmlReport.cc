@@ -96,7 +96,7 @@ std::string_view kindInWords(explain::AdKind kind) {
 
 std::string hostOfHop(const explain::HopReport& hop) {
   const std::string_view host = explain::hostOf(hop.url);
-  return cell(host.empty() ? nameOf(hop.source) : host);
+  return cell(host.empty() ? explain::nameOf(hop.source) : host);
 }
 
 std::string statusOfHop(const explain::HopReport& hop) {
@@ -376,7 +376,7 @@ void addVendorSettings(Page& page, const JsonValue& record) {
     const std::string written = value.dump();
     const bool isSet = written != defaultRecord().find(setting.property).dump();
     set += isSet ? 1 : 0;
-    rows.push_back({htmlText(setting.element), isSet ? "<b>set</b>" : "default", cell(written)});
+    rows.push_back({htmlText(setting.element), isSet ? "<b>set</b>" : "default", cell(std::string_view(written))});
   }
   page.begin("Vendor settings that were set", set);
   page.table({"element", "", "value"}, rows, rows.size());
