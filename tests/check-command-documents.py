@@ -47,7 +47,7 @@ def faults(command, folder):
     bash = folder / "tamzo-vast.bash"
     for words, expected in ((("tamzo-vast", "pa"), {"parse", "page"}),
                             (("tamzo-vast", "parse", "--form"), {"--format"}),
-                            (("tamzo-vast", "parse", "--format", ""), {"text", "json"}),
+                            (("tamzo-vast", "parse", "--format", ""), {"text", "json", "html"}),
                             (("tamzo-vast", "parse", "respons"), set())):
         if set(completed(bash, *words)) != expected:
             yield f"bash completes {words} to {completed(bash, *words)}"

@@ -53,7 +53,7 @@ TEST_F(MainTest, WrongUsageIsOneLineAndStatus2) {
       {{"parse", path("loop")}, "loop"},
       {{"parse", path("bad.xml")}, "bad.xml: is not UTF-8"},
       {{"parse", path("line\nbreak\x1B.xml")}, "line\\u000abreak\\u001b"},
-      {{"parse", "--format", "html", good}, "html"},
+      {{"parse", "--format", "yaml", good}, "yaml"},
       {{"parse", "--format", "xml", good}, "xml"},
       {{"parse", "--format", "", good}, "--format"},
       {{"parse", "-o", path("none/out"), good}, "none/out"},
