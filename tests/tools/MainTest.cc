@@ -110,7 +110,7 @@ TEST_F(MainTest, WhatWasMeantIsGuessed) {
       {{"parse", "--formt=json"}, "unknown option --formt; did you mean --format?"},
       {{"batch", "--unorderd"}, "did you mean --unordered? (see tamzo-vast batch --help)"},
       {{"page", "--frob"}, "unknown option --frob (see tamzo-vast page --help)"},
-      {{"parse", "--format", "jsno"}, "text or json, not \"jsno\"; did you mean json? (see"},
+      {{"parse", "--format", "jsno"}, "text, json or html, not \"jsno\"; did you mean json? (see"},
       {{"parse", "--color", "sometimes"}, "auto, always or never, not \"sometimes\" (see"},
       {{"batch", "-j", "0"}, "(see tamzo-vast batch --help)"},
       {{"--verison"}, "did you mean --version? (see tamzo-vast --help)"},
