@@ -300,8 +300,8 @@ typedef struct tamzo_vast_flag {
 
 /** A list of texts. */
 typedef struct tamzo_vast_texts {
-  size_t count;
-  const tamzo_vast_text* items;
+  size_t count;                 /**< how many */
+  const tamzo_vast_text* items; /**< `count` of them */
 } tamzo_vast_texts;
 
 /** How long the Linear is. */
@@ -318,44 +318,44 @@ typedef struct tamzo_vast_tracker {
 
 /** The tracking URLs of one event, in the order met. */
 typedef struct tamzo_vast_event {
-  tamzo_vast_text name; /**< as the document writes it */
-  size_t count;
-  const tamzo_vast_tracker* const* items;
+  tamzo_vast_text name;                   /**< as the document writes it */
+  size_t count;                           /**< how many */
+  const tamzo_vast_tracker* const* items; /**< one pointer each, `count` of them */
 } tamzo_vast_event;
 
 /** Tracking URLs by event name, in the order in which the names were first met. */
 typedef struct tamzo_vast_trackers {
-  size_t count;
-  const tamzo_vast_event* const* items;
+  size_t count;                         /**< how many */
+  const tamzo_vast_event* const* items; /**< one pointer each, `count` of them */
 } tamzo_vast_trackers;
 
 /** A media file. Numbers are pixels, kilobits a second and bytes. */
 typedef struct tamzo_vast_media_file {
-  tamzo_vast_text url;
-  tamzo_vast_text id;
-  tamzo_vast_text delivery;
-  tamzo_vast_text type;
-  tamzo_vast_text codec;
-  tamzo_vast_text api_framework;
-  tamzo_vast_integer width;
-  tamzo_vast_integer height;
-  tamzo_vast_integer bitrate;
-  tamzo_vast_integer min_bitrate;
-  tamzo_vast_integer max_bitrate;
-  tamzo_vast_integer file_size;
-  tamzo_vast_flag scalable;
-  tamzo_vast_flag maintain_aspect_ratio;
+  tamzo_vast_text url;                   /**< white space trimmed at both ends */
+  tamzo_vast_text id;                    /**< nil when absent */
+  tamzo_vast_text delivery;              /**< "progressive" or "streaming"; nil when absent */
+  tamzo_vast_text type;                  /**< MIME type; nil when absent */
+  tamzo_vast_text codec;                 /**< nil when absent */
+  tamzo_vast_text api_framework;         /**< nil when absent */
+  tamzo_vast_integer width;              /**< pixels */
+  tamzo_vast_integer height;             /**< pixels */
+  tamzo_vast_integer bitrate;            /**< kilobits a second */
+  tamzo_vast_integer min_bitrate;        /**< kilobits a second */
+  tamzo_vast_integer max_bitrate;        /**< kilobits a second */
+  tamzo_vast_integer file_size;          /**< bytes */
+  tamzo_vast_flag scalable;              /**< may be shown at another size */
+  tamzo_vast_flag maintain_aspect_ratio; /**< must keep its shape then */
 } tamzo_vast_media_file;
 
 /** Media files, in document order. */
 typedef struct tamzo_vast_media_files {
-  size_t count;
-  const tamzo_vast_media_file* const* items;
+  size_t count;                              /**< how many */
+  const tamzo_vast_media_file* const* items; /**< one pointer each, `count` of them */
 } tamzo_vast_media_files;
 
 /** A resource of a companion or a verification. */
 typedef struct tamzo_vast_resource {
-  tamzo_vast_text url;
+  tamzo_vast_text url;              /**< white space trimmed at both ends */
   tamzo_vast_text type;             /**< MIME type; nil for a script */
   tamzo_vast_text api_framework;    /**< of a verification */
   tamzo_vast_flag browser_optional; /**< of a verification's script */
@@ -363,51 +363,51 @@ typedef struct tamzo_vast_resource {
 
 /** Resources, in document order. */
 typedef struct tamzo_vast_resources {
-  size_t count;
-  const tamzo_vast_resource* const* items;
+  size_t count;                            /**< how many */
+  const tamzo_vast_resource* const* items; /**< one pointer each, `count` of them */
 } tamzo_vast_resources;
 
 /** A companion. */
 typedef struct tamzo_vast_companion {
-  tamzo_vast_text id;
-  tamzo_vast_integer width;
-  tamzo_vast_integer height;
-  tamzo_vast_text ad_slot_id;
-  tamzo_vast_text api_framework;
-  tamzo_vast_text alt_text;
-  const tamzo_vast_resources* static_resources;
-  const tamzo_vast_texts* iframe_resources;
-  const tamzo_vast_texts* html_resources;
-  tamzo_vast_text click_through;
-  const tamzo_vast_texts* click_tracking;
-  const tamzo_vast_trackers* trackers;
+  tamzo_vast_text id;                           /**< nil when absent */
+  tamzo_vast_integer width;                     /**< pixels */
+  tamzo_vast_integer height;                    /**< pixels */
+  tamzo_vast_text ad_slot_id;                   /**< nil when absent */
+  tamzo_vast_text api_framework;                /**< nil when absent */
+  tamzo_vast_text alt_text;                     /**< nil when absent */
+  const tamzo_vast_resources* static_resources; /**< images and the like */
+  const tamzo_vast_texts* iframe_resources;     /**< URLs */
+  const tamzo_vast_texts* html_resources;       /**< markup */
+  tamzo_vast_text click_through;                /**< nil when absent */
+  const tamzo_vast_texts* click_tracking;       /**< URLs */
+  const tamzo_vast_trackers* trackers;          /**< by event */
 } tamzo_vast_companion;
 
 /** The companions of one document. */
 typedef struct tamzo_vast_companion_ad {
-  size_t count;
-  const tamzo_vast_companion* const* items;
+  size_t count;                             /**< how many */
+  const tamzo_vast_companion* const* items; /**< one pointer each, `count` of them */
 } tamzo_vast_companion_ad;
 
 /** One entry for each document of the chain that has companions. */
 typedef struct tamzo_vast_companion_ads {
-  size_t count;
-  const tamzo_vast_companion_ad* const* items;
+  size_t count;                                /**< how many */
+  const tamzo_vast_companion_ad* const* items; /**< one pointer each, `count` of them */
 } tamzo_vast_companion_ads;
 
 /** Who measures, and with what. */
 typedef struct tamzo_vast_verification {
-  tamzo_vast_text vendor;
-  const tamzo_vast_resources* javascript_resources;
-  const tamzo_vast_resources* executable_resources;
-  tamzo_vast_text verification_parameters;
-  const tamzo_vast_trackers* trackers;
+  tamzo_vast_text vendor;                           /**< nil when absent */
+  const tamzo_vast_resources* javascript_resources; /**< scripts */
+  const tamzo_vast_resources* executable_resources; /**< programs of a platform */
+  tamzo_vast_text verification_parameters;          /**< untrimmed; nil when absent */
+  const tamzo_vast_trackers* trackers;              /**< by event */
 } tamzo_vast_verification;
 
 /** Who measures. */
 typedef struct tamzo_vast_verifications {
-  size_t count;
-  const tamzo_vast_verification* const* items;
+  size_t count;                                /**< how many */
+  const tamzo_vast_verification* const* items; /**< one pointer each, `count` of them */
 } tamzo_vast_verifications;
 
 /** An element of a document. */
@@ -415,20 +415,20 @@ typedef struct tamzo_vast_element tamzo_vast_element;
 
 /** Elements, in document order. */
 typedef struct tamzo_vast_elements {
-  size_t count;
-  const tamzo_vast_element* const* items;
+  size_t count;                           /**< how many */
+  const tamzo_vast_element* const* items; /**< one pointer each, `count` of them */
 } tamzo_vast_elements;
 
 /** An element under a key. */
 typedef struct tamzo_vast_named_element {
-  tamzo_vast_text name;
-  const tamzo_vast_element* element;
+  tamzo_vast_text name;              /**< the key */
+  const tamzo_vast_element* element; /**< never null */
 } tamzo_vast_named_element;
 
 /** Elements by key: "iconClickThrough" and "iconClickTracking". */
 typedef struct tamzo_vast_named_elements {
-  size_t count;
-  const tamzo_vast_named_element* const* items;
+  size_t count;                                 /**< how many */
+  const tamzo_vast_named_element* const* items; /**< one pointer each, `count` of them */
 } tamzo_vast_named_elements;
 
 /** An icon, or a value that the vendor sent. */
@@ -439,14 +439,14 @@ typedef struct tamzo_vast_extra_action {
 
 /** Icons and the vendor's values; or one value that is no list. */
 typedef struct tamzo_vast_extra_actions {
-  tamzo_vast_text json; /**< the one value; nil for a list */
-  size_t count;
+  tamzo_vast_text json;                        /**< the one value; nil for a list */
+  size_t count;                                /**< how many */
   const tamzo_vast_extra_action* const* items; /**< null for one value */
 } tamzo_vast_extra_actions;
 
 /** What is kept for a JavaScript VPAID ad. */
 typedef struct tamzo_vast_vpaid_xml {
-  tamzo_vast_text vast_version;
+  tamzo_vast_text vast_version; /**< nil when absent */
 } tamzo_vast_vpaid_xml;
 
 /* ---- The record --------------------------------------------------------------------------- */
@@ -741,14 +741,14 @@ TAMZO_VAST_API tamzo_vast_text tamzo_vast_ad_vPaidHTML(const tamzo_vast_ad* ad);
 
 /** An attribute. */
 typedef struct tamzo_vast_attribute {
-  tamzo_vast_text name; /**< as written, prefix included */
-  tamzo_vast_text value;
+  tamzo_vast_text name;  /**< as written, prefix included */
+  tamzo_vast_text value; /**< as it stands, entities resolved */
 } tamzo_vast_attribute;
 
 /** The attributes of an element, which belong to the caller. */
 typedef struct tamzo_vast_attributes {
-  size_t count;
-  const tamzo_vast_attribute* const* items;
+  size_t count;                             /**< how many */
+  const tamzo_vast_attribute* const* items; /**< one pointer each, `count` of them */
 } tamzo_vast_attributes;
 
 /** The name as written, prefix included. The text is the caller's. */

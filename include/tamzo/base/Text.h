@@ -219,6 +219,8 @@ class TAMZO_EXPORT MutableText {
 
 }  // namespace tamzo
 
+// Doxygen does not find the template that this is one of.
+/// @cond
 /// Equal texts have equal hashes; nil has one of its own.
 template <>
 struct std::hash<tamzo::Text> {
@@ -227,3 +229,4 @@ struct std::hash<tamzo::Text> {
     return text.isNil() ? ~std::size_t{0} : std::hash<std::string_view>()(text.view());
   }
 };
+/// @endcond
