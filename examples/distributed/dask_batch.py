@@ -9,7 +9,7 @@ must see, gets part-00000.jsonl and so on: in the order of their names they hold
 in the order of the input. table.json has how many answers there were of each errorCode, and of each
 finding when the answers explain. The same is printed as a table.
 
-Exit status, as that of batch: 0 when every ad can be played, 1 when one cannot, 2 when a line could
+Exit status, as that of batch: 0 when no ad failed, 1 when one did, 2 when a line could
 not be read; and 3 when a block failed on every try. The answers of all other blocks are there then.
 """
 

@@ -7,7 +7,7 @@
 # JOBS (default: one for each core) and BLOCK (default: 16M, cut at ends of lines) are parallel's,
 # COMMAND (default: tamzo-vast) is what is run. A block that fails is tried three times.
 #
-# Exit status, as that of batch: 0 when every ad can be played, 1 when one cannot, 2 when a line could
+# Exit status, as that of batch: 0 when no ad failed, 1 when one did, 2 when a line could
 # not be read; and 3 when a block failed on every try, which is said on standard error. The answers
 # of all other blocks are there then.
 set -eu
