@@ -749,7 +749,7 @@ test("what is no XML is refused with 100", () => {
 
 test("reading takes no longer than its text is long", () => {
   // What takes the square of its length would not end here.
-  const length = 400000;
+  const length = 100000;
   for (const [piece, end] of [["<", ""], ["<a ", ""], ["&", ""], ["<!--", ""], ["<![CDATA[", ""],
     ["<a b=", ""], ["'", ""], [" ", ""], ["<!DOCTYPE[", ""], ["]]>", ""], ["<a>", ""], ["</a>", ""],
     ["<a b='1'", ""], ["\"", ">"]]) {
