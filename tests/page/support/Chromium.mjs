@@ -10,18 +10,18 @@ const ARGUMENTS = ["--headless=new", "--no-sandbox", "--disable-gpu", "--disable
   "--host-resolver-rules=MAP unit.test 127.0.0.3,MAP pixel.test 127.0.0.4"];
 
 // Runs in the page before everything else.
-function bridge(settings, behaviour) {
+function bridge(settings, { path, closesAtLast }) {
   window.calls = [];
   window.tamzoSettings = settings;
   const tell = (message) => {
     try {
       const request = new XMLHttpRequest();
-      request.open("POST", "/told", false);
+      request.open("POST", path, false);
       request.send(JSON.stringify(message));
     } catch (tooLate) {  // while the page goes
-      navigator.sendBeacon("/told", JSON.stringify(message));
+      navigator.sendBeacon(path, JSON.stringify(message));
     }
-    if (behaviour.closesAtLast && /^Ad(Stopped|Error)$/.test(message.name)) {
+    if (closesAtLast && /^Ad(Stopped|Error)$/.test(message.name)) {
       window.location.replace("about:blank");
     }
   };
@@ -37,7 +37,7 @@ export class Chromium {
   constructor(server) {
     this.server = server;
     this.name = "chromium";
-    server.posted = (message) => this.onMessage(message);
+    this.opened = 0;
   }
 
   async start() {
@@ -80,9 +80,10 @@ export class Chromium {
   }
 
   async open(html, { settings = {}, onMessage, closesAtLast = false, scheme = "http" }) {
-    this.onMessage = onMessage;
+    const path = `/told/${++this.opened}`;  // a page that was left may still have something to say
+    this.server.takers.set(path, onMessage);
     const script = `<script>(${bridge})(${JSON.stringify(settings)}, ` +
-      `${JSON.stringify({ closesAtLast })});</script>`;
+      `${JSON.stringify({ path, closesAtLast })});</script>`;
     const url = new URL(this.server.serve("page", html.replace("<head>", () => "<head>" + script),
       { type: "text/html" }));
     url.protocol = scheme;
@@ -135,7 +136,6 @@ export class Chromium {
 
   async close() {
     await this.ask("DELETE", `${this.session}/alert`).catch(() => {});
-    this.onMessage = () => {};
     const [first, ...others] = await this.ask("GET", `${this.session}/window/handles`);
     for (const handle of others) {
       await this.ask("POST", `${this.session}/window`, { handle });

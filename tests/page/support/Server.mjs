@@ -33,7 +33,7 @@ export class Server {
     this.answered = new Set();
     this.requests = [];        // paths in the order of arrival
     this.watchers = new Set();
-    this.posted = null;        // takes what a page posts
+    this.takers = new Map();   // path -> who takes what is posted there
     this.served = 0;
     this.listeners = [];
   }
@@ -98,7 +98,7 @@ export class Server {
     request.on("end", () => {
       response.writeHead(204, { "Access-Control-Allow-Origin": "*" });
       response.end();
-      this.posted(JSON.parse(Buffer.concat(pieces).toString()));
+      this.takers.get(request.url)(JSON.parse(Buffer.concat(pieces).toString()));
     });
   }
 

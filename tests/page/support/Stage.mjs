@@ -7,7 +7,11 @@ import { execFile } from "node:child_process";
 const TRACKED = ["loaded", "creativeView", "start", "firstQuartile", "midpoint", "thirdQuartile",
   "complete", "skip", "pause", "resume", "mute", "unmute", "expand", "collapse", "minimize", "close",
   "acceptInvitation"];
-const GUARD_MS = 40000;  // against a test that would wait for ever; nothing is timed by it
+const GUARD_MS = 200000;  // against a test that would wait for ever; nothing is timed by it
+
+// How busy the machine is must not decide what comes of an ad; a test sets the limit that it tries.
+const PATIENT = Object.fromEntries(["fetch", "unit", "register", "load", "start", "stop", "stall",
+  "pixels"].map((name) => [name, 60000]));
 
 let stages = 0;
 
@@ -133,7 +137,9 @@ export class Stage {
 
   open(html, options) {
     this.mayLeave = options.closesAtLast || options.leaves;
-    return this.browser.open(html, { ...options, onMessage: (message) => {
+    const limits = { ...PATIENT, ...(options.settings || {}).limits };
+    const settings = { ...options.settings, limits };
+    return this.browser.open(html, { ...options, settings, onMessage: (message) => {
       this.messages.push(message);
       this.listeners.forEach((look) => look());
     } });
