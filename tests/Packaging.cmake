@@ -6,8 +6,8 @@ set(stage ${CMAKE_CURRENT_BINARY_DIR}/stage)
 set(consumer_options
   -DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER} "-DCMAKE_CXX_FLAGS=${CMAKE_CXX_FLAGS}"
   "-DCMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER}")
-# For what compiles the library once more.
-set(quick_build -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0)
+# For what compiles the library once more; some hosts compile everything in unity.
+set(quick_build -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DCMAKE_UNITY_BUILD=ON)
 
 # Builds a project and runs a command in its build folder.
 function(tamzo_package_test name source)
