@@ -1,0 +1,89 @@
+"""Compares a shared library with debug information with the interface that this major version keeps.
+
+    check-abi.py LIBRARY           ends with status 1 where a program built before would not run
+    check-abi.py --renew LIBRARY   keeps the interface of the library from now on
+
+It first changes the kept interface in ways that must be told, so that it never passes for want of
+looking.
+"""
+
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+KEPT = ROOT / "abi/libtamzovast.abi"
+HEADERS = ROOT / "include"
+ADVICE = """The shared library no longer fits programs that were built with this major version.
+Where that is an addition which abidiff cannot tell from a change, or the version is not released:
+  scripts/abi.sh --renew
+Otherwise the change wants another major version: CMakeLists.txt, debian/ and abi/."""
+
+# Of the kept text: what is replaced by what, and whether that must be told. As if the library had
+# lost a function, changed a value, moved a member, changed a signature, or gained a function.
+CHANGES = {
+    "a function for C that is gone": (r"\btamzo_vast_parse\b", "tamzo_vast_gone", True),
+    "a method that is gone": (r"_ZN5tamzo10TamzoState", "_ZN5tamzo10TamzoOther", True),
+    "a value that changed": (r"(name='TAMZO_VAST_INVALID_ARGUMENT' value=)'\d+'", r"\1'77'", True),
+    "a member that moved": (r"(layout-offset-in-bits=)'64'(?=[^<]*>\s*<var-decl name='size')",
+                            r"\1'128'", True),
+    "a function that is new": (r"^.*<elf-symbol name='tamzo_vast_abi'.*\n", "", False),
+}
+
+
+def wrote(library, path):
+    subprocess.run(["abidw", "--headers-dir", HEADERS, "--drop-private-types",
+                    "--exported-interfaces-only", "--no-corpus-path", "--no-comp-dir-path",
+                    "--no-show-locs", "--no-elf-needed", "--no-parameter-names", "--no-architecture",
+                    "--type-id-style", "hash", "--out-file", path, library], check=True)
+
+
+def differences(kept, library):
+    """What abidiff has to say; "" where the library fits."""
+    run = subprocess.run(["abidiff", "--headers-dir2", HEADERS, "--drop-private-types",
+                          "--exported-interfaces-only", "--no-added-syms", "--no-show-locs", kept,
+                          library], capture_output=True, text=True, check=False)
+    if run.returncode & 3:
+        sys.exit(f"abidiff failed: {run.stderr}")
+    return run.stdout if run.returncode else ""
+
+
+def unseen_changes(library):
+    text = KEPT.read_text(encoding="utf-8")
+    with tempfile.TemporaryDirectory() as folder:
+        for what, (pattern, instead, is_told) in CHANGES.items():
+            changed = re.sub(pattern, instead, text, flags=re.MULTILINE)
+            if changed == text:
+                yield f"{what}: cannot be tried, {pattern} is not in {KEPT.name}"
+                continue
+            path = pathlib.Path(folder) / "changed.abi"
+            path.write_text(changed, encoding="utf-8")
+            if bool(differences(path, library)) != is_told:
+                yield f"{what}: {'not told' if is_told else 'told, though it is no fault'}"
+
+
+def soname_of(text):
+    return re.search(r"soname='([^']+)'", text)[1]
+
+
+def main(arguments):
+    library = pathlib.Path(arguments[-1]).resolve()
+    if "--renew" in arguments:
+        KEPT.parent.mkdir(exist_ok=True)
+        wrote(library, KEPT)
+    told = differences(KEPT, library)
+    if told:
+        print(told, ADVICE, sep="\n")
+        return 1
+    unseen = list(unseen_changes(library))
+    for fault in unseen:
+        print(f"this check does not work: {fault}")
+    print(f"{soname_of(KEPT.read_text(encoding='utf-8'))}: the interface is kept, "
+          f"{len(CHANGES)} changes of it tried")
+    return int(bool(unseen))
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
