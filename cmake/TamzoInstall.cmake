@@ -30,13 +30,16 @@ if(NOT BUILD_SHARED_LIBS)
 endif()
 
 # For builds without CMake: what is private is for those who ask for --static. The package may be moved
-# as a whole, unless its folders were given as absolute ones.
+# as a whole, unless its folders were given as absolute ones. That of the system stays: pkg-config
+# leaves out folders that compilers search anyway, and knows these by name.
 set(TAMZO_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
 set(TAMZO_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
   set(TAMZO_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
   set(TAMZO_PC_LIBDIR "${CMAKE_INSTALL_FULL_LIBDIR}")
   set(TAMZO_PC_INCLUDEDIR "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+elseif(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(TAMZO_PC_PREFIX /usr)
 else()
   file(RELATIVE_PATH TAMZO_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
   string(REGEX REPLACE "/$" "" TAMZO_PC_PREFIX "\${pcfiledir}/${TAMZO_PC_PREFIX}")

@@ -16,6 +16,9 @@ import tempfile
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 KEPT = ROOT / "abi/libtamzovast.abi"
 HEADERS = ROOT / "include"
+# What both programs look at: what is exported, and the types of public headers.
+SHOWN = ["--drop-private-types", "--exported-interfaces-only", "--no-show-locs",
+         "--suppr", ROOT / "abi/ignored.ini"]
 ADVICE = """The shared library no longer fits programs that were built with this major version.
 Where that is an addition which abidiff cannot tell from a change, or the version is not released:
   scripts/abi.sh --renew
@@ -33,17 +36,17 @@ CHANGES = {
 }
 
 
-def wrote(library, path):
-    subprocess.run(["abidw", "--headers-dir", HEADERS, "--drop-private-types",
-                    "--exported-interfaces-only", "--no-corpus-path", "--no-comp-dir-path",
-                    "--no-show-locs", "--no-elf-needed", "--no-parameter-names", "--no-architecture",
-                    "--type-id-style", "hash", "--out-file", path, library], check=True)
+def keep(library):
+    subprocess.run(["abidw", *SHOWN, "--headers-dir", HEADERS, "--no-corpus-path",
+                    "--no-comp-dir-path", "--no-elf-needed", "--no-parameter-names",
+                    "--type-id-style", "hash", "--out-file", KEPT, library], check=True)
+    text = KEPT.read_text(encoding="utf-8")
+    KEPT.write_text(re.sub(r"path='(\.\./)+", "path='", text), encoding="utf-8")
 
 
 def differences(kept, library):
     """What abidiff has to say; "" where the library fits."""
-    run = subprocess.run(["abidiff", "--headers-dir2", HEADERS, "--drop-private-types",
-                          "--exported-interfaces-only", "--no-added-syms", "--no-show-locs", kept,
+    run = subprocess.run(["abidiff", *SHOWN, "--headers-dir2", HEADERS, "--no-added-syms", kept,
                           library], capture_output=True, text=True, check=False)
     if run.returncode & 3:
         sys.exit(f"abidiff failed: {run.stderr}")
@@ -71,8 +74,7 @@ def soname_of(text):
 def main(arguments):
     library = pathlib.Path(arguments[-1]).resolve()
     if "--renew" in arguments:
-        KEPT.parent.mkdir(exist_ok=True)
-        wrote(library, KEPT)
+        keep(library)
     told = differences(KEPT, library)
     if told:
         print(told, ADVICE, sep="\n")

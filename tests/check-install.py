@@ -91,18 +91,19 @@ def check_components(cmake, build):
 
 
 def check_configure(cmake, source):
-    places = {"lib/several/levels": "${prefix}/lib/several/levels", "/opt/libraries": "/opt/libraries"}
-    for folder, expected in places.items():
+    vendor = "/opt/vendor"
+    places = [  # prefix and LIBDIR that are given; prefix and libdir that pkg-config is told
+        (vendor, "lib/two/levels", "${pcfiledir}/../../../..", "${prefix}/lib/two/levels"),
+        (vendor, "/opt/libraries", vendor, "/opt/libraries"),
+        ("/usr", "lib/triplet", "/usr", "${prefix}/lib/triplet"),
+    ]
+    for prefix, folder, expected_prefix, expected in places:
         with tempfile.TemporaryDirectory() as build:
             run(cmake, "-S", source, "-B", build, "-DTAMZO_BUILD_TOOLS=OFF", "-DTAMZO_BUILD_TESTS=OFF",
-                "-DTAMZO_DEVELOPER=OFF", "-DCMAKE_INSTALL_PREFIX=/opt/vendor",
-                f"-DCMAKE_INSTALL_LIBDIR={folder}")
+                "-DTAMZO_DEVELOPER=OFF", f"-DCMAKE_INSTALL_PREFIX={prefix}", f"-DCMAKE_INSTALL_LIBDIR={folder}")
             written = (pathlib.Path(build) / "tamzovast.pc").read_text(encoding="utf-8")
-            if f"\nlibdir={expected}\n" not in written:
-                yield f"LIBDIR {folder}: no libdir={expected} in\n{written}"
-            prefix = "/opt/vendor" if folder.startswith("/") else "${pcfiledir}/../../../.."
-            if f"prefix={prefix}\n" not in written:
-                yield f"LIBDIR {folder}: no prefix={prefix} in\n{written}"
+            if not written.startswith(f"prefix={expected_prefix}\nlibdir={expected}\n"):
+                yield f"{prefix}, {folder}: no prefix={expected_prefix}, libdir={expected} in\n{written}"
 
 
 def main(cmake, build, source=None):
