@@ -9,6 +9,7 @@ looking.
 
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -16,9 +17,7 @@ import tempfile
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 KEPT = ROOT / "abi/libtamzovast.abi"
 HEADERS = ROOT / "include"
-# What both programs look at: what is exported, and the types of public headers.
-SHOWN = ["--drop-private-types", "--exported-interfaces-only", "--no-show-locs",
-         "--suppr", ROOT / "abi/ignored.ini"]
+IGNORED = ["--suppr", ROOT / "abi/ignored.ini"]
 ADVICE = """The shared library no longer fits programs that were built with this major version.
 Where that is an addition which abidiff cannot tell from a change, or the version is not released:
   scripts/abi.sh --renew
@@ -36,24 +35,27 @@ CHANGES = {
 }
 
 
-def keep(library):
-    subprocess.run(["abidw", *SHOWN, "--headers-dir", HEADERS, "--no-corpus-path",
+def write_interface(library, path):
+    """What is exported, and the types in public headers."""
+    subprocess.run(["abidw", "--headers-dir", HEADERS, "--drop-private-types",
+                    "--exported-interfaces-only", "--no-show-locs", *IGNORED, "--no-corpus-path",
                     "--no-comp-dir-path", "--no-elf-needed", "--no-parameter-names",
-                    "--type-id-style", "hash", "--out-file", KEPT, library], check=True)
-    text = KEPT.read_text(encoding="utf-8")
-    KEPT.write_text(re.sub(r"path='(\.\./)+", "path='", text), encoding="utf-8")
+                    "--type-id-style", "hash", "--out-file", path, library], check=True)
+    text = path.read_text(encoding="utf-8")
+    path.write_text(re.sub(r"path='(\.\./)+", "path='", text), encoding="utf-8")
 
 
-def differences(kept, library):
-    """What abidiff has to say; "" where the library fits."""
-    run = subprocess.run(["abidiff", *SHOWN, "--headers-dir2", HEADERS, "--no-added-syms", kept,
-                          library], capture_output=True, text=True, check=False)
+def differences(kept, now):
+    """What abidiff has to say; "" where the library fits. Between two written interfaces: were one of
+    them a library, abidiff would take all types of the other, which has no places, for private."""
+    run = subprocess.run(["abidiff", "--no-added-syms", "--no-show-locs", *IGNORED, kept, now],
+                         capture_output=True, text=True, check=False)
     if run.returncode & 3:
         sys.exit(f"abidiff failed: {run.stderr}")
     return run.stdout if run.returncode else ""
 
 
-def unseen_changes(library):
+def unseen_changes(now):
     text = KEPT.read_text(encoding="utf-8")
     with tempfile.TemporaryDirectory() as folder:
         for what, (pattern, instead, is_told) in CHANGES.items():
@@ -63,7 +65,7 @@ def unseen_changes(library):
                 continue
             path = pathlib.Path(folder) / "changed.abi"
             path.write_text(changed, encoding="utf-8")
-            if bool(differences(path, library)) != is_told:
+            if bool(differences(path, now)) != is_told:
                 yield f"{what}: {'not told' if is_told else 'told, though it is no fault'}"
 
 
@@ -72,14 +74,16 @@ def soname_of(text):
 
 
 def main(arguments):
-    library = pathlib.Path(arguments[-1]).resolve()
-    if "--renew" in arguments:
-        keep(library)
-    told = differences(KEPT, library)
-    if told:
-        print(told, ADVICE, sep="\n")
-        return 1
-    unseen = list(unseen_changes(library))
+    with tempfile.TemporaryDirectory() as folder:
+        now = pathlib.Path(folder) / "now.abi"
+        write_interface(pathlib.Path(arguments[-1]).resolve(), now)
+        if "--renew" in arguments:
+            shutil.copy(now, KEPT)
+        told = differences(KEPT, now)
+        if told:
+            print(told, ADVICE, sep="\n")
+            return 1
+        unseen = list(unseen_changes(now))
     for fault in unseen:
         print(f"this check does not work: {fault}")
     print(f"{soname_of(KEPT.read_text(encoding='utf-8'))}: the interface is kept, "
