@@ -20,3 +20,7 @@ browser_packages=(
 )
 # For the builds for phones, with what scripts/sysroot.sh fetches.
 cross_packages=(crossbuild-essential-arm64 crossbuild-essential-armhf qemu-user-static googletest)
+# For the Debian packages, the bare Debian that they are tried in, and the check of the ABI.
+packaging_packages=(
+  debhelper dpkg-dev lintian mmdebstrap pkg-config python3 abigail-tools
+)
