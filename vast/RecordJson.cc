@@ -11,10 +11,10 @@ namespace {
 
 // How each type that occurs in a record is written. A property of a new type needs one more
 // overload here, a property of a known one nothing at all.
-template <typename Json>
 class RecordWriter {
  public:
-  explicit RecordWriter(RecordContent content) : isWhole_(content == RecordContent::whole) {}
+  RecordWriter(JsonSpacing spacing, RecordContent content)
+      : isWhole_(content == RecordContent::whole), json_(spacing) {}
 
   void write(const TamzoVastAd& ad) {
     // The two texts that are documents make up most of it.
@@ -247,21 +247,16 @@ class RecordWriter {
   }
 
   bool isWhole_;
-  Json json_;
+  JsonWriter json_;
 };
-
-template <typename Json>
-std::string writtenWith(const TamzoVastAd& ad, RecordContent content) {
-  RecordWriter<Json> writer(content);
-  writer.write(ad);
-  return writer.take();
-}
 
 }  // namespace
 
 std::string recordAsJson(const TamzoVastAd& ad, JsonLayout layout, RecordContent content) {
-  return layout == JsonLayout::indented ? writtenWith<IndentedJsonWriter>(ad, content)
-                                        : writtenWith<CompactJsonWriter>(ad, content);
+  RecordWriter writer(layout == JsonLayout::indented ? JsonSpacing::indented : JsonSpacing::compact,
+                      content);
+  writer.write(ad);
+  return writer.take();
 }
 
 }  // namespace tamzo

@@ -142,6 +142,18 @@ TEST(DoubleValue, IsInfiniteForANumberTooLargeAndNoughtForOneTooSmall) {
   EXPECT_EQ(doubleValue("-1e999"), -std::numeric_limits<double>::infinity());
   EXPECT_EQ(doubleValue("1e-999"), 0.0);
   EXPECT_EQ(doubleValue(std::string(400, '9')), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(doubleValue(std::string(400, '9') + ".5e1 px"),
+            std::numeric_limits<double>::infinity());
+  EXPECT_EQ(doubleValue("0.00001E+400"), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(doubleValue("1e99999999999999999999"), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(doubleValue("2e308e-999"), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(doubleValue("1e-99999999999999999999"), 0.0);
+  EXPECT_EQ(doubleValue("0." + std::string(400, '0') + "1"), 0.0);
+  EXPECT_EQ(doubleValue("0001000e-400"), 0.0);
+  EXPECT_EQ(doubleValue(std::string(400, '9') + "e-800"), 0.0);
+  EXPECT_TRUE(std::signbit(doubleValue("-1e-999")));
+  EXPECT_EQ(doubleValue("5e-324"), std::numeric_limits<double>::denorm_min());
+  EXPECT_EQ(doubleValue("1.7976931348623157e308"), std::numeric_limits<double>::max());
 }
 
 TEST(FloatValue, IsRoundedOnceToSinglePrecision) {
@@ -150,6 +162,7 @@ TEST(FloatValue, IsRoundedOnceToSinglePrecision) {
   EXPECT_EQ(floatValue(""), 0.0F);
   EXPECT_EQ(floatValue("nan"), 0.0F);
   EXPECT_EQ(floatValue("1e39"), std::numeric_limits<float>::infinity());
+  EXPECT_EQ(floatValue("1e-50"), 0.0F);
   // Just above half-way between two floats. Read as a double first it would fall on the middle,
   // and from there to the even neighbour below.
   constexpr std::string_view kAboveTheMiddle = "1.00000005960464477540";
