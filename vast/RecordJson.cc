@@ -32,15 +32,23 @@ class RecordWriter {
   std::string take() { return json_.take(); }
 
  private:
+  // Names are literals, whose lengths are known when this is compiled.
   template <typename T>
-  void property(std::string_view name, const T& value, const TamzoVastAd&) {
+  void property(Literal name, const T& value, const TamzoVastAd&) {
     field(name, value);
   }
 
-  void property(std::string_view name, const Text& value, const TamzoVastAd& ad) {
-    const bool isOfTheResponse = name == "vastResponseStr" ||
-                                 (name == "vastTagURI" && isDocument(value, ad.vastResponseStr()));
-    field(name, isWhole_ || !isOfTheResponse ? value : Text());
+  void property(Literal name, const Text& value, const TamzoVastAd& ad) {
+    if (!isWhole_ && isOfTheResponse(name.view(), value, ad)) {
+      field(name, Text());
+    } else {
+      field(name, value);
+    }
+  }
+
+  static bool isOfTheResponse(std::string_view name, const Text& value, const TamzoVastAd& ad) {
+    return name == "vastResponseStr" ||
+           (name == "vastTagURI" && isDocument(value, ad.vastResponseStr()));
   }
 
   // A tag that is no URL is parsed as it stands, but is a document only if it looks like one or is
@@ -54,6 +62,7 @@ class RecordWriter {
   void write(const Text& text) { json_.value(text); }
   void write(bool flag) { json_.value(flag); }
   void write(std::int32_t number) { json_.value(number); }
+  void write(std::int64_t number) { json_.value(number); }
   void write(double number) { json_.value(number); }
   void write(float number) { json_.value(number); }
   void write(const MutableText& text) { json_.value(text.asText()); }
@@ -68,8 +77,8 @@ class RecordWriter {
   }
 
   template <typename T>
-  void field(std::string_view name, const T& value) {
-    json_.key(name);
+  void field(Literal name, const T& value) {
+    json_.key(name.view());
     write(value);
   }
 
@@ -95,8 +104,7 @@ class RecordWriter {
   void write(const TamzoAdDuration& duration) {
     json_.beginObject();
     field("text", duration.text());
-    json_.key("durationInSeconds");
-    json_.value(duration.durationInSeconds());
+    field("durationInSeconds", duration.durationInSeconds());
     json_.endObject();
   }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <utility>
 
@@ -157,11 +158,11 @@ constexpr auto kChildren = [] {
 
 // The place of each row's child among them. Rows of one child share the first place of its name.
 constexpr auto kPlaces = [] {
-  std::array<std::size_t, kSettings.size()> places{};
+  std::array<std::uint8_t, kSettings.size()> places{};
   std::transform(kSettings.begin(), kSettings.end(), places.begin(), [](const auto& setting) {
     const std::string_view name = XPath::firstStep(setting.element);
     const auto* at = std::lower_bound(kChildren.begin(), kChildren.end(), name);
-    return static_cast<std::size_t>(at - kChildren.begin());
+    return static_cast<std::uint8_t>(at - kChildren.begin());
   });
   return places;
 }();
