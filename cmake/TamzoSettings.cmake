@@ -43,6 +43,15 @@ check_linker_flag(CXX LINKER:--exclude-libs,libtamzovast.a TAMZO_LINKER_EXCLUDES
 # known before the first call, in memory that nobody writes to after that.
 check_linker_flag(CXX LINKER:-Bsymbolic-functions TAMZO_LINKER_BINDS_FUNCTIONS)
 check_linker_flag(CXX LINKER:-z,relro,-z,now TAMZO_LINKER_BINDS_AT_LOAD)
+# Addresses within the library take a bit each in its table instead of 24 bytes, where the loader of
+# the system knows of it: that of glibc 2.36.
+include(CheckCXXSourceCompiles)
+check_linker_flag(CXX LINKER:-z,pack-relative-relocs TAMZO_LINKER_PACKS_RELOCATIONS)
+check_cxx_source_compiles("#include <features.h>
+  #if !__GLIBC_PREREQ(2, 36)
+  #error
+  #endif
+  int main() {}" TAMZO_LOADER_KNOWS_PACKED_RELOCATIONS)
 
 # The shared library that an app carries. Objects in a static one must do for any linker.
 include(CheckIPOSupported)
@@ -68,6 +77,10 @@ function(tamzo_shared target)
   endif()
   if(TAMZO_LINKER_BINDS_AT_LOAD)
     target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now)
+  endif()
+  if(TAMZO_LINKER_PACKS_RELOCATIONS AND TAMZO_LOADER_KNOWS_PACKED_RELOCATIONS)
+    target_link_options(${target} PRIVATE
+      $<$<CONFIG:MinSizeRel>:LINKER:-z,pack-relative-relocs>)
   endif()
   # g++ sees more of what is alike in one piece than in several.
   target_link_options(${target} PRIVATE
