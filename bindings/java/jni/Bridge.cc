@@ -276,7 +276,7 @@ jint companionForSlot(JNIEnv* env, jclass, jlong ad, jint companions, jint width
 }
 
 // `list` as com.tamzo.vast.VastElement numbers them.
-const tamzo_vast_element* elementOf(const tamzo_vast_ad* ad, jint list, jint index) {
+const tamzo_vast_element* listedElement(const tamzo_vast_ad* ad, jint list, jint index) {
   switch (list) {
     case 0:
       return tamzo_vast_ad_extraActions(ad)->items[index]->icon;
@@ -287,10 +287,29 @@ const tamzo_vast_element* elementOf(const tamzo_vast_ad* ad, jint list, jint ind
   }
 }
 
-void imageAd(JNIEnv* env, jclass, jlong ad, jint list, jint index) {
+Owned<tamzo_vast_element> childAt(const tamzo_vast_element* element, jint index) {
+  auto child = given<tamzo_vast_element>(
+      [&](auto** first) { return tamzo_vast_element_first_child(element, first); });
+  for (; index > 0; --index) {
+    child = given<tamzo_vast_element>(
+        [&](auto** next) { return tamzo_vast_element_next_sibling(child.get(), next); });
+  }
+  return child;
+}
+
+// `path` leads from the list to the element.
+void imageAd(JNIEnv* env, jclass, jlong ad, jint list, jintArray path) {
   guarded(env, [&] {
+    std::vector<jint> indexes(static_cast<std::size_t>(env->GetArrayLength(path)));
+    env->GetIntArrayRegion(path, 0, static_cast<jsize>(indexes.size()), indexes.data());
     auto* changed = fromHandle<tamzo_vast_ad>(ad);
-    check(env, tamzo_vast_ad_get_image_ad(changed, elementOf(changed, list, index)));
+    const tamzo_vast_element* element = listedElement(changed, list, indexes.at(0));
+    Owned<tamzo_vast_element> below;
+    for (std::size_t at = 1; at < indexes.size(); ++at) {
+      below = childAt(element, indexes[at]);
+      element = below.get();
+    }
+    check(env, tamzo_vast_ad_get_image_ad(changed, element));
   });
 }
 
@@ -328,7 +347,7 @@ bool registerMethods(JNIEnv* env) {
       method("json", "(JZ)[B", json),
       method("page", "(JJLcom/tamzo/vast/Hooks;I)[B", page),
       method("companionForSlot", "(JIII)I", companionForSlot),
-      method("imageAd", "(JII)V", imageAd),
+      method("imageAd", "(JI[I)V", imageAd),
       method("releaseAd", "(J)V", releaseAd),
   };
   const jclass owner = env->FindClass("com/tamzo/vast/Native");

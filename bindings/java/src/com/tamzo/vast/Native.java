@@ -65,7 +65,7 @@ final class Native {
   /** Which companion; -1 where none fits. */
   static native int companionForSlot(long ad, int companionAd, int width, int height);
 
-  static native void imageAd(long ad, int list, int index);
+  static native void imageAd(long ad, int list, int[] path);
 
   static native void releaseAd(long ad);
 }

@@ -148,21 +148,23 @@ public final class OpenVastAd extends Handle {
   }
 
   /**
-   * Sets the record's iconMap to the click elements of an icon.
+   * Sets the record's iconMap to the click elements of the first icon below an element: of its
+   * Icons/Icon.
    *
-   * @param icon an element of this record's extraActions, cards or hotspotList
+   * @param node an element of this record's extraActions, cards or hotspotList, or one below these
    * @return the new iconMap: "iconClickThrough" and "iconClickTracking", as far as the icon has them
-   * @throws IllegalArgumentException where the element is another ad's, or stands in another one
+   * @throws IllegalArgumentException where the element is another ad's, or one of an iconMap
    * @throws IllegalStateException after {@link #close()}
    */
-  public @NotNull Map<String, VastElement> imageAd(@NotNull VastElement icon) {
-    if (icon.origin != origin || icon.list == VastElement.OTHER) {
+  public @NotNull Map<String, VastElement> imageAd(@NotNull VastElement node) {
+    if (node.origin != origin || node.list == VastElement.OTHER) {
       throw new IllegalArgumentException("no element that this ad lists");
     }
+    int[] path = node.path();
     return inTurn(
         ad -> {
           record = null;
-          Native.imageAd(ad, icon.list, icon.index);
+          Native.imageAd(ad, node.list, path);
           return RecordReader.orEmpty(recordOf(ad).iconMap);
         });
   }

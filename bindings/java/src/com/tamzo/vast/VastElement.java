@@ -44,12 +44,21 @@ public final class VastElement {
   public final @Nullable String xml;
 
   final Object origin;
-  final int list;
-  final int index;
 
-  /** The list is open until the elements below this one were read. */
-  VastElement(
-      RecordReader in, @Nullable String xml, List<VastElement> children, int list, int index) {
+  /** Which list of the record the outermost element stands in. */
+  final int list;
+
+  private final @Nullable VastElement parent;
+  private final int index;
+
+  /** The list of children is open until the elements below this one were read. */
+  private VastElement(
+      RecordReader in,
+      @Nullable String xml,
+      List<VastElement> children,
+      int list,
+      @Nullable VastElement parent,
+      int index) {
     name = in.textOrEmpty();
     attributes = RecordReader.orEmpty(in.list(Attribute::new));
     text = in.text();
@@ -57,24 +66,42 @@ public final class VastElement {
     this.xml = xml;
     origin = in.origin;
     this.list = list;
+    this.parent = parent;
     this.index = index;
+  }
+
+  /** Where it stands: in the list, in the element that is there, and so on. */
+  int[] path() {
+    int depth = 0;
+    for (VastElement each = this; each != null; each = each.parent) {
+      ++depth;
+    }
+    int[] path = new int[depth];
+    for (VastElement each = this; each != null; each = each.parent) {
+      path[--depth] = each.index;
+    }
+    return path;
   }
 
   /** Reads an element and all below it, which may be deep. */
   static VastElement read(RecordReader in, int list, int index) {
     List<List<VastElement>> open = new ArrayList<>();
     open.add(new ArrayList<>());
-    VastElement element = new VastElement(in, in.text(), open.get(0), list, index);
-    while (!open.isEmpty()) {
+    VastElement outermost = new VastElement(in, in.text(), open.get(0), list, null, index);
+    VastElement element = outermost;
+    while (element != null) {
+      List<VastElement> siblings = open.get(open.size() - 1);
       if (in.flag()) {
         List<VastElement> children = new ArrayList<>(0);
-        open.get(open.size() - 1).add(new VastElement(in, null, children, OTHER, 0));
+        element = new VastElement(in, null, children, list, element, siblings.size());
+        siblings.add(element);
         open.add(children);
       } else {
         open.remove(open.size() - 1);
+        element = element.parent;
       }
     }
-    return element;
+    return outermost;
   }
 
   /**
