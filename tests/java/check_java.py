@@ -131,7 +131,8 @@ def records(data, *java):
 
 
 def memory(*java):
-    print(run([java[0], "-Xmx24m", *java[1:], "com.tamzo.vast.ManyRecords"]).strip())
+    print(run([java[0], "-Xms24m", "-Xmx24m", "-XX:+AlwaysPreTouch", "-XX:+UseSerialGC",
+                "-XX:TieredStopAtLevel=1", *java[1:], "com.tamzo.vast.ManyRecords"]).strip())
 
 
 def heap(*java):

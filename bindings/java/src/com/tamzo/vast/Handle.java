@@ -1,10 +1,13 @@
 package com.tamzo.vast;
 
+import java.io.Closeable;
+
 /**
  * What the library holds for an object of Java. It is released when it is closed, and not before
  * every call that uses it is over; used after that it says so.
+ * Closeable rather than AutoCloseable, so that Kotlin's use() needs nothing else.
  */
-abstract class Handle implements AutoCloseable {
+abstract class Handle implements Closeable {
   private final long handle;
   private int users;
   private boolean isClosed;
