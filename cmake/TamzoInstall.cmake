@@ -9,6 +9,8 @@ endif()
 set(TAMZO_CONFIG_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/TamzoVast)
 
 install(TARGETS tamzo_vast EXPORT TamzoVastTargets FILE_SET HEADERS)
+# Swift and Objective-C import the interface for C by it.
+install(FILES bindings/swift/module.modulemap DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tamzo)
 install(EXPORT TamzoVastTargets NAMESPACE TamzoVast:: FILE TamzoVast-${TAMZO_KIND}.cmake
   DESTINATION ${TAMZO_CONFIG_FOLDER})
 configure_package_config_file(cmake/TamzoVastConfig.cmake.in

@@ -69,7 +69,8 @@ def faults_of(name, source, header):
 def check_sources():
     header = HEADER.read_text(encoding="utf-8")
     sources = {path.name: path.read_text(encoding="utf-8")
-               for path in sorted((SWIFT / "Sources/TamzoVast").glob("*.swift"))}
+               for folder in (SWIFT / "Sources/TamzoVast", SWIFT, ROOT / "examples/swift")
+               for path in sorted(folder.glob("*.swift"))}
     faults = [fault for name, source in sources.items() for fault in faults_of(name, source, header)]
     table = (ROOT / "vast/TamzoVastAdProperties.def").read_text(encoding="utf-8")
     properties = re.findall(r"^TAMZO_PROPERTY\(.+?, (\w+), set\w+,", table, re.MULTILINE)
