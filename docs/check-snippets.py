@@ -14,6 +14,10 @@ SUFFIXES = {"cpp": ".cc", "c": ".c", "sh": ".sh", "java": ".java", "kotlin": ".k
             "swift": ".swift"}
 
 
+# What needs a phone's own classes to compile.
+OF_A_PHONE = {("vpaid-page.md", "kotlin"), ("vpaid-page.md", "swift")}
+
+
 def main():
     root = pathlib.Path(__file__).resolve().parent.parent
     code = {language: [path.read_text(encoding="utf-8")
@@ -24,6 +28,8 @@ def main():
     for document in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
         text = document.read_text(encoding="utf-8") if document.exists() else ""
         for match in re.finditer(r"^```(cpp|c|sh|java|kotlin|swift)\n(.*?)^```$", text, re.MULTILINE | re.DOTALL):
+            if (document.name, match[1]) in OF_A_PHONE:
+                continue
             blocks += 1
             if not any(match[2] in file for file in code[match[1]]):
                 failed = True

@@ -18,14 +18,14 @@ func play(_ file: URL) throws {
   let ad = try VastAd.parse(
     "https://ads.example/vast", options: options(reading: file, cancellation))
   guard ad.error == .success else {
-    print("no ad: \(ad.error.cause ?? "")")
+    print("no ad:", ad.error.cause ?? "")
     return
   }
   for file in ad.mediaFiles ?? [] {
-    print("play: \(file.url ?? "")")
+    print("play:", file.url ?? "")
   }
   if let through = ad.clickThrough {
-    print("click: \(through)")
+    print("click:", through)
   }
 }
 
