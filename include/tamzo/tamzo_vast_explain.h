@@ -1,6 +1,6 @@
 /*
- * Why a response did or did not become an ad, for C. A library of its own, tamzo_explain, which an app
- * for viewers need not carry; it goes with the static library. What tamzo_vast.h says of texts,
+ * Why a response did or did not become an ad, for C. A library of its own, tamzo_explain, which an
+ * app for viewers need not carry; it goes with the static library. What tamzo_vast.h says of texts,
  * ownership, threads and failing holds here too.
  */
 #ifndef TAMZO_VAST_EXPLAIN_H
