@@ -43,6 +43,7 @@ class Arena {
   template <typename T>
   T* make(std::size_t count = 1) {
     static_assert(std::is_trivially_copyable_v<T> && alignof(T) <= alignof(std::max_align_t));
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): pointers are among them
     return static_cast<T*>(zeroed(sizeof(T) * (count == 0 ? 1 : count)));
   }
   /// Keeps the text that it views.
