@@ -3,7 +3,7 @@
 build_packages=(
   g++ cmake ninja-build pkg-config
   libxml2-dev libcurl4-openssl-dev rapidjson-dev libfast-float-dev libutfcpp-dev
-  libcli11-dev libfmt-dev libicu-dev
+  libcli11-dev libfmt-dev libicu-dev libtbb-dev
 )
 test_packages=(googletest nlohmann-json3-dev nodejs node-jsdom python3)
 check_packages=(

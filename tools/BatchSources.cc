@@ -68,7 +68,7 @@ struct Origin {
     return named(number, refuseLine(id, number, why));
   }
 
-  BatchAnswer answered(std::size_t number, const std::string& line) const {
+  BatchAnswer answered(std::size_t number, std::string_view line) const {
     try {
       return named(number, answerBatchLine(line, number, form));
     } catch (const std::bad_alloc&) {
@@ -110,23 +110,33 @@ class LineSource {
 
  private:
   std::optional<Work> nextLine() {
-    std::size_t bytes = 0;
-    while (std::optional<Line> line = lines_.next()) {
-      bytes += line->text.size() + 1;
-      if (++number_ == 1) {
-        line->text = withoutByteOrderMark(std::move(line->text));
-      }
-      if (!isBlank(line->text)) {
-        return workOf(*std::move(line), bytes);
-      }
+    if (!pending_ && !findLine()) {
+      isAtEnd_ = true;
+      return std::nullopt;
     }
-    isAtEnd_ = true;
-    return std::nullopt;
+    Work work = workOf(*pending_, pendingBytes_);
+    pending_.reset();
+    return work;
   }
 
-  Work workOf(Line line, std::size_t inputBytes) {
+  // The next line that is not blank, which is kept until there is memory for the work on it.
+  bool findLine() {
+    pendingBytes_ = 0;
+    while (std::optional<Line> line = lines_.next()) {
+      pendingBytes_ += line->text.size() + 1;
+      if (++number_ == 1) {
+        line->text.remove_prefix(byteOrderMarkOf(line->text));
+      }
+      if (!line->isWhole || !isBlank(line->text)) {
+        pending_ = std::move(line);
+        return true;
+      }
+    }
+    return false;
+  }
+
+  Work workOf(const Line& line, std::size_t inputBytes) {
     const bool isXml = isFirst_ && looksLikeXml(line.text);
-    isFirst_ = false;
     if (isXml) {
       isAtEnd_ = true;
       return refusal("is XML, not JSON: \"tamzo-vast parse " +
@@ -136,9 +146,10 @@ class LineSource {
     if (!line.isWhole) {
       return refusal("out of memory", searchId(line.text));
     }
+    isFirst_ = false;
     const std::size_t held = line.text.size();
-    return Work{[origin = origin_, text = std::move(line.text), number = number_, inputBytes] {
-                  BatchAnswer answer = origin->answered(number, text);
+    return Work{[origin = origin_, line, number = number_, inputBytes] {
+                  BatchAnswer answer = origin->answered(number, line.text);
                   answer.inputBytes = inputBytes;
                   return answer;
                 },
@@ -153,6 +164,8 @@ class LineSource {
   int descriptor_;
   std::shared_ptr<const Origin> origin_;
   LineReader lines_;
+  std::optional<Line> pending_;
+  std::size_t pendingBytes_ = 0;
   std::size_t number_ = 0;
   bool isFirst_ = true;
   bool isAtEnd_ = false;

@@ -2,14 +2,13 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <unistd.h>
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
 
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <fstream>
 #include <initializer_list>
 
 #include "tools/StandardError.h"
@@ -68,14 +67,15 @@ void handleSignals() {
   }
 }
 
-void keepMemory() noexcept {
-#ifdef __GLIBC__
-  constexpr int kKept = 32 << 20;
-  constexpr int kAtOnce = 1 << 20;
-  mallopt(M_MMAP_THRESHOLD, kKept);
-  mallopt(M_TRIM_THRESHOLD, kKept);
-  mallopt(M_TOP_PAD, kAtOnce);
-#endif
+std::optional<std::size_t> freeMemory() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) {
+    return std::nullopt;
+  }
+  std::size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  const std::size_t used = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  return limit.rlim_cur > used ? limit.rlim_cur - used : 0;
 }
 
 void endByBrokenPipe() {

@@ -313,7 +313,7 @@ TEST_F(BatchCommandTest, ASlowURLHoldsUpNoOtherResponse) {
     }
     exchange.respond(ad("slow"));
   });
-  RunningCommand batch({"batch", "--unordered", "-j", "2"}, {});
+  RunningCommand batch({"batch", "--unordered", "-j", "2", "--timeout", "900"}, {});
   batch.write(requestLine("slow", server.url("/slow")));
   for (int i = 0; i < 500; ++i) {
     batch.write(requestLine(i, ad("a")));
