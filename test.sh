@@ -11,3 +11,8 @@ scripts/install-packages.sh "${build_packages[@]}" "${test_packages[@]}"
 [ -f build/release/build.ninja ] || cmake --preset release
 cmake --build --preset release
 ctest --preset release -j "$(nproc)" "$@"
+
+for engine in chromium webkit; do
+  lacks=$(tests/page/run-engine.sh --missing "$engine" | tr '\n' ' ')
+  [ -z "$lacks" ] || echo "skipped: the VPAID page in $engine, for lack of $lacks(browser_packages)"
+done

@@ -7,7 +7,8 @@
 namespace tamzo {
 
 /// A class-level value that a host may set and any thread may read. A reader keeps what it got for
-/// as long as it uses it, even while another thread sets something new.
+/// as long as it uses it, even while another thread sets something new; the value of the beginning
+/// goes with the slot. Only `set` takes memory.
 template <typename T>
 class HookSlot {
  public:
@@ -17,14 +18,15 @@ class HookSlot {
     value_.swap(next);
   }
 
-  std::shared_ptr<const T> get() const {
+  std::shared_ptr<const T> get() const noexcept {
     const std::lock_guard lock(mutex_);
     return value_;
   }
 
  private:
   mutable std::mutex mutex_;
-  std::shared_ptr<const T> value_ = std::make_shared<const T>();
+  const T initial_{};
+  std::shared_ptr<const T> value_{std::shared_ptr<const T>(), &initial_};
 };
 
 }  // namespace tamzo

@@ -1,14 +1,14 @@
 #include "base/JsonText.h"
 
-#include <fmt/compile.h>
-
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
+#include "base/Numbers.h"
 #include "base/Utf8.h"
 
 namespace tamzo {
@@ -98,10 +98,44 @@ void appendInteger(std::string& out, Integer number) {
   out.append(text.data(), end);
 }
 
+// The digits with a point behind so many of them as the exponent says: no more than these, also
+// where a float stands for a whole number that has more.
+void appendFixed(std::string& out, std::string_view digits, int exponent) {
+  const int point = exponent + 1;
+  if (point <= 0) {
+    out.append("0.").append(static_cast<std::size_t>(-point), '0').append(digits);
+    return;
+  }
+  const auto whole = static_cast<std::size_t>(point);
+  if (digits.size() <= whole) {
+    out.append(digits).append(whole - digits.size(), '0');
+  } else {
+    out.append(digits, 0, whole).append(1, '.').append(digits, whole);
+  }
+}
+
+// The shortest digits that read as that number again.
 template <typename Float>
 void appendFinite(std::string& out, Float number) {
+  constexpr int kLeastFixed = -4;
+  constexpr int kMostFixed = 15;
+  if (number < 0) {
+    out += '-';
+  }
   std::array<char, kLongestNumber> text;
-  out.append(text.data(), fmt::format_to(text.data(), FMT_COMPILE("{}"), number));
+  const char* end = std::to_chars(text.data(), text.data() + text.size(), std::abs(number),
+                                  std::chars_format::scientific)
+                        .ptr;
+  const std::string_view written(text.data(), static_cast<std::size_t>(end - text.data()));
+  const std::size_t mark = written.find('e');
+  const int exponent = integerValue(written.substr(mark + 1));
+  if (exponent < kLeastFixed || exponent > kMostFixed) {
+    out += written;
+    return;
+  }
+  std::swap(text[0], text[1]);  // the point, where there is one, before the digits
+  appendFixed(out, written[0] == '.' ? written.substr(1, mark - 1) : written.substr(1, 1),
+              exponent);
 }
 
 template <typename Float>

@@ -1,7 +1,5 @@
 #include "tamzo/base/JsonValue.h"
 
-#include <fast_float/fast_float.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -14,6 +12,8 @@
 
 #include "base/JsonReader.h"
 #include "base/JsonWriter.h"
+#include "base/NeverDestroyed.h"
+#include "base/Numbers.h"
 
 namespace tamzo {
 namespace {
@@ -86,8 +86,7 @@ class Builder : public JsonHandler {
     if (const auto integer = integerOf<std::int64_t>(written)) {
       return document_.Int64(*integer);
     }
-    double value = 0;
-    fast_float::from_chars(written.data(), written.data() + written.size(), value);
+    const double value = doubleValue(written);
     return !std::isinf(value) && document_.Double(value);
   }
 
@@ -196,8 +195,8 @@ void write(const Node& node, CompactJsonWriter& json) {
 }
 
 const Node& nodeOf(const std::shared_ptr<const void>& node) noexcept {
-  static const Node none;
-  return node == nullptr ? none : *static_cast<const Node*>(node.get());
+  static NeverDestroyed<Node> none;
+  return node == nullptr ? *none : *static_cast<const Node*>(node.get());
 }
 
 }  // namespace

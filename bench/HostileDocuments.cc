@@ -88,6 +88,15 @@ string nested(string_view open, string_view inner, string_view close, size_t dep
 
 string comment(size_t bytes) { return "<!--" + string(bytes, 'c') + "-->"; }
 
+// A run of 24 spaces and tabs, another for each number.
+string blanksOf(size_t number) {
+  string text;
+  for (unsigned bit = 0; bit < 24; ++bit) {
+    text += ((number >> bit) & 1U) == 0 ? ' ' : '\t';
+  }
+  return text;
+}
+
 // ---- Attributes and namespaces --------------------------------------------------------------
 
 string attributes(size_t first, size_t count) {
@@ -292,6 +301,9 @@ string elementsInText(size_t bytes) {
   return inLineWith("<Impression>" + repeat("u<b/>", bytes) + "</Impression>");
 }
 string blanks(size_t bytes) { return inLineWith("\n<a/>" + string(bytes, '\n')); }
+string blanksThatDiffer(size_t bytes) {
+  return inLineWith(series(bytes, [](size_t i) { return "<e/>" + blanksOf(i); }));
+}
 string longText(size_t bytes) {
   return inLineWith("<Impression>" + string(bytes, 'u') + "</Impression>");
 }
@@ -447,6 +459,79 @@ string longSystemId(size_t bytes) {
   return concat({"<!DOCTYPE VAST SYSTEM \"", string(bytes, 's'), "\">", inLineWith("")});
 }
 
+// ---- What stands in an entity, which libxml2 reads with a parser of its own ------------------
+
+string inEntity(string_view content) {
+  return withDoctype(concat({"<!ENTITY e \"", content, "\">"}), "&e;");
+}
+string inEntityOfEntity(string_view content) {
+  return withDoctype(
+      concat({"<!ENTITY e \"", content, "\"><!ENTITY f \"<x>&e;</x>\"><!ENTITY g \"&f;&f;\">"}),
+      "&g;");
+}
+string entityOfOpenedComments(size_t bytes) { return inEntity(repeat("<!--", bytes)); }
+string entityOfHyphens(size_t bytes) { return inEntity("<!--" + repeat("-- ", bytes) + "-->"); }
+string entityOfHyphensInEntity(size_t bytes) {
+  return inEntityOfEntity("<!--" + repeat("-- ", bytes) + "-->");
+}
+string entityOfNames(size_t bytes) {
+  return inEntity(series(bytes, [](size_t i) { return "<e" + to_string(i) + "/>"; }));
+}
+string entityOfNamesInEntity(size_t bytes) {
+  return inEntityOfEntity(series(bytes, [](size_t i) { return "<e" + to_string(i) + "/>"; }));
+}
+string entityOfNamespaces(size_t bytes) {
+  string open;
+  string close;
+  for (size_t i = 0; i < 60; ++i) {
+    open += "<x";
+    for (size_t j = 0; j < 60; ++j) {
+      open += " xmlns:n" + to_string(60 * i + j) + "='u'";
+    }
+    open += ">";
+    close += "</x>";
+  }
+  return inEntity(open + repeat("<n0:e q:a=''/>", bytes) + close);
+}
+string entityOfAttributes(size_t bytes) {
+  return inEntity("<x" + series(bytes, [](size_t i) { return " a" + to_string(i) + "=''"; }) +
+                  "/>");
+}
+string entityOfDepth(size_t bytes) { return inEntity(nested("<e>", "", "</e>", bytes / 7)); }
+string entityOfInstructions(size_t bytes) { return inEntity(repeat("u<?p?>", bytes)); }
+string entityOfOpenedInstructions(size_t bytes) { return inEntity(repeat("<?p ", bytes)); }
+string entityOfEndTags(size_t bytes) { return inEntity(repeat("</x>", bytes)); }
+string entityOfLessThan(size_t bytes) { return inEntity(repeat("< ", bytes)); }
+string entityOfAmpersands(size_t bytes) { return inEntity(repeat("&#38;", bytes) + ";"); }
+string entityOfAmpersandsInAttribute(size_t bytes) {
+  return concat({"<!DOCTYPE VAST [<!ENTITY e \"", repeat("&#38;", bytes), ";\">]>",
+                 inLineWith("<x a=\"&e;\"/>")});
+}
+string entityOfUndeclaredPrefixes(size_t bytes) { return inEntity(repeat("<p:a p:b=''/>", bytes)); }
+string entityOfBlanks(size_t bytes) {
+  return inEntity(series(bytes, [](size_t i) { return "<e/>" + blanksOf(i); }));
+}
+
+// ---- Tags behind a document type that hides them ----------------------------------------------
+
+string attributesBehind(string_view subset, size_t bytes) {
+  return concat({"<!DOCTYPE VAST [", subset, "]>", attributesOfOneElement(bytes)});
+}
+string attributesBehindComment(size_t bytes) { return attributesBehind("<!-- ' -->", bytes); }
+string attributesBehindCommentWithEnd(size_t bytes) {
+  return attributesBehind("<!-- ]> -->", bytes);
+}
+string attributesBehindInstruction(size_t bytes) { return attributesBehind("<?p \" ?>", bytes); }
+string attributesBehindInstructionWithEnd(size_t bytes) {
+  return attributesBehind("<?p > ?><?p ' ?>", bytes);
+}
+string attributesBehindEntity(size_t bytes) {
+  return attributesBehind("<!-- ' --><!ENTITY e '\"<!--'>", bytes);
+}
+string namespacesBehindComment(size_t bytes) {
+  return "<!DOCTYPE VAST [<!-- \" -->]>" + namespacesOfOneElement(bytes);
+}
+
 // ---- Wrong XML ------------------------------------------------------------------------------
 
 string wrongEarly(size_t bytes) {
@@ -476,6 +561,18 @@ string distinctAttributeNames(size_t bytes) {
   return inLineWith(series(bytes, [](size_t i) { return "<e" + attributes(i * 8, 8) + "/>"; }));
 }
 string longName(size_t bytes) { return inLineWith("<" + string(bytes, 'n') + "/>"); }
+string prefixesOfLongName(size_t bytes) {
+  string element = "<" + string(40'000, 'n');
+  for (size_t i = 0; i < 790; ++i) {
+    element += " p:a" + to_string(i) + "=\"\"";
+  }
+  return inLineWith(repeat(element + "/>", bytes));
+}
+string typesOfLongName(size_t bytes) {
+  const string element = "<" + string(40'000, 'n') + attributes(0, 790) + "/>";
+  return concat({"<!DOCTYPE VAST [<!ATTLIST x a NMTOKENS #IMPLIED b ID #IMPLIED>]>",
+                 inLineWith(repeat(element, bytes))});
+}
 // VAST, Ad and InLine, a chain down, and many elements at the depth given.
 string depthOf(size_t depth, size_t bytes) {
   return inLineWith(nested("<e>", repeat("<e/>", bytes), "</e>", depth - 4));
@@ -558,6 +655,12 @@ constexpr std::array kShapes{
     SHAPE("attributes: 700 with a prefix an element", attributesWithPrefixes, 0),
     SHAPE("attributes: one long", longAttribute, 0),
     SHAPE("attributes: one of references", attributeOfReferences, 0),
+    SHAPE("attributes: behind a comment", attributesBehindComment, 101),
+    SHAPE("attributes: behind a comment with ]>", attributesBehindCommentWithEnd, 101),
+    SHAPE("attributes: behind an instruction", attributesBehindInstruction, 101),
+    SHAPE("attributes: behind an instruction with >", attributesBehindInstructionWithEnd, 101),
+    SHAPE("attributes: behind an entity", attributesBehindEntity, 101),
+    SHAPE("namespaces: behind a comment", namespacesBehindComment, 101),
     SHAPE("namespaces: all on one element", namespacesOfOneElement, 101),
     SHAPE("namespaces: 250 in scope", namespacesInScope, 0),
     SHAPE("namespaces: 240 on every element", namespacesOnEveryElement, 0),
@@ -602,6 +705,7 @@ constexpr std::array kShapes{
     SHAPE("text: predefined entities", predefinedEntities, 0),
     SHAPE("text: elements", elementsInText, 0),
     SHAPE("text: blanks", blanks, 0),
+    SHAPE("text: blanks that differ", blanksThatDiffer, 0),
     SHAPE("text: one long", longText, 0),
     SHAPE("text: line ends", carriageReturns, 0),
     SHAPE("xmlns=: without white space", declarationsWithoutSpace, 0),
@@ -615,6 +719,22 @@ constexpr std::array kShapes{
     SHAPE("entity: small, referred to", smallEntityReferred, 0),
     SHAPE("entity: empty, referred to", emptyEntityReferred, 0),
     SHAPE("entity: of elements", entityOfElements, 101),
+    SHAPE("entity: of opened comments", entityOfOpenedComments, 101),
+    SHAPE("entity: of hyphens", entityOfHyphens, 101),
+    SHAPE("entity: of hyphens, in an entity", entityOfHyphensInEntity, 101),
+    SHAPE("entity: of names", entityOfNames, 101),
+    SHAPE("entity: of names, in an entity", entityOfNamesInEntity, 101),
+    SHAPE("entity: of namespaces", entityOfNamespaces, 101),
+    SHAPE("entity: of attributes", entityOfAttributes, 101),
+    SHAPE("entity: of depth", entityOfDepth, 101),
+    SHAPE("entity: of instructions", entityOfInstructions, 0),
+    SHAPE("entity: of opened instructions", entityOfOpenedInstructions, 101),
+    SHAPE("entity: of end tags", entityOfEndTags, 101),
+    SHAPE("entity: of <", entityOfLessThan, 101),
+    SHAPE("entity: of ampersands", entityOfAmpersands, 101),
+    SHAPE("entity: of ampersands, in an attribute", entityOfAmpersandsInAttribute, 101),
+    SHAPE("entity: of undeclared prefixes", entityOfUndeclaredPrefixes, 0),
+    SHAPE("entity: of blanks that differ", entityOfBlanks, 0),
     SHAPE("entity: nested", nestedEntities, 101),
     SHAPE("entity: nested, in an attribute", nestedEntitiesInAttribute, 101),
     SHAPE("entity: recursive", recursiveEntity, 101),
@@ -661,6 +781,8 @@ constexpr std::array kShapes{
     SHAPE("names: distinct elements", distinctElementNames, 101),
     SHAPE("names: distinct attributes", distinctAttributeNames, 101),
     SHAPE("names: one long", longName, 101),
+    SHAPE("names: long, with undeclared prefixes", prefixesOfLongName, 101),
+    SHAPE("names: long, with types of attributes", typesOfLongName, 101),
     SHAPE("depth: 256", depth256, 0),
     SHAPE("depth: 257", depth257, 0),
     SHAPE("depth: 258", depth258, 101),

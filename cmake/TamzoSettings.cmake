@@ -12,6 +12,10 @@ if(TAMZO_SANITIZE)
   target_compile_options(tamzo_settings INTERFACE
     -fsanitize=${TAMZO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
   target_link_options(tamzo_settings INTERFACE -fsanitize=${TAMZO_SANITIZE})
+  # The address of a Thumb function is odd, which g++ takes for misaligned.
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^armv7")
+    target_compile_options(tamzo_settings INTERFACE -marm)
+  endif()
 endif()
 if(TAMZO_COVERAGE)
   # Tests run threads, whose counts must not overtake each other.
@@ -28,3 +32,41 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 if(PROJECT_IS_TOP_LEVEL)
   set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 endif()
+
+# Linkers of ELF name what a library exports, and leave out code that nothing reaches.
+include(CheckLinkerFlag)
+check_linker_flag(CXX LINKER:--gc-sections TAMZO_LINKER_COLLECTS_SECTIONS)
+check_linker_flag(CXX LINKER:--version-script=${CMAKE_CURRENT_LIST_DIR}/exports.map
+  TAMZO_LINKER_TAKES_VERSION_SCRIPTS)
+check_linker_flag(CXX LINKER:--exclude-libs,libtamzovast.a TAMZO_LINKER_EXCLUDES_LIBRARIES)
+
+# The shared library that an app carries. Objects in a static one must do for any linker.
+include(CheckIPOSupported)
+check_ipo_supported(RESULT TAMZO_OPTIMISES_AT_LINK_TIME OUTPUT ignored LANGUAGES CXX)
+
+# Exports the public classes. Templates of the standard library that the library's code is made of
+# are visible wherever they are compiled; the version script keeps them inside.
+function(tamzo_shared target)
+  target_compile_definitions(${target} PUBLIC TAMZO_SHARED)
+  set_property(TARGET ${target} PROPERTY
+    INTERPROCEDURAL_OPTIMIZATION_MINSIZEREL ${TAMZO_OPTIMISES_AT_LINK_TIME})
+  if(TAMZO_LINKER_TAKES_VERSION_SCRIPTS)
+    set(script ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+    target_link_options(${target} PRIVATE LINKER:--version-script=${script})
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
+  endif()
+  if(TAMZO_LINKER_COLLECTS_SECTIONS)
+    target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections)
+    target_link_options(${target} PRIVATE LINKER:--gc-sections)
+  endif()
+endfunction()
+
+# Exports nothing from the host's own shared library either, those templates included.
+function(tamzo_static target)
+  if(TAMZO_LINKER_EXCLUDES_LIBRARIES)
+    target_link_options(${target} INTERFACE LINKER:--exclude-libs,libtamzovast.a)
+  endif()
+  if(TAMZO_LINKER_COLLECTS_SECTIONS)
+    target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections)
+  endif()
+endfunction()

@@ -1,6 +1,8 @@
-"""Checks that the C++ in the documents is code that is compiled and run.
+"""Checks that the code in the documents is code that is compiled and run.
 
-Every ```cpp block of README.md and docs/*.md must stand, as it is, in a file under examples/.
+Every ```cpp block of README.md and docs/*.md must stand, as it is, in a .cc file under examples/,
+every ```c block in a .c file and every ```sh block in a .sh file. A block of what cannot be run
+here is no such block.
 """
 
 import pathlib
@@ -8,19 +10,24 @@ import re
 import sys
 
 
+SUFFIXES = {"cpp": ".cc", "c": ".c", "sh": ".sh"}
+
+
 def main():
     root = pathlib.Path(__file__).resolve().parent.parent
-    code = [path.read_text(encoding="utf-8") for path in sorted((root / "examples").glob("*.cc"))]
+    code = {language: [path.read_text(encoding="utf-8")
+                       for path in sorted((root / "examples").rglob("*" + suffix))]
+            for language, suffix in SUFFIXES.items()}
     blocks = 0
     failed = False
     for document in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
         text = document.read_text(encoding="utf-8") if document.exists() else ""
-        for match in re.finditer(r"^```cpp\n(.*?)^```$", text, re.MULTILINE | re.DOTALL):
+        for match in re.finditer(r"^```(cpp|c|sh)\n(.*?)^```$", text, re.MULTILINE | re.DOTALL):
             blocks += 1
-            if not any(match[1] in file for file in code):
+            if not any(match[2] in file for file in code[match[1]]):
                 failed = True
                 line = text.count("\n", 0, match.start()) + 2
-                print(f"{document.relative_to(root)}:{line}: not in any file of examples/:\n{match[1]}")
+                print(f"{document.relative_to(root)}:{line}: not in any file of examples/:\n{match[2]}")
     print(f"{blocks} blocks compared")
     return int(failed or blocks == 0)
 

@@ -3,14 +3,18 @@
 
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <thread>
 #include <variant>
 #include <vector>
 
 #include "expect.h"
+#include "tamzo/sdk/TamzoHost.h"
+#include "tamzo/sdk/TamzoVpaidXML.h"
 #include "tamzo/vast/RecordJson.h"
 #include "tamzo/vast/TamzoVastAd.h"
+#include "tamzo/xml/DDXMLDocument.h"
 
 namespace {
 
@@ -79,6 +83,17 @@ std::vector<std::string> extraActions(const tamzo::TamzoVastAd& ad) {
   return names;
 }
 
+// What the VPAID page is to be given of the Wrappers when its tag is a URL: "" when there are none,
+// or when they stand in the page's own document already.
+std::string wrappersForPage(const tamzo::TamzoVastAd& ad) {
+  if (ad.vpaidXml() == nullptr || !ad.vastTagURI().view().starts_with("http")) {
+    return "";
+  }
+  const auto empty = tamzo::DDXMLDocument::initWithXMLString(
+      "<InLine><Creatives><Creative><Linear/></Creative></Creatives></InLine>", 0);
+  return std::string(ad.vpaidXml()->createInlineVast(empty->nodesForXPath("/InLine"), {}).view());
+}
+
 // Only the icon leaves this function. It keeps its document alive, the record need not be.
 tamzo::DDXMLElement firstIcon(const std::string& response) {
   const auto ad = tamzo::TamzoVastAd::initWithVast(response);
@@ -110,13 +125,32 @@ std::vector<std::string> parseOnThreads(const std::string& response, std::size_t
   return records;
 }
 
+// A video with a VPAID unit beside it, behind a Wrapper.
+std::string wrappersOfVideoWithUnit() {
+  tamzo::TamzoHost host;
+  host.readUrl = [](const tamzo::Text&) -> std::optional<std::string> {
+    return R"(<VAST version="4.0"><Ad><InLine><Creatives><Creative><Linear><MediaFiles>
+      <MediaFile type="video/mp4">https://cdn.example/a.mp4</MediaFile>
+      <InteractiveCreativeFile type="application/javascript" apiFramework="VPAID"
+        >https://cdn.example/unit.js</InteractiveCreativeFile>
+      </MediaFiles></Linear></Creative></Creatives></InLine></Ad></VAST>)";
+  };
+  const auto ad = tamzo::TamzoVastAd::initWithVast(
+      R"(<VAST version="4.0"><Ad><Wrapper><VASTAdTagURI>https://ads.example/</VASTAdTagURI>
+        <Error>https://track.example/error</Error><Creatives><Creative><Linear><TrackingEvents>
+        <Tracking event="start">https://track.example/start</Tracking></TrackingEvents></Linear>
+        </Creative></Creatives></Wrapper></Ad></VAST>)",
+      host);
+  return ad->jsVPaidPresent() ? wrappersForPage(*ad) : "no unit";
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   std::ifstream file(argc > 1 ? argv[1] : "response.xml");
   const std::string response(std::istreambuf_iterator<char>(file), {});
   const auto ad = tamzo::TamzoVastAd::initWithVast(response);
-  expect(ad->errorCode() == tamzo::kNoError, "the ad can be played");
+  expect(ad->errorCode() == tamzo::kNoError, "nothing failed");
 
   expect(analyticsState(*ad) == "empty", "the vendor block names Analytics and leaves it empty");
   expect(analyticsState(*tamzo::TamzoVastAd::initWithVast("<VAST/>")) == "never set",
@@ -141,6 +175,11 @@ int main(int argc, char** argv) {
 
   const auto icon = firstIcon(response);
   expect(icon.attributeValue("width").view() == "20", "an element outlives its record");
+
+  const std::string wrappers = wrappersOfVideoWithUnit();
+  expect(wrappers.find("https://track.example/error") != std::string::npos, "errors are handed on");
+  expect(wrappers.find("event=\"start\"") != std::string::npos, "and so are trackers");
+  expect(wrappersForPage(*ad).empty(), "an ad without Wrappers");
 
   const auto records = parseOnThreads(response, 4);
   for (const auto& record : records) {

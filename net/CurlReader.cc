@@ -1,118 +1,192 @@
 #include "net/CurlReader.h"
 
-#include <curl/curl.h>
-
 #include <algorithm>
-#include <cmath>
-#include <limits>
-#include <memory>
-#include <new>
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "base/AsciiCase.h"
+#include "net/CurlSession.h"
+#include "net/CurlTransfer.h"
+#include "net/CurlUrl.h"
+#include "net/FetchAnswer.h"
 
 namespace tamzo {
 namespace {
 
-constexpr long kMaxRedirects = 10;
-// Headers and trailers count apart from the body; no server needs more.
-constexpr std::size_t kMaxHeaderBytes = std::size_t{256} << 10U;
+constexpr std::size_t kMostRedirects = 10;
 
-struct FreeHandle {
-  void operator()(CURL* handle) const noexcept { curl_easy_cleanup(handle); }
-};
-
-struct Download {
-  std::string body;
-  std::size_t headerBytes = 0;
-  std::size_t maxBodyBytes = 0;
-  bool ranOutOfMemory = false;
-};
-
-// A callback that takes less than it was given makes libcurl give the read up.
-constexpr std::size_t kGiveUp = 0;
-
-std::size_t onBody(const char* bytes, std::size_t size, std::size_t count,
-                   void* userData) noexcept {
-  auto& download = *static_cast<Download*>(userData);
-  const std::size_t length = size * count;
-  if (length > download.maxBodyBytes - download.body.size()) {
-    return kGiveUp;
-  }
-  try {
-    download.body.append(bytes, length);
-  } catch (const std::bad_alloc&) {
-    download.ranOutOfMemory = true;
-    return kGiveUp;
-  }
-  return length;
-}
-
-std::size_t onHeader(const char*, std::size_t size, std::size_t count, void* userData) noexcept {
-  auto& download = *static_cast<Download*>(userData);
-  download.headerBytes += size * count;
-  return download.headerBytes > kMaxHeaderBytes ? kGiveUp : size * count;
-}
-
-long milliseconds(double seconds) noexcept {
-  // libcurl takes 0 for no limit at all.
-  constexpr double kMost = std::numeric_limits<int>::max();
-  return std::lround(std::clamp(std::ceil(seconds * 1000.0), 1.0, kMost));
-}
-
-bool initLibraryOnce() {
-  static const bool ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-  return ready;
-}
-
+// libcurl would guess a scheme where there is none.
 bool hasHttpScheme(std::string_view url) noexcept {
-  constexpr std::string_view kLetters = "http";
-  for (std::size_t i = 0; i < kLetters.size(); ++i) {
-    if (i >= url.size() || (url[i] | 0x20) != kLetters[i]) {
-      return false;
+  const std::string_view scheme = url.substr(0, std::min(url.find("://"), url.size()));
+  return scheme.size() < url.size() &&
+         (equalsInAnyCase(scheme, "http") || equalsInAnyCase(scheme, "https"));
+}
+
+// What tells a host who asks, and goes to nobody else by a redirect.
+bool isSecret(const FetchHeader& header) noexcept {
+  return equalsInAnyCase(header.name, "Authorization") || equalsInAnyCase(header.name, "Cookie");
+}
+
+bool isMeantFor(const FetchHeader& header, const std::string& host) {
+  return header.hosts.empty() ||
+         std::any_of(header.hosts.begin(), header.hosts.end(), [&host](const std::string& each) {
+           return equalsInAnyCase(asciiHost(each), host);
+         });
+}
+
+// One fetch, from redirect to redirect.
+class Fetch {
+ public:
+  Fetch(const FetchRequest& request, const CurlUrl& url)
+      : request_(request),
+        first_(url),
+        deadline_(Deadline::in(request.limits.totalSeconds).orSooner(request.deadline)),
+        wake_(request.cancellation, [multi = session_->multi()] { curl_multi_wakeup(multi); }) {
+    result_.finalUrl = request.url.view();
+  }
+
+  FetchResult run() {
+    startCookies();
+    result_.failure = follow();
+    takeCookies();
+    result_.milliseconds.total = passed();
+    result_.reusedConnection = result_.status != 0 && !hasConnected_;
+    return std::move(result_);
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  FetchFailure follow();
+  FetchFailure redirect(const CurlUrl& from, const std::optional<CurlUrl>& to);
+  FetchFailure ask(const CurlUrl& url);
+  void addHeaders(CurlTransfer& transfer, const CurlUrl& url) const;
+  void logIn(CurlTransfer& transfer, const CurlUrl& url) const;
+  void startCookies();
+  void takeCookies();
+
+  bool keepsCookies() const noexcept {
+    return request_.options.cookies && request_.cookies != nullptr;
+  }
+  double passed() const {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start_).count();
+  }
+
+  Clock::time_point start_ = Clock::now();
+  LeasedCurlSession session_;
+  const FetchRequest& request_;
+  const CurlUrl& first_;
+  Deadline deadline_;
+  Cancellation::OnCancel wake_;
+  FetchSpending spent_;
+  std::string location_;  // where the last answer redirects to; "": nowhere
+  bool hasConnected_ = false;
+  FetchResult result_;
+};
+
+FetchFailure Fetch::follow() {
+  FetchFailure failure = ask(first_);
+  std::optional<CurlUrl> next;
+  while (failure == FetchFailure::none && !location_.empty()) {
+    const CurlUrl& from = next ? *next : first_;
+    auto to = from.resolve(location_);
+    failure = redirect(from, to);
+    if (failure == FetchFailure::none) {
+      next = std::move(to);
+      failure = ask(*next);
     }
   }
-  url.remove_prefix(kLetters.size());
-  return url.starts_with("://") ||
-         (!url.empty() && (url[0] | 0x20) == 's' && url.substr(1).starts_with("://"));
+  return failure;
+}
+
+// Where it leads, none for a redirect that may be followed.
+FetchFailure Fetch::redirect(const CurlUrl& from, const std::optional<CurlUrl>& to) {
+  if (result_.redirects.size() == kMostRedirects) {
+    return FetchFailure::redirects;
+  }
+  if (!to || (request_.options.httpsStaysHttps && from.isHttps() && !to->isHttps())) {
+    return FetchFailure::protocol;
+  }
+  result_.redirects.push_back(to->text());
+  result_.redirectStatuses.push_back(result_.status);
+  result_.finalUrl = result_.redirects.back();
+  return FetchFailure::none;
+}
+
+FetchFailure Fetch::ask(const CurlUrl& url) {
+  session_->reset();
+  const double before = passed();
+  CurlTransfer transfer(*session_, request_, url, deadline_, spent_);
+  addHeaders(transfer, url);
+  logIn(transfer, url);
+  const FetchFailure failure = transfer.perform();
+  transfer.addTimes(result_.milliseconds, before);
+  hasConnected_ |= transfer.hasConnected();
+  result_.status = transfer.status();
+  result_.contentType = transfer.contentType();
+  location_ = transfer.answer().location();
+  std::string& body = transfer.answer().body();
+  result_.bytes = body.size();
+  if (failure != FetchFailure::none || !location_.empty()) {
+    return failure;
+  }
+  result_.body = std::move(body);
+  return result_.body->empty() ? FetchFailure::empty : FetchFailure::none;
+}
+
+void Fetch::addHeaders(CurlTransfer& transfer, const CurlUrl& url) const {
+  const std::string host = url.host();
+  const bool isElsewhere = !url.hasOriginOf(first_);
+  for (const FetchHeader& header : request_.options.headers) {
+    if (isMeantFor(header, host) && !(isElsewhere && isSecret(header))) {
+      transfer.addHeader(header);
+    }
+  }
+}
+
+// A name and password in the URL are for its host, wherever on it a redirect leads.
+void Fetch::logIn(CurlTransfer& transfer, const CurlUrl& url) const {
+  if (first_.hasUser() && !url.hasUser() && url.hasOriginOf(first_)) {
+    transfer.logIn(first_.user(), first_.password());
+  }
+}
+
+void Fetch::startCookies() {
+  if (keepsCookies()) {
+    session_->startCookies(request_.cookies->lines);
+  }
+}
+
+void Fetch::takeCookies() {
+  if (keepsCookies()) {
+    request_.cookies->lines = session_->takeCookies();
+  }
+}
+
+FetchResult failedBefore(const FetchRequest& request, FetchFailure failure) {
+  FetchResult result;
+  result.finalUrl = request.url.view();
+  result.failure = failure;
+  return result;
 }
 
 }  // namespace
 
-std::optional<std::string> readWithCurl(const Text& url, const TamzoUrlReader::Limits& limits) {
-  // libcurl would guess a scheme where there is none.
-  if (!hasHttpScheme(url) || !initLibraryOnce()) {
-    return std::nullopt;
+FetchResult fetchWithCurl(const FetchRequest& request) {
+  const std::string text(request.url.view());
+  if (!hasHttpScheme(text)) {
+    return failedBefore(request, FetchFailure::protocol);
   }
-  const std::unique_ptr<CURL, FreeHandle> handle(curl_easy_init());
-  if (handle == nullptr) {
-    throw std::bad_alloc();
+  if (!whyRefused(request.options).empty() || !initCurlOnce()) {
+    return failedBefore(request, FetchFailure::other);
   }
-  Download download;
-  download.maxBodyBytes = limits.maxBodyBytes;
-  const std::string address(url.view());
-
-  CURL* curl = handle.get();
-  curl_easy_setopt(curl, CURLOPT_URL, address.c_str());
-  curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
-  curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
-  curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
-  curl_easy_setopt(curl, CURLOPT_MAXREDIRS, kMaxRedirects);
-  curl_easy_setopt(curl, CURLOPT_FAILONERROR, 1L);
-  curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "");
-  curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-  curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT_MS, milliseconds(limits.connectSeconds));
-  curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, milliseconds(limits.totalSeconds));
-  curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, onBody);
-  curl_easy_setopt(curl, CURLOPT_WRITEDATA, &download);
-  curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, onHeader);
-  curl_easy_setopt(curl, CURLOPT_HEADERDATA, &download);
-
-  const CURLcode code = curl_easy_perform(curl);
-  if (download.ranOutOfMemory || code == CURLE_OUT_OF_MEMORY) {
-    throw std::bad_alloc();
-  }
-  if (code != CURLE_OK) {
-    return std::nullopt;
-  }
-  return std::move(download.body);
+  const auto url = CurlUrl::parse(text);
+  return url ? Fetch(request, *url).run() : failedBefore(request, FetchFailure::protocol);
 }
+
+void closeIdleCurlConnections() noexcept { CurlSessionPool::ofProcess().clear(); }
 
 }  // namespace tamzo

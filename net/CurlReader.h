@@ -1,13 +1,13 @@
 #pragma once
 
-#include <optional>
-#include <string>
-
-#include "tamzo/net/TamzoUrlReader.h"
+#include "tamzo/net/Fetch.h"
 
 namespace tamzo {
 
-/// The default reader. Compiled without libcurl it reads nothing.
-std::optional<std::string> readWithCurl(const Text& url, const TamzoUrlReader::Limits& limits);
+/// The default reader. Compiled without libcurl every fetch fails as `other`.
+FetchResult fetchWithCurl(const FetchRequest& request);
+
+/// Closes the connections that no fetch is using.
+void closeIdleCurlConnections() noexcept;
 
 }  // namespace tamzo

@@ -68,9 +68,26 @@ class UrlBytes {
 
 }  // namespace
 
-std::optional<std::string> TamzoUrlReader::read(const Text& url, const Limits& limits) {
-  return readWithCurl(url, limits);
+FetchResult TamzoUrlReader::fetch(const FetchRequest& request) {
+  // So written that what is no number is no time either.
+  const bool hasTime = request.limits.connectSeconds > 0.0 && request.limits.totalSeconds > 0.0;
+  if (!hasTime) {
+    FetchResult result;
+    result.finalUrl = request.url.view();
+    result.failure = FetchFailure::timeout;
+    return result;
+  }
+  return fetchWithCurl(request);
 }
+
+std::optional<std::string> TamzoUrlReader::read(const Text& url, const Limits& limits) {
+  FetchRequest request;
+  request.url = url;
+  request.limits = limits;
+  return fetch(request).body;
+}
+
+void TamzoUrlReader::closeIdleConnections() noexcept { closeIdleCurlConnections(); }
 
 Text TamzoUrlReader::urlFromText(std::string_view text) {
   if (text.empty() || text.size() > kMaxUrlBytes) {

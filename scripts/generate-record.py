@@ -1,12 +1,14 @@
 """Writes what comes out of the property table, vast/TamzoVastAdProperties.def:
 
-- include/tamzo/vast/TamzoVastAdProperties.h, the accessors as hosts and editors see them, and
+- include/tamzo/vast/TamzoVastAdProperties.h, the accessors as hosts and editors see them,
+- the getters in include/tamzo/tamzo_vast.h, for C,
+- the symbols of that in capi/symbols.txt, and
 - the tables of the record in docs/embedding.md.
 
-    generate-record.py           writes both
+    generate-record.py           writes them
     generate-record.py --check   says what is not as the table has it, and fails then
 
-Both are committed, so that a build needs no generator. A test runs the check.
+All are committed, so that a build needs no generator. A test runs the check.
 """
 
 import pathlib
@@ -18,9 +20,34 @@ from dataclasses import dataclass
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TABLE = ROOT / "vast/TamzoVastAdProperties.def"
 HEADER = ROOT / "include/tamzo/vast/TamzoVastAdProperties.h"
+C_HEADER = ROOT / "include/tamzo/tamzo_vast.h"
+C_SYMBOLS = ROOT / "capi/symbols.txt"
 DOCUMENT = ROOT / "docs/embedding.md"
 BEGIN = "<!-- The tables below are written by scripts/generate-record.py. -->\n"
 END = "<!-- The tables above are written by scripts/generate-record.py. -->\n"
+C_BEGIN = "/* The functions below are written by scripts/generate-record.py. */\n"
+C_END = "/* The functions above are written by scripts/generate-record.py. */\n"
+
+# What C gets for each type. capi/Values.h says the same to the compiler.
+C_TYPES = {
+    "Text": "tamzo_vast_text",
+    "MutableText": "tamzo_vast_text",
+    "bool": "bool",
+    "std::int32_t": "int32_t",
+    "double": "double",
+    "float": "float",
+    "List<Text>": "const tamzo_vast_texts*",
+    "TamzoExtraActions": "const tamzo_vast_extra_actions*",
+    "std::shared_ptr<TamzoAdDuration>": "const tamzo_vast_duration*",
+    "std::shared_ptr<TrackerMap>": "const tamzo_vast_trackers*",
+    "std::shared_ptr<IconMap>": "const tamzo_vast_named_elements*",
+    "std::shared_ptr<TamzoVpaidXML>": "const tamzo_vast_vpaid_xml*",
+    "List<std::shared_ptr<TamzoCompanionAd>>": "const tamzo_vast_companion_ads*",
+    "List<std::shared_ptr<TamzoMediaFile>>": "const tamzo_vast_media_files*",
+    "List<std::shared_ptr<TamzoCard>>": "const tamzo_vast_elements*",
+    "List<std::shared_ptr<TamzoHotspot360Info>>": "const tamzo_vast_elements*",
+    "List<std::shared_ptr<TamzoMeasurementProviderModel>>": "const tamzo_vast_verifications*",
+}
 
 # In the order of the header and the document. A note stands under the heading in both.
 TOPICS = {
@@ -199,10 +226,38 @@ def document(rows):
     return old[:begin] + "\n" + tables(rows) + old[old.index(END):]
 
 
+def c_header(rows):
+    old = C_HEADER.read_text(encoding="utf-8")
+    lines = []
+    for row in rows:
+        text = re.sub(r"(\w+)\(\)", r"\1", row.text.replace("*/", "* /"))
+        comment = textwrap.wrap(text, 93)
+        lines += ["", *(f"{' *  ' if at else '/** '}{line}" for at, line in enumerate(comment))]
+        lines[-1] += " */"
+        head = f"TAMZO_VAST_API {C_TYPES[row.type]} tamzo_vast_ad_{row.name}("
+        rest = "const tamzo_vast_ad* ad);"
+        lines += [head + rest] if len(head + rest) <= 100 else [head, f"    {rest}"]
+    begin = old.index(C_BEGIN) + len(C_BEGIN)
+    return old[:begin] + "\n".join(lines).lstrip("\n") + "\n\n" + old[old.index(C_END):]
+
+
+def c_symbols(header_text):
+    names = set(re.findall(r"TAMZO_VAST_API [\w ]+?\*?\s(tamzo_vast_\w+)\(",
+                           header_text.replace("\n", " ")))
+    kept = C_SYMBOLS.read_text(encoding="utf-8").split() if C_SYMBOLS.exists() else []
+    if gone := sorted(set(kept) - names):
+        sys.exit(f"not in {C_HEADER.name} any more, which programs in the field call: "
+                 f"{', '.join(gone)}. Raise TAMZO_VAST_ABI and the version of the symbols, and take "
+                 f"them off {C_SYMBOLS.name} by hand")
+    return "".join(f"{name}\n" for name in sorted(names))
+
+
 def main(arguments):
     rows = read_table()
     failed = False
-    for path, text in ((HEADER, header(rows)), (DOCUMENT, document(rows))):
+    in_c = c_header(rows)
+    for path, text in ((HEADER, header(rows)), (C_HEADER, in_c), (C_SYMBOLS, c_symbols(in_c)),
+                       (DOCUMENT, document(rows))):
         if arguments != ["--check"]:
             path.write_text(text, encoding="utf-8")
         elif not path.exists() or path.read_text(encoding="utf-8") != text:

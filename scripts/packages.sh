@@ -3,10 +3,20 @@
 build_packages=(
   g++ cmake ninja-build pkg-config
   libxml2-dev libcurl4-openssl-dev rapidjson-dev libfast-float-dev libutfcpp-dev
-  libcli11-dev libfmt-dev libicu-dev libtbb-dev
+  libcli11-dev libfmt-dev libicu-dev libtbb-dev ca-certificates
 )
-test_packages=(googletest nlohmann-json3-dev nodejs node-jsdom python3)
+test_packages=(
+  googletest nlohmann-json3-dev libssl-dev nodejs node-jsdom
+  python3 python3-distributed parallel
+)
 check_packages=(
   clang clang-tidy clang-format libc++-dev libc++abi-dev libclang-rt-14-dev
-  libbenchmark-dev valgrind gcovr
+  libbenchmark-dev valgrind gcovr eslint node-typescript
 )
+# Where they are missing, the tests that play the VPAID page in them are skipped.
+browser_packages=(
+  chromium chromium-driver xvfb openssl
+  python3-gi python3-gi-cairo gir1.2-gtk-3.0 gir1.2-webkit2-4.1 gstreamer1.0-plugins-good
+)
+# For the builds for phones, with what scripts/sysroot.sh fetches.
+cross_packages=(crossbuild-essential-arm64 crossbuild-essential-armhf qemu-user-static googletest)

@@ -3,6 +3,8 @@
 #include <mutex>
 #include <utility>
 
+#include "base/NeverDestroyed.h"
+
 namespace tamzo {
 
 struct TamzoExtraActions::Content {
@@ -52,15 +54,15 @@ const TamzoExtraActions::Content* TamzoExtraActions::decoded() const {
 bool TamzoExtraActions::isNil() const { return list() == nullptr && value().isNil(); }
 
 const List<TamzoExtraActions::Entry>& TamzoExtraActions::list() const {
-  static const List<Entry> none;
+  static NeverDestroyed<List<Entry>> none;
   const Content* content = decoded();
-  return content == nullptr ? none : content->list;
+  return content == nullptr ? *none : content->list;
 }
 
 const JsonValue& TamzoExtraActions::value() const {
-  static const JsonValue none;
+  static NeverDestroyed<JsonValue> none;
   const Content* content = decoded();
-  return content == nullptr ? none : content->value;
+  return content == nullptr ? *none : content->value;
 }
 
 }  // namespace tamzo

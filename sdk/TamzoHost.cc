@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/HookSlot.h"
+#include "base/NeverDestroyed.h"
 #include "sdk/HostInUse.h"
 
 namespace tamzo {
@@ -10,17 +11,16 @@ namespace {
 
 thread_local const TamzoHost* innermost = nullptr;
 
-// Never destroyed: a thread may still parse while the process ends.
-HookSlot<TamzoHost>& hostOfProcess() {
-  static auto& slot = *new HookSlot<TamzoHost>();
-  return slot;
+HookSlot<TamzoHost>& hostOfProcess() noexcept {
+  static NeverDestroyed<HookSlot<TamzoHost>> slot;
+  return *slot;
 }
 
 }  // namespace
 
 void TamzoHost::set(TamzoHost host) { hostOfProcess().set(std::move(host)); }
 
-std::shared_ptr<const TamzoHost> TamzoHost::get() { return hostOfProcess().get(); }
+std::shared_ptr<const TamzoHost> TamzoHost::get() noexcept { return hostOfProcess().get(); }
 
 HostScope::HostScope(const TamzoHost& host) noexcept : outer_(innermost) { innermost = &host; }
 HostScope::~HostScope() { innermost = outer_; }

@@ -6,9 +6,8 @@
 #include <memory>
 #include <utility>
 
-#if __has_include(<execinfo.h>)
+#ifdef TAMZO_HAS_BACKTRACE
 #include <execinfo.h>
-#define TAMZO_HAS_BACKTRACE 1
 #endif
 
 #include "sdk/HostInUse.h"

@@ -1,9 +1,8 @@
 #include "tamzo/sdk/TamzoMacroReplacementUtil.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <ctime>
 #include <optional>
 #include <random>
@@ -79,7 +78,9 @@ std::string timestamp(const HostInUse& host) {
   gmtime_r(&seconds, &utc);
   std::array<char, 64> text{};
   std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &utc);
-  return encodeUriComponent(fmt::format("{}.{:03}+00:00", text.data(), millis));
+  std::array<char, 16> fraction{};
+  std::snprintf(fraction.data(), fraction.size(), ".%03d+00:00", millis);
+  return encodeUriComponent(std::string(text.data()) + fraction.data());
 }
 
 // Eight digits.

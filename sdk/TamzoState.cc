@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/HookSlot.h"
+#include "base/NeverDestroyed.h"
 #include "sdk/HostInUse.h"
 
 namespace tamzo {
@@ -10,10 +11,9 @@ namespace {
 
 using SharedSettings = std::shared_ptr<const TamzoWebSettings>;
 
-// Never destroyed: a thread may still parse while the process ends.
-HookSlot<SharedSettings>& publishedSettings() {
-  static auto& slot = *new HookSlot<SharedSettings>();
-  return slot;
+HookSlot<SharedSettings>& publishedSettings() noexcept {
+  static NeverDestroyed<HookSlot<SharedSettings>> slot;
+  return *slot;
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ std::shared_ptr<TamzoTrackerEvent> makeTracker(Text url, Text offset) {
 
 void appendTracker(const TrackerList& events, const DDXMLElement& element, Text offset) {
   Text url = element.stringValue();
-  if (url.hasCharacters()) {
+  if (url.hasCharacters() && events != nullptr) {
     events->push_back(makeTracker(std::move(url), std::move(offset)));
   }
 }

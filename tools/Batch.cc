@@ -8,8 +8,10 @@
 #include <optional>
 #include <utility>
 
+#include "explain/Rules.h"
 #include "tamzo/vast/ErrorCodes.h"
 #include "tools/AnswerQueue.h"
+#include "tools/BatchIndex.h"
 #include "tools/BatchSources.h"
 #include "tools/CommandError.h"
 #include "tools/Output.h"
@@ -33,6 +35,24 @@ std::string tableOf(const std::map<int, std::size_t>& counts, std::size_t unread
   return table;
 }
 
+// How many responses each finding was made in, and how often.
+struct FindingCount {
+  std::size_t responses = 0;
+  std::size_t findings = 0;
+};
+using FindingCounts = std::map<std::string_view, FindingCount>;
+
+std::string tableOf(const FindingCounts& counts) {
+  std::string table = fmt::format("\n{:>9}  {:>8}  {}\n", "responses", "findings", "finding");
+  for (const explain::Rule& rule : explain::rules()) {
+    if (const auto count = counts.find(rule.id); count != counts.end()) {
+      table += fmt::format("{:>9}  {:>8}  {} ({})\n", count->second.responses,
+                           count->second.findings, rule.id, nameOf(rule.severity));
+    }
+  }
+  return counts.empty() ? "" : table;
+}
+
 // A bar would run over what a person types.
 bool isBarWanted(const BatchRequest& request) {
   const auto& paths = request.paths;
@@ -47,12 +67,23 @@ class BatchReport {
   BatchReport(const BatchRequest& request, const BatchSource& source)
       : request_(request),
         output_(request.outputPath),
-        progress_(isBarWanted(request), [&source] { return source.size(); }) {}
+        progress_(isBarWanted(request), [&source] { return source.size(); }) {
+    if (!request.reportFolder.empty()) {
+      index_.emplace(request.reportFolder);
+    }
+  }
 
   void add(BatchAnswer answer) {
-    if (!request_.isSummary) {
+    if (!request_.isSummary && !answer.isLeftOut) {
       answer.line += '\n';
       output_.writeJson(answer.line);
+    }
+    if (index_) {
+      index_->add(answer);
+    }
+    for (const auto& [id, count] : answer.findings) {
+      ++findings_[id].responses;
+      findings_[id].findings += count;
     }
     if (answer.problem.empty()) {
       ++counts_[answer.errorCode];
@@ -65,11 +96,14 @@ class BatchReport {
 
   void finish() {
     progress_.finish();
-    const std::string table = tableOf(counts_, unreadable_);
+    const std::string table = tableOf(counts_, unreadable_) + tableOf(findings_);
     if (request_.isSummary) {
       output_.write(table);
     }
     output_.finish();
+    if (index_) {
+      index_->finish();
+    }
     if (!request_.isSummary && !request_.isQuiet) {
       writeToStandardError(table);
     }
@@ -78,6 +112,13 @@ class BatchReport {
   int status() const {
     if (unreadable_ > 0) {
       return kWrongUsage;
+    }
+    const auto& failOn = request_.failOn;
+    const bool hasFailed = std::any_of(failOn.begin(), failOn.end(), [this](const std::string& id) {
+      return findings_.contains(id);
+    });
+    if (hasFailed) {
+      return kSomeFailed;
     }
     const bool allGood = counts_.empty() || (counts_.size() == 1 && counts_.contains(kNoError));
     return allGood ? kAllPlayable : kSomeFailed;
@@ -96,6 +137,8 @@ class BatchReport {
   Output output_;
   Progress progress_;
   std::map<int, std::size_t> counts_;
+  FindingCounts findings_;
+  std::optional<BatchIndex> index_;
   std::size_t unreadable_ = 0;
 };
 
@@ -119,6 +162,9 @@ AnswerPlan planFor(const BatchRequest& request) {
 int runBatch(const BatchRequest& request) {
   AnswerForm form = request.form;
   form.hasRecord = !request.isSummary;
+  form.countsFindings = form.hasExplanation || !form.only.empty() || !request.failOn.empty() ||
+                        !request.reportFolder.empty();
+  form.hasReport = !request.reportFolder.empty();
   const auto source = sourceOf(request.paths, request.isRecursive, form);
   BatchReport report(request, *source);
   answerAll(*source, planFor(request),

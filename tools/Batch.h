@@ -16,7 +16,10 @@ struct BatchRequest {
   bool isSummary = false;  ///< the table on the output, and no records
   bool isQuiet = false;    ///< neither table nor bar on standard error
   AnswerForm form;
-  std::string outputPath;  ///< "" for standard output
+  /// One of these findings makes the run fail.
+  std::vector<std::string> failOn;
+  std::string reportFolder;  ///< "": no HTML
+  std::string outputPath;    ///< "" for standard output
 };
 
 /// Parses what the request names and writes one line of JSON for each response. On standard error

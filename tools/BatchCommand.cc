@@ -2,14 +2,18 @@
 
 #include <algorithm>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <thread>
+#include <vector>
 
+#include "explain/Rules.h"
 #include "tools/Arguments.h"
 #include "tools/Batch.h"
 #include "tools/CommonOptions.h"
 #include "tools/Help.h"
 #include "tools/Input.h"
+#include "tools/Suggestion.h"
 
 namespace tamzo::command {
 namespace {
@@ -27,6 +31,42 @@ struct BatchOptions {
     request.threads = std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads);
   }
 };
+
+std::vector<std::string> splitAtCommas(const std::string& list) {
+  std::vector<std::string> parts;
+  std::istringstream stream(list + ",");
+  for (std::string part; std::getline(stream, part, ',');) {
+    parts.push_back(part);
+  }
+  return parts;
+}
+
+CLI::Validator findingIds() {
+  return CLI::Validator(
+      [](const std::string& list) {
+        for (const std::string& id : splitAtCommas(list)) {
+          if (explain::findRule(id) == nullptr) {
+            std::vector<std::string> names;
+            for (const explain::Rule& rule : explain::rules()) {
+              names.emplace_back(rule.id);
+            }
+            return "there is no finding \"" + id + "\"" + didYouMean(id, names);
+          }
+        }
+        return std::string();
+      },
+      "");
+}
+
+CLI::Option* addFindings(CLI::App& command, const std::string& name, std::vector<std::string>& ids,
+                         const std::string& description) {
+  return command
+      .add_option_function<std::string>(
+          name, [&ids](const std::string& list) { ids = splitAtCommas(list); }, description)
+      ->type_name("ID,...")
+      ->check(findingIds())
+      ->group(kGroup);
+}
 
 int run(const BatchOptions& options) {
   options.common.apply();
@@ -72,6 +112,20 @@ void addAnswers(CLI::App& command, BatchOptions& options) {
       .add_flag("--without-response", options.isWithoutResponse,
                 "Leave the response's own text out of the records")
       ->group(kGroup);
+  command
+      .add_flag("--explain", options.request.form.hasExplanation,
+                "Say in each answer why it is as it is, and count findings in the table")
+      ->group(kGroup);
+  command
+      .add_option("--report", options.request.reportFolder,
+                  "Write HTML there: an index, and a report for each response that failed")
+      ->type_name("DIR")
+      ->check(notEmpty("takes the name of a folder"))
+      ->group(kGroup);
+  addFindings(command, "--only", options.request.form.only,
+              "Give only the answers with one of these findings");
+  addFindings(command, "--fail-on", options.request.failOn,
+              "End with status 1 when one of these findings was made");
   command.add_flag("-q,--quiet", options.request.isQuiet, "No progress bar and no table")
       ->group(kGroup);
 }

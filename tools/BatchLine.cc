@@ -10,7 +10,12 @@
 #include "base/JsonReader.h"
 #include "base/JsonText.h"
 #include "base/Utf8.h"
+#include "explain/Explainer.h"
+#include "explain/ExplanationJson.h"
+#include "explain/Words.h"
+#include "tamzo/base/JsonValue.h"
 #include "tamzo/vast/TamzoVastAd.h"
+#include "tools/HtmlReport.h"
 #include "tools/IdSearch.h"
 #include "tools/Input.h"
 
@@ -144,21 +149,83 @@ BatchAnswer refuseLine(const std::string& id, std::size_t number, const std::str
                  why);
 }
 
+namespace {
+
+// Every finding counts, those beyond the first twenty too.
+std::size_t countOf(const explain::Finding& finding) {
+  std::size_t count = 1;
+  for (const explain::Detail& detail : finding.details) {
+    count += detail.key == "more" ? std::stoul(detail.json) : 0;
+  }
+  return count;
+}
+
+bool hasAnyOf(const BatchAnswer& answer, const std::vector<std::string>& ids) {
+  return std::any_of(ids.begin(), ids.end(),
+                     [&](const std::string& id) { return answer.findings.contains(id); });
+}
+
+std::string lineOf(const std::string& id, const TamzoVastAd& ad,
+                   const std::optional<explain::Explanation>& explanation, const AnswerForm& form) {
+  const std::string record = recordAsJson(ad, JsonLayout::compact, form.content);
+  const std::string reasons =
+      explanation && form.hasExplanation ? explain::explanationAsJson(*explanation) : "";
+  constexpr std::string_view kBegin = R"({"id": )";
+  constexpr std::string_view kMiddle = R"(, "record": )";
+  constexpr std::string_view kReasons = R"(, "explanation": )";
+  std::string line;
+  line.reserve(kBegin.size() + id.size() + kMiddle.size() + record.size() + kReasons.size() +
+               reasons.size() + 2);
+  line.append(kBegin).append(id).append(kMiddle).append(record);
+  if (!reasons.empty()) {
+    line.append(kReasons).append(reasons);
+  }
+  return line.append("}");
+}
+
+void addReport(BatchAnswer& answer, const std::string& id, const TamzoVastAd& ad,
+               const explain::Explanation& explanation) {
+  const Text text = JsonValue::parse(Text(id)).asText();
+  answer.id = text.isNil() ? id : std::string(text.view());
+  answer.sentence = explanation.sentence;
+  const explain::Finding* error = errorOf(explanation);
+  const std::size_t hop =
+      error != nullptr && error->hop ? static_cast<std::size_t>(*error->hop) : 1;
+  const explain::HopReport& report = explanation.hops[hop - 1];
+  const std::string_view host = explain::hostOf(report.url);
+  answer.host = host.empty() ? explain::nameOf(report.source) : host;
+  if (error != nullptr) {
+    answer.mainFinding = error->id;
+    answer.report = htmlReport(ad, explanation, {});
+  }
+}
+
+}  // namespace
+
 BatchAnswer answerResponse(const std::string& id, const Text& vast, const AnswerForm& form) {
-  const auto ad = TamzoVastAd::initWithVast(vast);
+  explain::Explainer explainer;
+  ParseOptions options;
+  options.observer = form.countsFindings ? &explainer : nullptr;
+  const auto ad = TamzoVastAd::initWithVast(vast, options);
   if (ad == nullptr) {
     throw std::bad_alloc();
   }
-  if (!form.hasRecord) {
-    return {"", "", ad->errorCode()};
-  }
-  const std::string record = recordAsJson(*ad, JsonLayout::compact, form.content);
-  constexpr std::string_view kBegin = R"({"id": )";
-  constexpr std::string_view kMiddle = R"(, "record": )";
   BatchAnswer answer;
   answer.errorCode = ad->errorCode();
-  answer.line.reserve(kBegin.size() + id.size() + kMiddle.size() + record.size() + 2);
-  answer.line.append(kBegin).append(id).append(kMiddle).append(record).append("}");
+  std::optional<explain::Explanation> explanation;
+  if (form.countsFindings) {
+    explanation = explainer.explain(*ad);
+    for (const explain::Finding& finding : explanation->findings) {
+      answer.findings[finding.id] += countOf(finding);
+    }
+    if (form.hasReport) {
+      addReport(answer, id, *ad, *explanation);
+    }
+    answer.isLeftOut = !form.only.empty() && !hasAnyOf(answer, form.only);
+  }
+  if (form.hasRecord && !answer.isLeftOut) {
+    answer.line = lineOf(id, *ad, explanation, form);
+  }
   return answer;
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tamzo/base/Text.h"
 #include "tamzo/vast/RecordJson.h"
@@ -15,12 +17,25 @@ struct BatchAnswer {
   std::string problem;         ///< why the input could not be read; empty when it could
   int errorCode = 0;           ///< the record's, where there is one
   std::size_t inputBytes = 0;  ///< how much of the input it answers
+  /// How often each finding was made, where they were asked for.
+  std::map<std::string_view, std::size_t> findings{};
+  bool isLeftOut = false;  ///< it has none of the findings that are asked for
+  // For an index, where one was asked for.
+  std::string id{};           ///< as text
+  std::string mainFinding{};  ///< why there is no ad; "" where there is one
+  std::string host{};         ///< of the hop concerned, or where it came from
+  std::string sentence{};     ///< what happened
+  std::string report{};       ///< an HTML page, of a response that failed
 };
 
 /// What answers are made of.
 struct AnswerForm {
   bool hasRecord = true;  ///< false: an answer with a record is nothing but its error code
   RecordContent content = RecordContent::whole;
+  bool hasExplanation = false;    ///< in the answer
+  bool countsFindings = false;    ///< whether or not the answer has them
+  bool hasReport = false;         ///< what an index needs, and a page for what failed
+  std::vector<std::string> only;  ///< leave out what has none of these findings; empty: nothing
 };
 
 /// Answers one line of a stream: {"id": anything, "vast": "the response"}. The answer has the id

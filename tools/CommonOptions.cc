@@ -1,11 +1,16 @@
 #include "tools/CommonOptions.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <limits>
+#include <memory>
 
 #include "base/Numbers.h"
 #include "tamzo/sdk/TamzoHost.h"
 #include "tamzo/sdk/TamzoLogger.h"
 #include "tools/Arguments.h"
+#include "tools/CommandError.h"
 #include "tools/StandardError.h"
 
 namespace tamzo::command {
@@ -21,12 +26,31 @@ ColourChoice colourChoice(const std::string& name) {
                            : ColourChoice::automatic;
 }
 
+FetchHeader headerOf(const std::string& text) {
+  const std::size_t colon = text.find(':');
+  if (colon == std::string::npos) {
+    throw CommandError("--header takes \"Name: value\", not \"" + text + "\"");
+  }
+  const std::size_t value = text.find_first_not_of(' ', colon + 1);
+  return {text.substr(0, colon), value == std::string::npos ? "" : text.substr(value), {}};
+}
+
+void checkReadable(const std::string& path) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                             &std::fclose);
+  // A folder can be opened, and not read.
+  if (file == nullptr || (std::fgetc(file.get()) == EOF && std::ferror(file.get()) != 0)) {
+    throw CommandError(path + ": " + std::strerror(errno));
+  }
+}
+
 }  // namespace
 
 void CommonOptions::addTo(CLI::App& command) {
   addOutput(command);
   addAppState(command);
   addFetching(command);
+  addRequests(command);
 }
 
 void CommonOptions::addOutput(CLI::App& command) {
@@ -39,7 +63,7 @@ void CommonOptions::addOutput(CLI::App& command) {
           "--color", [this](const std::string& name) { colours_ = colourChoice(name); },
           "When to use colours; auto (default): on a terminal, unless NO_COLOR is set or TERM is "
           "dumb, and always where CLICOLOR_FORCE is set")
-      ->type_name("WHEN")
+      ->type_name("auto|always|never")
       ->check(oneOf({"auto", "always", "never"}))
       ->group(kOutput);
   command.add_flag("--debug", debug_, "Write the parser's log lines to standard error")
@@ -69,6 +93,14 @@ void CommonOptions::addFetching(CLI::App& command) {
       ->check(seconds())
       ->group(kFetching);
   command
+      .add_option(
+          "--total-timeout", totalTimeout_,
+          "Longest time that all fetches of a chain may take together, in seconds (default: "
+          "none)")
+      ->type_name("SECONDS")
+      ->check(seconds())
+      ->group(kFetching);
+  command
       .add_option("--max-body", maxBody_,
                   "Largest body that one fetch may bring, in bytes (default 16777216)")
       ->type_name("BYTES")
@@ -77,14 +109,69 @@ void CommonOptions::addFetching(CLI::App& command) {
       ->group(kFetching);
 }
 
-void CommonOptions::apply() const {
-  TamzoHost host = *TamzoHost::get();
+void CommonOptions::addRequests(CLI::App& command) {
+  command.add_option("--user-agent", userAgent_, "Sent with each request (default: none)")
+      ->type_name("TEXT")
+      ->group(kFetching);
+  command
+      .add_option("--header", headers_,
+                  "Sent with each request, as \"Name: value\"; may be given several times")
+      ->type_name("HEADER")
+      ->allow_extra_args(false)
+      ->group(kFetching);
+  command
+      .add_option("--proxy", proxy_,
+                  "URL of the proxy, or none (default: what the environment says)")
+      ->type_name("URL")
+      ->check(notEmpty("takes the URL of a proxy, or none"))
+      ->group(kFetching);
+  command.add_option("--ca", caFile_, "Certificates to trust in place of the system's, in PEM")
+      ->type_name("FILE")
+      ->check(notEmpty("takes the name of a file"))
+      ->group(kFetching);
+  command
+      .add_flag("--public-only", publicOnly_,
+                "Fetch from public addresses only, whatever name or redirect leads elsewhere")
+      ->group(kFetching);
+}
+
+FetchLimits CommonOptions::fetchLimits(FetchLimits limits) const {
   if (timeout_) {
-    host.fetchLimits.totalSeconds = doubleValue(*timeout_);
-    host.fetchLimits.connectSeconds = host.fetchLimits.totalSeconds;
+    limits.totalSeconds = doubleValue(*timeout_);
+    limits.connectSeconds = limits.totalSeconds;
+  }
+  if (totalTimeout_) {
+    limits.chainSeconds = doubleValue(*totalTimeout_);
   }
   if (maxBody_) {
-    host.fetchLimits.maxBodyBytes = *maxBody_;
+    limits.maxBodyBytes = *maxBody_;
+  }
+  return limits;
+}
+
+FetchOptions CommonOptions::fetchOptions() const {
+  FetchOptions options;
+  options.userAgent = userAgent_;
+  for (const std::string& header : headers_) {
+    options.headers.push_back(headerOf(header));
+  }
+  if (proxy_) {
+    options.proxy = *proxy_ == "none" ? "" : *proxy_;
+  }
+  options.caFile = caFile_;
+  options.publicAddressesOnly = publicOnly_;
+  if (const std::string why = whyRefused(options); !why.empty()) {
+    throw CommandError(why);
+  }
+  return options;
+}
+
+void CommonOptions::apply() const {
+  TamzoHost host = *TamzoHost::get();
+  host.fetchLimits = fetchLimits(host.fetchLimits);
+  host.fetchOptions = fetchOptions();
+  if (!caFile_.empty()) {
+    checkReadable(caFile_);
   }
   if (blockedCategories_) {
     host.blockedAdCategories = [text = Text(*blockedCategories_)] { return text; };

@@ -3,7 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "tamzo/net/Fetch.h"
 #include "tools/Terminal.h"
 
 namespace tamzo::command {
@@ -13,7 +15,8 @@ class CommonOptions {
  public:
   void addTo(CLI::App& command);
 
-  /// Sets the SDK's state, log and fetch limits from them.
+  /// Sets the SDK's state, log, fetch limits and requests from them. Throws CommandError for what
+  /// cannot be sent or read.
   void apply() const;
 
   /// "" for standard output.
@@ -24,6 +27,9 @@ class CommonOptions {
   void addOutput(CLI::App& command);
   void addAppState(CLI::App& command);
   void addFetching(CLI::App& command);
+  void addRequests(CLI::App& command);
+  FetchLimits fetchLimits(FetchLimits limits) const;
+  FetchOptions fetchOptions() const;
 
   std::string outputPath_;
   ColourChoice colours_ = ColourChoice::automatic;
@@ -33,7 +39,13 @@ class CommonOptions {
   std::optional<std::string> sessionId_;
 
   std::optional<std::string> timeout_;
+  std::optional<std::string> totalTimeout_;
   std::optional<std::size_t> maxBody_;
+  std::string userAgent_;
+  std::vector<std::string> headers_;
+  std::optional<std::string> proxy_;
+  std::string caFile_;
+  bool publicOnly_ = false;
 };
 
 }  // namespace tamzo::command

@@ -4,12 +4,20 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "explain/Explainer.h"
+#include "explain/ExplanationJson.h"
+#include "tamzo/sdk/TamzoHost.h"
+#include "tamzo/sdk/TamzoLogger.h"
 #include "tamzo/vast/RecordJson.h"
 #include "tools/Arguments.h"
+#include "tools/ChainFiles.h"
 #include "tools/CommonOptions.h"
 #include "tools/Help.h"
+#include "tools/HtmlReport.h"
 #include "tools/Output.h"
 #include "tools/Response.h"
 #include "tools/Terminal.h"
@@ -20,10 +28,12 @@ namespace {
 
 constexpr int kNoDescriptor = -1;
 
-struct ParseOptions {
+struct Request {
   CommonOptions common;
+  ChainFiles files;
   std::vector<std::string> inputs;
   std::string format = "text";
+  bool isExplained = false;
 };
 
 // Where the report goes decides how it looks.
@@ -36,14 +46,43 @@ ReportStyle styleFor(const Output& output, ColourChoice colours) {
   return style;
 }
 
-int run(const ParseOptions& options) {
+// The lines of the log, as far as a page has room for them; they go where they went before too.
+void keepLog(const std::shared_ptr<std::vector<std::string>>& lines) {
+  constexpr std::size_t kMostLines = 2000;
+  TamzoHost host = *TamzoHost::get();
+  host.writeLog = [lines, before = host.writeLog,
+                   isShown = isTamzoDebugEnabled.load()](std::string_view line) {
+    if (lines->size() < kMostLines) {
+      lines->emplace_back(line.substr(0, kMostLines));
+    }
+    if (isShown) {
+      before(line);
+    }
+  };
+  isTamzoDebugEnabled = true;
+  TamzoHost::set(std::move(host));
+}
+
+int run(const Request& options) {
   options.common.apply();
-  const auto ad = parseResponse(options.inputs, "parse");
+  const auto log = std::make_shared<std::vector<std::string>>();
+  if (options.format == "html") {
+    keepLog(log);
+  }
+  const bool isJson = options.format == "json";
+  explain::Explainer explainer;
+  const bool isExplained = options.isExplained || !isJson;
+  const auto ad =
+      parseResponse(options.inputs, "parse", options.files, isExplained ? &explainer : nullptr);
   Output output(options.common.outputPath());
-  if (options.format == "json") {
+  if (!isExplained) {
     output.writeJson(recordAsJson(*ad, JsonLayout::indented) + "\n");
+  } else if (const auto why = explainer.explain(*ad); isJson) {
+    output.writeJson(explain::recordWithExplanation(*ad, why, JsonLayout::indented) + "\n");
+  } else if (options.format == "html") {
+    output.write(htmlReport(*ad, why, *log));
   } else {
-    output.write(textReport(*ad, styleFor(output, options.common.colours())));
+    output.write(textReport(*ad, why, styleFor(output, options.common.colours())));
   }
   output.finish();
   return statusOf(*ad);
@@ -52,7 +91,7 @@ int run(const ParseOptions& options) {
 }  // namespace
 
 void addParseCommand(CLI::App& app, int& status) {
-  auto options = std::make_shared<ParseOptions>();
+  auto options = std::make_shared<Request>();
   CLI::App& command = *app.add_subcommand("parse", "Parse one response and show its record");
   command.footer(
       helpFooter("On a terminal, what is longer than a line is cut in the middle; -o FILE, a pipe\n"
@@ -64,11 +103,18 @@ void addParseCommand(CLI::App& app, int& status) {
                  "  curl -s https://ads.example/vast | tamzo-vast parse --format json\n"
                  "  tamzo-vast parse --blocked-categories IAB25,IAB26 response.xml\n"));
   addInput(command, options->inputs);
-  command.add_option("--format", options->format, "text (default) for people, json for programs")
-      ->type_name("FORMAT")
-      ->check(oneOf({"text", "json"}))
+  command
+      .add_option("--format", options->format,
+                  "text (default) or html for people, json for programs")
+      ->type_name("text|json|html")
+      ->check(oneOf({"text", "json", "html"}))
+      ->group("Output");
+  command
+      .add_flag("--explain", options->isExplained,
+                "With the JSON, say why it is as it is; the other formats always do")
       ->group("Output");
   options->common.addTo(command);
+  options->files.addTo(command);
   command.final_callback([options, &status] { status = run(*options); });
 }
 

@@ -7,7 +7,9 @@
 #include <variant>
 #include <vector>
 
+#include "base/Utf8.h"
 #include "base/WhiteSpace.h"
+#include "explain/Words.h"
 #include "tamzo/vast/ErrorCodes.h"
 #include "tools/Printable.h"
 
@@ -105,6 +107,27 @@ class Report {
 
   void text(std::string_view text) { out_ += text; }
 
+  /// A text that stands as it is, on a line of its own or several, never cut.
+  void whole(std::string_view text) { out_ += shown(text); }
+
+  /// The line of a document, with a mark under the spot.
+  void excerpt(const std::string& label, const explain::Place& place) {
+    const std::size_t at = byteOf(place.excerpt, place.spot);
+    std::string before = shown(std::string_view(place.excerpt).substr(0, at));
+    std::string after = shown(std::string_view(place.excerpt).substr(at));
+    std::string front = "  " + label;
+    const std::size_t room = isOnTerminal() ? style_.columns : SIZE_MAX;
+    // Around the spot, where a terminal has no room for all of it.
+    if (widthOf(front) + widthOf(before) + widthOf(after) > room) {
+      const std::size_t left = room > widthOf(front) ? room - widthOf(front) : 0;
+      before = lastColumns(before, left / 2);
+      after = firstColumns(after, left - std::min(left, widthOf(before)));
+    }
+    out_ += styled("2", front) + before + after + '\n';
+    out_.append(widthOf(front) + widthOf(before), ' ');
+    out_ += styled("1;31", "^") + '\n';
+  }
+
   std::string styled(std::string_view code, std::string_view text) const {
     return style_.withColours && !code.empty() ? fmt::format("\x1b[{}m{}\x1b[0m", code, text)
                                                : std::string(text);
@@ -113,6 +136,31 @@ class Report {
   std::string take() { return std::move(out_); }
 
  private:
+  static std::size_t byteOf(std::string_view text, std::size_t character) {
+    std::size_t at = 0;
+    for (; at < text.size() && character > 0; --character) {
+      at += characterAt(text, at).bytes;
+    }
+    return at;
+  }
+  std::string firstColumns(std::string_view text, std::size_t columns) const {
+    std::size_t at = 0;
+    while (at < text.size()) {
+      const std::size_t next = at + characterAt(text, at).bytes;
+      if (widthOf(text.substr(0, next)) > columns) {
+        break;
+      }
+      at = next;
+    }
+    return std::string(text.substr(0, at));
+  }
+  std::string lastColumns(std::string_view text, std::size_t columns) const {
+    while (!text.empty() && widthOf(text) > columns) {
+      text.remove_prefix(characterAt(text, 0).bytes);
+    }
+    return std::string(text);
+  }
+
   bool isOnTerminal() const { return style_.columns > 0; }
   std::string shown(std::string_view text) const {
     return isOnTerminal() ? shownOnTerminal(text) : printable(text);
@@ -159,18 +207,144 @@ std::string titled(std::string_view title, std::size_t count) {
   return fmt::format("{} ({})", title, count);
 }
 
-void reportOutcome(Report& report, const TamzoVastAd& ad) {
-  const bool isGood = ad.errorCode() == kNoError;
-  const VastError* error = findVastError(ad.errorCode());
-  const std::string_view name = error == nullptr ? "unknown error" : error->name;
-  const std::string_view cause = error == nullptr ? "" : error->cause;
-  if (isGood) {
-    report.text(fmt::format("{}  {}\n", report.styled("1;32", "OK"), cause));
-  } else {
-    report.text(report.styled("1;31", fmt::format("FAILED  error {}: {}", ad.errorCode(), name)) +
-                "\n");
-    report.text(fmt::format("  {}\n", cause));
+std::string placeInWords(const explain::Finding& finding) {
+  std::string place = finding.hop ? fmt::format("hop {}", *finding.hop) : "";
+  if (finding.place) {
+    place += fmt::format(", line {}, column {}", finding.place->line, finding.place->column);
   }
+  return place;
+}
+
+void reportTagAsRead(Report& report, const explain::Finding& finding) {
+  for (const explain::Detail& detail : finding.details) {
+    if (detail.key == "read") {
+      report.text("  read as ");
+      report.whole(JsonValue::parse(Text(detail.json)).asText());
+      report.text("\n");
+    }
+  }
+}
+
+// What was asked for, so that whoever is to be called is known.
+void reportFetch(Report& report, const explain::HopReport& hop) {
+  if (!hop.fetch) {
+    return;
+  }
+  const FetchTimes& times = hop.fetch->milliseconds;
+  std::string line = fmt::format("  hop {} asked for ", hop.number);
+  report.text(line);
+  report.whole(hop.url);
+  if (times.total > 0.0) {
+    report.text(fmt::format(
+        "\n  connected in {:.0f} ms, first byte after {:.0f} ms, {} bytes in "
+        "{:.1f} s",
+        times.connect + times.tls, times.firstByte, hop.fetch->bytes, times.total / 1000.0));
+  }
+  report.text("\n");
+}
+
+void reportError(Report& report, const explain::Explanation& explanation,
+                 const explain::Finding& error) {
+  const bool isFailure = explanation.errorCode != kNoError;
+  report.text(report.styled("1;31", isFailure ? fmt::format("FAILED {}", explanation.errorCode)
+                                              : std::string("NO AD, code 0")) +
+              "  ");
+  report.whole(explanation.sentence);
+  report.text("  " + report.styled("2", fmt::format("[{}]", error.id)) + "\n");
+  if (error.place) {
+    report.excerpt(fmt::format("line {}: ", error.place->line), *error.place);
+  }
+  reportTagAsRead(report, error);
+  if (error.id == "fetch-failed" && error.hop) {
+    reportFetch(report, explanation.hops[static_cast<std::size_t>(*error.hop) - 1]);
+  }
+  if (!error.advice.empty()) {
+    report.text("  ");
+    report.whole(error.advice);
+    report.text("\n");
+  }
+}
+
+void reportOutcome(Report& report, const explain::Explanation& explanation) {
+  if (const explain::Finding* error = errorOf(explanation)) {
+    reportError(report, explanation, *error);
+  } else {
+    report.text(report.styled("1;32", "OK") + "  ");
+    report.whole(explanation.sentence);
+    report.text("\n");
+  }
+}
+
+void reportFindings(Report& report, const explain::Explanation& explanation) {
+  const std::size_t first = errorOf(explanation) == nullptr ? 0 : 1;
+  if (explanation.findings.size() == first) {
+    return;
+  }
+  report.heading(titled("Findings", explanation.findings.size() - first));
+  for (std::size_t i = first; i < explanation.findings.size(); ++i) {
+    const explain::Finding& finding = explanation.findings[i];
+    const bool isWarning = finding.severity == explain::Severity::warning;
+    report.text("  " + report.styled(isWarning ? "1;33" : "1", nameOf(finding.severity)) + "  ");
+    report.whole(placeInWords(finding) + ": " + finding.message);
+    report.text("  " + report.styled("2", fmt::format("[{}]", finding.id)) + "\n");
+    for (const explain::Detail& detail : finding.details) {
+      if (detail.key == "more") {
+        report.text(fmt::format("    and {} more of this kind\n", detail.json));
+      }
+    }
+    if (!finding.advice.empty()) {
+      report.text("    ");
+      report.whole(finding.advice);
+      report.text("\n");
+    }
+  }
+}
+
+std::string kindInWords(const explain::HopReport& hop) {
+  switch (hop.kind) {
+    case explain::AdKind::wrapper:
+      return "Wrapper";
+    case explain::AdKind::inLine:
+      return "InLine";
+    default:
+      return "no ad";
+  }
+}
+
+std::string hostOfHop(const explain::HopReport& hop) {
+  const std::string_view host = explain::hostOf(hop.url);
+  return host.empty() ? std::string(explain::nameOf(hop.source)) : std::string(host);
+}
+
+std::string fetchInWords(const explain::HopReport& hop) {
+  if (!hop.fetch) {
+    return "-";
+  }
+  const std::string_view failure = fetchFailureName(hop.fetch->failure);
+  const std::string status = hop.fetch->status == 0 ? "" : std::to_string(hop.fetch->status);
+  return status + (status.empty() || failure.empty() ? "" : " ") + std::string(failure);
+}
+
+void reportChain(Report& report, const explain::Explanation& explanation) {
+  report.heading(titled("Chain", explanation.hops.size()));
+  std::string row;
+  for (const explain::HopReport& hop : explanation.hops) {
+    row += row.empty() ? "" : " \xE2\x80\xBA ";
+    row += fmt::format("{} {} {}", hop.number, hostOfHop(hop), kindInWords(hop));
+  }
+  report.text("  ");
+  report.whole(row);
+  report.text("\n");
+  std::vector<Row> rows;
+  for (const explain::HopReport& hop : explanation.hops) {
+    const std::size_t bytes = hop.fetch ? hop.fetch->bytes : hop.document.view().size();
+    const std::string time = hop.fetch ? fmt::format("{:.0f}", hop.fetch->milliseconds.total) : "-";
+    rows.push_back({std::to_string(hop.number), fetchInWords(hop), time, std::to_string(bytes),
+                    orDash(hop.version), kindInWords(hop), orDash(hop.adSystem),
+                    hop.url.isNil() ? std::string(explain::nameOf(hop.source)) : orDash(hop.url)});
+  }
+  report.table({"hop", "fetch", "ms", "bytes", "VAST", "kind", "AdSystem", "from"},
+               std::move(rows));
 }
 
 void reportAd(Report& report, const TamzoVastAd& ad) {
@@ -221,16 +395,35 @@ void reportMediaFiles(Report& report, const TamzoVastAd& ad) {
   report.table({"type", "delivery", "size", "kbit/s", "URL"}, rows);
 }
 
-void reportTrackers(Report& report, const TamzoVastAd& ad) {
+void reportFilesLeft(Report& report, const explain::Explanation& explanation) {
   std::vector<Row> rows;
-  for (const TrackerMap::Entry& entry : *ad.trackers()) {
-    for (const auto& event : *entry.events) {
-      rows.push_back({std::string(entry.name), orDash(event->offset()), orDash(event->url())});
+  for (const explain::MediaFileReport& file : explanation.mediaFiles) {
+    if (!file.why.empty()) {
+      rows.push_back({std::to_string(file.hop), file.line ? std::to_string(*file.line) : "-",
+                      orDash(file.type), sizeOf(file.width, file.height), file.why});
     }
+  }
+  if (!rows.empty()) {
+    report.heading(titled("Media files not taken", rows.size()));
+    report.table({"hop", "line", "type", "size", "why"}, std::move(rows));
+  }
+}
+
+void reportTrackers(Report& report, const TamzoVastAd& ad,
+                    const explain::Explanation& explanation) {
+  std::vector<Row> rows;
+  auto hops = explanation.trackerHops.begin();
+  for (const TrackerMap::Entry& entry : *ad.trackers()) {
+    std::size_t i = 0;
+    for (const auto& event : *entry.events) {
+      rows.push_back({std::string(entry.name), std::to_string(hops->hops[i++]),
+                      orDash(event->offset()), orDash(event->url())});
+    }
+    ++hops;
   }
   report.heading(titled("Trackers", rows.size()));
   if (!rows.empty()) {
-    report.table({"event", "at (s)", "URL"}, rows);
+    report.table({"event", "hop", "at (s)", "URL"}, rows);
   }
 }
 
@@ -289,12 +482,16 @@ void reportExtraActions(Report& report, const TamzoVastAd& ad) {
 
 }  // namespace
 
-std::string textReport(const TamzoVastAd& ad, const ReportStyle& style) {
+std::string textReport(const TamzoVastAd& ad, const explain::Explanation& explanation,
+                       const ReportStyle& style) {
   Report report(style);
-  reportOutcome(report, ad);
+  reportOutcome(report, explanation);
+  reportFindings(report, explanation);
+  reportChain(report, explanation);
   reportAd(report, ad);
   reportMediaFiles(report, ad);
-  reportTrackers(report, ad);
+  reportFilesLeft(report, explanation);
+  reportTrackers(report, ad, explanation);
   reportCompanions(report, ad);
   reportProviders(report, ad);
   reportExtraActions(report, ad);

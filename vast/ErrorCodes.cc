@@ -7,7 +7,7 @@ namespace tamzo {
 namespace {
 
 constexpr std::array<VastError, 10> kErrors{{
-    {kNoError, "success", "the ad can be played"},
+    {kNoError, "success", "nothing failed"},
     {kException, "exception",
      "reading failed half-way: a tag URL or response of fewer than 4 characters, a Tracking "
      "without an event name, memory that ran out"},

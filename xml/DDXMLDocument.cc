@@ -12,19 +12,24 @@ std::shared_ptr<DDXMLDocument> DDXMLDocument::initWithXMLString(const Text& text
   if (options != 0) {
     throw std::invalid_argument("initWithXMLString: options are reserved");
   }
-  auto tree = parseXml(text, error);
-  // No conditional expression around `new`: clang 14 frees twice when what follows it throws.
-  if (tree == nullptr) {
-    return nullptr;
+  XmlParser parser;
+  auto document = parser.parseDocument(text);
+  if (error != nullptr) {
+    *error = parser.error();
   }
-  return std::shared_ptr<DDXMLDocument>(new DDXMLDocument(std::move(tree)));
+  return document;
 }
 
 NodeList DDXMLDocument::nodesForXPath(const XPath& path, XmlError* error) const {
-  return DDXMLElement(tree_->documentNode(), tree_).nodesForXPath(path, error);
+  const DDXMLElement document =
+      tree_ == nullptr ? DDXMLElement() : DDXMLElement(tree_->documentNode(), tree_);
+  return document.nodesForXPath(path, error);
 }
 
 DDXMLElement DDXMLDocument::rootElement() const {
+  if (tree_ == nullptr) {
+    return {};
+  }
   return {xmlDocGetRootElement(tree_->doc()), tree_};
 }
 

@@ -77,6 +77,15 @@ Text DDXMLElement::XMLString() const {
 }
 
 NodeList DDXMLElement::nodesForXPath(const XPath& path, XmlError* error) const {
+  NodeList list = findNodes(path, error);
+  // Not before: the path may be a view of the message that the last query left there.
+  if (error != nullptr && (!list.isNil() || node_ == nullptr)) {
+    error->message.clear();
+  }
+  return list;
+}
+
+NodeList DDXMLElement::findNodes(const XPath& path, XmlError* error) const {
   if (node_ == nullptr) {
     return {};
   }

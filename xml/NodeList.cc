@@ -28,15 +28,8 @@ DDXMLElement NodeList::firstMatch(const XPath& path) const {
 }
 
 NodeList NodeList::nodesUnderFirst(const XPath& path, XmlError* error) const {
-  return size_ == 0 ? NodeList() : element(0).nodesForXPath(path, error);
-}
-
-void NodeList::swap(NodeList& other) noexcept {
-  rest_.swap(other.rest_);
-  tree_.swap(other.tree_);
-  inline_.swap(other.inline_);
-  std::swap(size_, other.size_);
-  std::swap(isNil_, other.isNil_);
+  const DDXMLElement first = size_ == 0 ? DDXMLElement() : element(0);
+  return first.nodesForXPath(path, error);
 }
 
 void NodeList::append(_xmlNode* node) {

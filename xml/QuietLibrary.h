@@ -5,12 +5,11 @@
 namespace tamzo {
 
 /// Keeps libxml2 from writing to standard error on this thread, for as long as it lives. A library
-/// in somebody's app has nothing to say there.
+/// in somebody's app has nothing to say there. Whatever calls libxml2 and may allocate holds one.
 class QuietLibrary {
  public:
-  QuietLibrary() noexcept : handler_(xmlGenericError), context_(xmlGenericErrorContext) {
-    xmlSetGenericErrorFunc(nullptr, ignore);
-  }
+  /// Throws std::bad_alloc when there is no memory for what libxml2 keeps of a thread.
+  QuietLibrary();
   ~QuietLibrary() { xmlSetGenericErrorFunc(context_, handler_); }
   QuietLibrary(const QuietLibrary&) = delete;
   QuietLibrary& operator=(const QuietLibrary&) = delete;
@@ -18,8 +17,8 @@ class QuietLibrary {
  private:
   static void ignore(void*, const char*, ...) noexcept {}  // NOLINT(cert-dcl50-cpp)
 
-  xmlGenericErrorFunc handler_;
-  void* context_;
+  xmlGenericErrorFunc handler_ = nullptr;
+  void* context_ = nullptr;
 };
 
 }  // namespace tamzo

@@ -57,10 +57,12 @@ bool hasOversizedTag(std::string_view text) noexcept {
   for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at)) {
     std::size_t end = std::max(pastRemark(text, at), pastCdata(text, at));
     if (end == at) {
-      const bool isDeclaration = text.substr(at).starts_with("<!");
+      if (text.substr(at).starts_with("<!")) {
+        return false;
+      }
       std::size_t attributes = 0;
       end = pastTag(text, at, [&attributes](char c) { attributes += c == '=' ? 1 : 0; });
-      if (!isDeclaration && attributes > kMaxAttributes) {
+      if (attributes > kMaxAttributes) {
         return true;
       }
     }

@@ -3,17 +3,39 @@
 #include <libxml/xpath.h>
 #include <libxml/xpathInternals.h>
 
+#include <algorithm>
 #include <memory>
 #include <new>
 #include <string>
 
 #include "xml/QuietLibrary.h"
+#include "xml/XPathCost.h"
 
 namespace tamzo {
 namespace {
 
 // Steps that one evaluation may take before it is given up.
-constexpr unsigned long kMaxOperations = 50'000'000;
+constexpr unsigned long kMaxSteps = 50'000'000;
+// What they may cost together where they do not all cost the same: comparisons of two nodes, or
+// as many times 64 bytes of text.
+constexpr double kMaxCost = 2e8;
+
+unsigned long maxSteps(std::string_view expression, const XmlTree& tree) noexcept {
+  const XPathCost cost = costOfSteps(expression);
+  if (cost == XPathCost::even) {
+    return kMaxSteps;
+  }
+  const auto bytes = static_cast<double>(tree.bytes());
+  // Attributes, of which there are many, count for two.
+  const double ofOne = static_cast<double>(tree.nodes()) / 2 +
+                       (cost == XPathCost::byNode ? bytes / 64 : bytes * bytes);
+  // None would mean that there is no limit.
+  return static_cast<unsigned long>(
+      std::clamp(kMaxCost / ofOne, 1.0, static_cast<double>(kMaxSteps)));
+}
+
+// libxml2 numbers the errors of XPath from there on.
+constexpr int kTooManySteps = XML_XPATH_EXPRESSION_OK + static_cast<int>(XPATH_OP_LIMIT_EXCEEDED);
 
 struct FreeContext {
   void operator()(xmlXPathContext* context) const noexcept { xmlXPathFreeContext(context); }
@@ -29,9 +51,13 @@ void keepFirstError(void* userData, xmlError* error) {
 }
 
 std::string describe(int code) {
-  return code == 0
-             ? "the expression gives no nodes"
-             : "the expression cannot be evaluated (libxml2 error " + std::to_string(code) + ")";
+  if (code == 0) {
+    return "the expression gives no nodes";
+  }
+  if (code == kTooManySteps) {
+    return "the expression takes too many steps on a document of this size";
+  }
+  return "the expression cannot be evaluated (libxml2 error " + std::to_string(code) + ")";
 }
 
 }  // namespace
@@ -44,10 +70,11 @@ bool evaluateXPath(const XmlTree& tree, xmlNode* context, const XPath& path,
   if (evaluation == nullptr) {
     throw std::bad_alloc();
   }
+  tree.orderElements();
   int errorCode = 0;
   evaluation->error = keepFirstError;
   evaluation->userData = &errorCode;
-  evaluation->opLimit = kMaxOperations;
+  evaluation->opLimit = maxSteps(expression, tree);
   evaluation->node = context;
 
   const bool isText = expression.find('\0') == std::string::npos;
@@ -59,7 +86,9 @@ bool evaluateXPath(const XmlTree& tree, xmlNode* context, const XPath& path,
   }
   if (result == nullptr || result->type != XPATH_NODESET) {
     if (error != nullptr) {
-      error->message = describe(errorCode);
+      // Not every place that gives up says so.
+      const bool isGivenUp = evaluation->opCount >= evaluation->opLimit;
+      error->message = describe(isGivenUp ? kTooManySteps : errorCode);
     }
     return false;
   }

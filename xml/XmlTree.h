@@ -1,7 +1,9 @@
 #pragma once
 
 #include <libxml/tree.h>
+#include <libxml/xpath.h>
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -10,7 +12,22 @@ namespace tamzo {
 /// The tree of one document, shared by every handle into it.
 class XmlTree {
  public:
-  explicit XmlTree(xmlDoc* doc) noexcept : doc_(doc) {}
+  /// Takes `doc`, which has that many nodes, made of that many bytes of text, entities included.
+  explicit XmlTree(xmlDoc* doc, std::size_t nodes = 0, std::size_t bytes = 0) noexcept
+      : doc_(doc), nodes_(nodes), bytes_(bytes) {}
+
+  std::size_t nodes() const noexcept { return nodes_; }
+  std::size_t bytes() const noexcept { return bytes_; }
+
+  /// Numbers the elements once, so that libxml2 can tell which of two comes first without looking
+  /// for one from the other. Nothing but the evaluation of an XPath expression looks at the
+  /// numbers, and one document takes one of these at a time.
+  void orderElements() const noexcept {
+    if (!isOrdered_) {
+      xmlXPathOrderDocElems(doc_.get());
+      isOrdered_ = true;
+    }
+  }
 
   xmlDoc* doc() const noexcept { return doc_.get(); }
   /// The document as the node that an absolute path starts from.
@@ -21,6 +38,9 @@ class XmlTree {
     void operator()(xmlDoc* doc) const noexcept { xmlFreeDoc(doc); }
   };
   std::unique_ptr<xmlDoc, Free> doc_;
+  std::size_t nodes_;
+  std::size_t bytes_;
+  mutable bool isOrdered_ = false;
 };
 
 inline const char* asChars(const xmlChar* text) noexcept {

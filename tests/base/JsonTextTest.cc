@@ -95,6 +95,18 @@ TEST(JsonText, NumbersAreTheShortestThatReadBack) {
   EXPECT_EQ(written(std::numeric_limits<std::uint64_t>::max()), "18446744073709551615");
 }
 
+TEST(JsonText, NumbersAreWrittenOutFromTenThousandthsToSixteenDigits) {
+  EXPECT_EQ(written(0.0001), "0.0001");
+  EXPECT_EQ(written(0.00012345), "0.00012345");
+  EXPECT_EQ(written(0.00001), "1e-05");
+  EXPECT_EQ(written(1234567890123456.0), "1234567890123456");
+  EXPECT_EQ(written(1e15), "1000000000000000");
+  EXPECT_EQ(written(1.5e16), "1.5e+16");
+  EXPECT_EQ(written(-12345.678), "-12345.678");
+  // No digit that single precision does not have: this one is 123456792.
+  EXPECT_EQ(written(123456789.0F), "123456790");
+}
+
 TEST(JsonText, FractionsAreNeverTakenForIntegers) {
   const std::pair<double, const char*> rows[] = {{0.0, "0.0"},
                                                  {-0.0, "-0.0"},

@@ -2,10 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <type_traits>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace tamzo::testing {
 namespace {
@@ -115,6 +121,97 @@ TEST(Text, IsPrintedSoThatNilShows) {
   EXPECT_EQ(out.str(), "nil \"\" \"a\"");
 }
 
+TEST(Text, IsNilOnceItWasMovedAway) {
+  static_assert(std::is_nothrow_move_constructible_v<Text>);
+  static_assert(std::is_nothrow_move_assignable_v<Text>);
+  MutableText growing = MutableText::create();
+  growing.appendString("growing");
+  const Text whole(std::string(100, 'x'));
+  for (const Text& each : {Text::literal("literal"), whole, whole.part(whole.view().substr(50)),
+                           growing.asText(), Text("")}) {
+    Text source = each;
+    const Text made(std::move(source));
+    EXPECT_EQ(made, each);
+    EXPECT_TRUE(source.isNil()) << each;  // NOLINT(bugprone-use-after-move)
+    EXPECT_FALSE(source.isTerminated());
+    EXPECT_EQ(source.view(), "");
+    source = each;
+    Text assigned = Text::literal("before");
+    assigned = std::move(source);
+    EXPECT_EQ(assigned, each);
+    EXPECT_EQ(assigned.isTerminated(), each.isTerminated());
+    EXPECT_TRUE(source.isNil()) << each;  // NOLINT(bugprone-use-after-move)
+    Text& same = assigned;
+    assigned = std::move(same);
+    EXPECT_EQ(assigned, each) << "moved into itself";
+  }
+}
+
+TEST(Text, IsComparedWithStringsAndViewsAsTheyAre) {
+  const Text text("abc");
+  const Text nil;
+  EXPECT_TRUE(text == std::string_view("abc"));
+  EXPECT_TRUE(std::string_view("abc") == text);
+  EXPECT_TRUE(text == std::string("abc"));
+  EXPECT_TRUE(std::string("abc") == text);
+  EXPECT_TRUE(text == "abc");
+  EXPECT_TRUE("abc" == text);
+  EXPECT_TRUE(text != std::string_view("abd"));
+  EXPECT_TRUE(text != "abd");
+  EXPECT_FALSE(nil == std::string_view()) << "a view is never nil";
+  EXPECT_FALSE(nil == std::string());
+  EXPECT_FALSE(nil == "");
+  EXPECT_TRUE(Text("") == std::string_view());
+  EXPECT_TRUE(nil == nullptr);
+  EXPECT_FALSE(text == nullptr);
+  EXPECT_TRUE(nil == static_cast<const char*>(nullptr));
+  EXPECT_TRUE(text < std::string_view("abd"));
+  EXPECT_TRUE(std::string("abb") < text);
+  EXPECT_TRUE(text > "abb");
+  EXPECT_TRUE(nil < "");
+  EXPECT_TRUE(nil < std::string_view());
+  EXPECT_FALSE(nil < nullptr);
+}
+
+TEST(Text, IsOrderedByItsBytesAndNilComesFirst) {
+  const std::vector<Text> ordered{Text(), "", "A", "a", "aa", "b", "\xC3\xA4", "\xFF"};
+  for (std::size_t i = 0; i < ordered.size(); ++i) {
+    for (std::size_t j = 0; j < ordered.size(); ++j) {
+      EXPECT_EQ(ordered[i] < ordered[j], i < j) << ordered[i] << ordered[j];
+      EXPECT_EQ(ordered[i] == ordered[j], i == j) << ordered[i] << ordered[j];
+      EXPECT_EQ(ordered[i] <=> ordered[j], i <=> j) << ordered[i] << ordered[j];
+    }
+  }
+  std::vector<Text> shuffled{ordered.rbegin(), ordered.rend()};
+  std::sort(shuffled.begin(), shuffled.end());
+  EXPECT_EQ(shuffled, ordered);
+}
+
+TEST(Text, IsAKeyOfTheStandardLibrarysMaps) {
+  std::map<Text, int> sorted{{"b", 1}, {Text(), 2}, {"", 3}};
+  EXPECT_EQ(sorted.begin()->second, 2);
+  EXPECT_EQ(sorted.at(""), 3);
+  const std::map<Text, int, std::less<>> searched{{"b", 1}};
+  EXPECT_EQ(searched.count(std::string_view("b")), 1U);
+  const std::unordered_map<Text, int> hashed{{"b", 1}, {Text(), 2}, {"", 3}};
+  EXPECT_EQ(hashed.at(std::string("b")), 1);
+  EXPECT_EQ(hashed.at(Text()), 2);
+  EXPECT_EQ(hashed.at(""), 3);
+  EXPECT_EQ(std::hash<Text>()(Text::literal("b")), std::hash<Text>()(Text(std::string("b"))));
+  EXPECT_NE(std::hash<Text>()(Text()), std::hash<Text>()(Text("")));
+}
+
+TEST(Text, CopiesAPartThatIsNotItsOwn) {
+  const Text whole("0123456789");
+  std::string other = "elsewhere, and gone soon";
+  const Text part = whole.part(other);
+  other.assign(other.size(), '-');
+  EXPECT_EQ(part, "elsewhere, and gone soon");
+  EXPECT_EQ(Text().part(Text("abc").view()), "abc");
+  EXPECT_EQ(whole.part(std::string_view()), "");
+  EXPECT_EQ(Text().part(std::string_view()), "");
+}
+
 TEST(MutableText, IsNilUntilCreated) {
   MutableText nil;
   EXPECT_TRUE(nil.isNil());
@@ -152,6 +249,24 @@ TEST(MutableText, APartOfItDoesNotGrow) {
   const Text part = seen.part(seen.view().substr(1, 3));
   growing.appendString(std::string(10'000, 'x'));
   EXPECT_EQ(part, Text("one"));
+}
+
+TEST(MutableText, MayBeAppendedToItself) {
+  MutableText growing = MutableText::create();
+  growing.appendString("0123456789");
+  for (int i = 0; i < 10; ++i) {
+    growing.appendString(growing.view());
+  }
+  EXPECT_EQ(growing.view().size(), 10'240U);
+  EXPECT_TRUE(growing.view().ends_with("890123456789"));
+}
+
+TEST(MutableText, IsNilOnceItWasMovedAway) {
+  MutableText growing = MutableText::create();
+  growing.appendString("x");
+  const MutableText taken = std::move(growing);
+  EXPECT_TRUE(growing.isNil());  // NOLINT(bugprone-use-after-move)
+  EXPECT_EQ(taken.view(), "x");
 }
 
 TEST(MutableText, LivesAsLongAsOneWhoSeesIt) {

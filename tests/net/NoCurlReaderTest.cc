@@ -1,9 +1,11 @@
 // The reader of a build without libcurl. The tests are built with it, so that the unit is compiled
 // here once more, under a name of its own.
 
-#define readWithCurl readWithoutCurl
+#define fetchWithCurl fetchWithoutCurl
+#define closeIdleCurlConnections closeNoConnections
 #include "net/NoCurlReader.cc"
-#undef readWithCurl
+#undef closeIdleCurlConnections
+#undef fetchWithCurl
 
 #include <gtest/gtest.h>
 
@@ -17,8 +19,14 @@ namespace {
 TEST(NoCurlReaderTest, EveryReadFailsAndNobodyIsAsked) {
   HttpServer server;
   server.serve("/x", "body");
-  EXPECT_EQ(readWithoutCurl(Text(server.url("/x")), {}), std::nullopt);
-  EXPECT_EQ(readWithoutCurl(Text(), {}), std::nullopt);
+  FetchRequest request;
+  EXPECT_EQ(fetchWithoutCurl(request).failure, FetchFailure::other);
+  request.url = Text(server.url("/x"));
+  const FetchResult result = fetchWithoutCurl(request);
+  EXPECT_EQ(result.failure, FetchFailure::other);
+  EXPECT_EQ(result.body, std::nullopt);
+  EXPECT_EQ(result.finalUrl, server.url("/x"));
+  closeNoConnections();
   EXPECT_TRUE(server.requests().empty());
 }
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -84,6 +85,25 @@ TEST_F(TamzoUrlReaderTest, AReaderMayReplaceItselfWhileItReads) {
   });
   EXPECT_EQ(readUrl("u"), std::string(100, 'x'));
   EXPECT_EQ(readUrl("u"), "next");
+}
+
+TEST_F(TamzoUrlReaderTest, LimitsOfNoTimeLetNothingBeRead) {
+  server_.serve("/x", "from the network");
+  const Text url = server_.url("/x");
+  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  for (const double none : {kNaN, -kNaN, 0.0, -0.0, -1.0, -kInfinity}) {
+    TamzoUrlReader::Limits limits;
+    limits.totalSeconds = none;
+    EXPECT_EQ(TamzoUrlReader::read(url, limits), std::nullopt) << none;
+    limits = {};
+    limits.connectSeconds = none;
+    EXPECT_EQ(TamzoUrlReader::read(url, limits), std::nullopt) << none;
+  }
+  EXPECT_TRUE(server_.requests().empty());
+  TamzoUrlReader::Limits endless;
+  endless.connectSeconds = endless.totalSeconds = kInfinity;
+  EXPECT_EQ(TamzoUrlReader::read(url, endless), "from the network");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 import assert from "node:assert/strict";
 import { execFile } from "node:child_process";
 import { once } from "node:events";
+import { readFileSync } from "node:fs";
 import { createServer } from "node:http";
 import { createRequire } from "node:module";
 import { after, before, test } from "node:test";
@@ -136,8 +137,8 @@ const open = [];
 after(() => open.forEach((window) => window.close()));
 
 // Opens a page and watches it. `speed` shortens the page's time limits.
-function openPage(html, { speed = 1, bridge = "ios" } = {}) {
-  const watched = { told: [], pixels: [], calls: [], opened: [] };
+function openPage(html, { speed = 1, bridge = "ios", settings = {} } = {}) {
+  const watched = { told: [], places: [], pixels: [], calls: [], opened: [] };
   const listeners = new Set();
   const tell = (name, details) => {
     watched.told.push({ name, details });
@@ -153,18 +154,27 @@ function openPage(html, { speed = 1, bridge = "ios" } = {}) {
         return;
       }
       window.calls = watched.calls;
-      window.Image = class {
-        set src(url) { watched.pixels.push(url); }
+      window.tamzoSettings = settings;
+      window.fetch = (url) => {
+        watched.pixels.push(url);
+        return Promise.resolve();
       };
       window.open = (url) => watched.opened.push(url);
       const setTimeout = window.setTimeout;
       window.setTimeout = (f, milliseconds) => setTimeout(f, milliseconds / speed);
       if (bridge === "ios") {
         window.webkit = { messageHandlers: { tamzo: {
-          postMessage: ({ name, details }) => tell(name, { ...details })
+          postMessage: ({ session, sequence, name, details }) => {
+            watched.places.push({ session, sequence });
+            tell(name, { ...details });
+          }
         } } };
       } else if (bridge === "android") {
-        window.TamzoBridge = { onEvent: (name, json) => tell(name, JSON.parse(json)) };
+        window.TamzoBridge = { onEvent: (name, json) => {
+          const { session, sequence, ...details } = JSON.parse(json);
+          watched.places.push({ session, sequence });
+          tell(name, details);
+        } };
       }
     }
   });
@@ -319,7 +329,7 @@ test("no text of an ad breaks the page", async () => {
   await page.heard("AdStarted");
   const [, , , , , creativeData] = page.calls.find(([name]) => name === "initAd");
   assert.equal(creativeData.AdParameters, awkward.replace("[TAMZO_SESSION_ID]", "S1"));
-  const text = page.window.document.getElementById("tag").textContent;
+  const [text] = page.window.document.getElementById("tag").textContent.split("\u001f");
   const tag = new page.window.DOMParser().parseFromString(text.trim(), "text/xml");
   assert.equal(tag.getElementsByTagName("HTMLResource")[0].textContent,
     awkward.replace("[TAMZO_SESSION_ID]", "S1"));
@@ -502,10 +512,278 @@ test("tags that give no ad end with the code that says why", async () => {
   }
 });
 
+// ---- What units get wrong -----------------------------------------------------------------------
+
+test("one subscribe that throws ends nothing", async () => {
+  const page = await play(inLineAd(mediaFile(serve(unitScript(`
+    const subscribe = window.unit.subscribe;
+    window.unit.subscribe = function (f, name, scope) {
+      if (name === "AdLog") { throw null; }
+      subscribe.call(this, f, name, scope);
+    };`)))));
+  await page.heard("AdImpression");
+});
+
+test("what a unit lacks is not asked of it, and it hears of no failure", async () => {
+  const page = await play(inLineAd(mediaFile(serve(unitScript(`
+    delete window.unit.getAdVolume;
+    delete window.unit.getAdExpanded;
+    window.unit.getAdRemainingTime = null;`)))));
+  await page.heard("AdImpression");
+  page.pixels.splice(0);
+  page.happen("AdVolumeChange");
+  page.happen("AdExpandedChange");
+  page.happen("AdVideoStart");
+  assert.deepEqual(page.pixels, ["https://t.example/start"]);
+  assert.deepEqual(page.names().slice(-3), ["AdVolumeChange", "AdExpandedChange", "AdVideoStart"]);
+});
+
+test("one minimising is one collapse", async () => {
+  const page = await play(inLineAd(mediaFile(serve(unitScript()))));
+  await page.heard("AdImpression");
+  page.pixels.splice(0);
+  page.happen("AdUserMinimize");
+  page.happen("AdExpandedChange");
+  assert.deepEqual(page.pixels, ["https://t.example/collapse"]);
+});
+
+test("AdStarted that is told as AdImpression alone will do", async () => {
+  const page = await play(inLineAd(mediaFile(serve(unitScript(
+    "window.unit.startAd = function () { this.happen('AdImpression'); };")))), { speed: 8 });
+  await page.heard("AdImpression");
+  page.happen("AdStopped");
+  await page.heard("AdStopped");
+  assert.deepEqual(page.names(), ["AdLoaded", "Moat", "AdImpression", "AdStopped"]);
+});
+
+test("clicks lead where an app may follow", async () => {
+  const page = await play(inLineAd(mediaFile(serve(unitScript()))));
+  await page.heard("AdImpression");
+  const cases = [
+    [["market://details?id=a", "", true], "market://details?id=a", true],
+    [["file:///etc/passwd", "", true], "https://shop.example/", true],
+    [["intent://x#Intent;end", "", "yes"], "https://shop.example/", true],
+    [[{ url: "https://o.example/?[CACHEBUSTING]", playerHandles: "FALSE" }],
+      /^https:\/\/o\.example\/\?\d{8}$/, false],
+    [[null, 5, 1], "https://shop.example/", true]
+  ];
+  for (const [parameters, url, playerHandles] of cases) {
+    page.told.splice(0);
+    page.happen("AdClickThru", ...parameters);
+    const [{ details }] = page.told;
+    assert.ok(url instanceof RegExp ? url.test(details.url) : url === details.url, details.url);
+    assert.equal(details.playerHandles, playerHandles);
+  }
+});
+
+// ---- What the ad says ---------------------------------------------------------------------------
+
+test("AdParameters are handed over as they stand, or decoded where they say so", async () => {
+  const cases = [
+    ["<AdParameters> a\t b </AdParameters>", " a\t b "],
+    ["<AdParameters xmlEncoded=\"true\">" +
+      "<![CDATA[{&quot;a&quot;:&#39;&lt;&#x62;&amp;amp;&gt;]]></AdParameters>",
+      "{\"a\":'<b&amp;>"],
+    ["<AdParameters xmlEncoded=\"false\"><![CDATA[&lt;]]></AdParameters>", "&lt;"]
+  ];
+  for (const [element, expected] of cases) {
+    const page = await play(inLineAd(mediaFile(serve(unitScript())))
+      .replace("<AdParameters></AdParameters>", () => element));
+    await page.heard("AdStarted");
+    assert.equal(page.calls.find(([name]) => name === "initAd")[5].AdParameters, expected);
+  }
+});
+
+test("CustomClicks, viewability and progress are the page's to fire", async () => {
+  const response = inLineAd(mediaFile(serve(unitScript())))
+    .replace("</VideoClicks>", `<CustomClick id="a">https://t.example/custom-a</CustomClick>
+      <CustomClick>https://t.example/custom</CustomClick></VideoClicks>`)
+    .replace("</TrackingEvents>", `
+      <Tracking event="progress" offset="25%">https://t.example/progress-2.5</Tracking>
+      <Tracking event="progress" offset="00:00:05.000">https://t.example/progress-5</Tracking>
+      <Tracking event="progress">https://t.example/progress-none</Tracking></TrackingEvents>`)
+    .replace("</InLine>", `<ViewableImpression><NotViewable>https://t.example/unseen</NotViewable>
+      </ViewableImpression></InLine>`);
+  const page = await play(response);
+  await page.heard("AdImpression");
+  page.pixels.splice(0);
+  const happens = (...event) => {
+    page.happen(...event);
+    return page.pixels.splice(0).map((url) => url.replace("https://t.example/", ""));
+  };
+  assert.deepEqual(happens("AdInteraction", "a"), ["custom-a", "custom"]);
+  assert.deepEqual(happens("AdInteraction", "b"), ["custom"]);
+  assert.deepEqual(happens("AdVideoFirstQuartile"), ["firstQuartile", "progress-2.5"]);
+  assert.deepEqual(happens("AdVideoMidpoint"), ["midpoint", "progress-5"]);
+  assert.deepEqual(happens("AdVideoThirdQuartile"), ["thirdQuartile"]);
+  assert.deepEqual(happens("AdStopped"), ["unseen"]);
+});
+
+test("macros of the standard are filled, others stay", async () => {
+  const extension = `<Extensions><Extension><Tamzo><DeviceIp>2001:db8::1</DeviceIp>
+    <VastVersions> 7, ,8</VastVersions><GDPRConsent>x=</GDPRConsent><CoppaEnabled>+01</CoppaEnabled>
+    </Tamzo></Extension></Extensions></InLine>`;
+  const asked = ["DEVICEIP", "VASTVERSIONS", "GDPRCONSENT", "REGULATIONS", "SERVERUA", "IFA",
+    "PAGEURL", "CONTENTPLAYHEAD", "ERRORCODE", "timestamp", "PLAYERSIZE", "TAMZO_SESSION_ID"];
+  const url = `https://t.example/${asked.map((name) => `[${name}]`).join("~")}`;
+  const page = await play(inLineAd(mediaFile(serve(unitScript())))
+    .replace("https://t.example/impression", url).replace("</InLine>", () => extension),
+  { settings: { macros: { PLAYERSIZE: "3,4" } } });
+  await page.heard("AdImpression");
+  assert.deepEqual(page.pixels.at(-1).replace("https://t.example/", "").split("~"),
+    ["2001%3Adb8%3A%3A1", "7,8", "x%3D", "coppa,gdpr", "-1", "-1", "0", "-1", "[ERRORCODE]",
+      "[timestamp]", "3%2C4", "S1"]);
+});
+
+test("a cache-buster is new for each pixel, a time is one of ISO 8601", async () => {
+  const page = await play(inLineAd(mediaFile(serve(unitScript()))).replace(
+    "https://t.example/impression", "https://t.example/[CACHEBUSTING]/[TIMESTAMP]"));
+  await page.heard("AdImpression");
+  assert.match(page.pixels.at(-1),
+    /\/[1-9]\d{7}\/20\d\d-\d\d-\d\dT\d\d%3A\d\d%3A\d\d\.\d{3}%2B00%3A00$/);
+});
+
+test("only the web's own schemes are asked for pixels, documents and units", async () => {
+  const page = await play(inLineAd(mediaFile("javascript:window.getVPAIDAd=1"))
+    .replace("</InLine>", "<Error>ftp://t.example/</Error><Error>//t.example/relative</Error></InLine>"));
+  assert.equal((await page.heard("AdError")).code, 901);
+  assert.deepEqual(page.pixels, ["https://t.example/error?code=901", "https://t.example/relative"]);
+});
+
+// ---- The app ------------------------------------------------------------------------------------
+
+for (const bridge of ["ios", "android"]) {
+  test(`messages are numbered within their session (${bridge})`, async () => {
+    const page = await play(inLineAd(mediaFile(serve(unitScript()))), { bridge });
+    await page.heard("AdImpression");
+    const [{ session }] = page.places;
+    assert.match(session, /^\d{16}$/);
+    assert.deepEqual(page.places, page.places.map((place, i) => ({ session, sequence: i + 1 })));
+  });
+}
+
+test("a message waits neither for an app that throws nor for one that is not there", async () => {
+  const page = await play(inLineAd(mediaFile(serve(unitScript()))), { bridge: "none" });
+  page.window.TamzoBridge = { onEvent() { throw new Error("gone"); } };
+  while (!page.pixels.includes("https://t.example/impression")) {
+    await turn();
+  }
+});
+
+test("what the app may set is read with care", async () => {
+  for (const settings of [null, 7, { start: {}, autoplay: 1, macros: 5, limits: "x", session: {} },
+    { limits: { load: "x", start: -1 } }]) {
+    const page = await play(inLineAd(mediaFile(serve(unitScript()))), { settings });
+    await page.heard("AdImpression");
+  }
+});
+
+test("a view that does not play by itself says so to the unit", async () => {
+  const page = await play(inLineAd(mediaFile(serve(unitScript()))),
+    { settings: { autoplay: "none" } });
+  await page.heard("AdImpression");
+  assert.equal(page.calls.find(([name]) => name === "initAd")[6].videoSlotCanAutoPlay, false);
+});
+
+test("an app that stops before anything was loaded gets one last message", async () => {
+  const page = await play(inLineAd(mediaFile(serve(unitScript("window.unit.initAd = () => {};")))));
+  while (!page.calls.some(([name]) => name === "getVPAIDAd")) {
+    await turn();
+  }
+  page.window.tamzoAd.stop();
+  await page.heard("AdStopped");
+  assert.deepEqual(page.names(), ["AdStopped"]);
+  assert.deepEqual(page.pixels, []);
+});
+
+test("a web view without fetch loads its pixels as images", async () => {
+  const html = (await pageOf(inLineAd(mediaFile(serve(unitScript()))))).replace("<head>",
+    () => `<head><script>delete window.fetch; window.images = [];
+      window.Image = class { set src(url) { window.images.push(url); this.onload(); } };</script>`);
+  const page = openPage(html);
+  await page.heard("AdImpression");
+  assert.deepEqual([...page.window.images],
+    ["https://t.example/creativeView", "https://t.example/impression"]);
+});
+
+test("what an answer from an app's call cannot carry is left out", async () => {
+  const page = await play(inLineAd(mediaFile(serve(unitScript(
+    "window.unit.getAdIcons = () => true; window.unit.getAdLinear = () => ({});")))));
+  await page.heard("AdImpression");
+  assert.equal(page.window.tamzoAd.call("getAdIcons"), true);
+  assert.equal(page.window.tamzoAd.call("getAdLinear"), undefined);
+  assert.equal(page.window.tamzoAd.call("nothing"), undefined);
+});
+
+// ---- XML ----------------------------------------------------------------------------------------
+
+const xml = new JSDOM("", { runScripts: "outside-only" }).window;
+xml.eval(["builtIns", "settings", "xml"].map((name) => readFileSync(
+  new URL(`../../sdk/page/${name}.js`, import.meta.url), "utf8")).join("\n") +
+  "; window.read = parseXml; window.repair = (text) => new XmlRepair(text).run();");
+
+test("markup that browsers refuse is written anew", () => {
+  const cases = [
+    ["<a b:c='1' xmlns='u' xmlns:d='v' e=\"2\"/>", "<a e=\"2\"/>"],
+    ["<x:a><b:c:d/></x:a>", "<x_a><b_c_d/></x_a>"],
+    ["<ab=\"1\"c='2'>t</a>", "<a c='2' b=\"1\">t</a>"],
+    ["<ab=\"1\">t</ab>", "<ab>t</ab>"],
+    ["<a b='<&quot;&c;&'/>", "<a b='&lt;&quot;&amp;c;&amp;'/>"],
+    ["<a>x & y &z; &#65; ]]></a>", "<a>x &amp; y &amp;z; &#65; ]]&gt;</a>"],
+    ["<?xml version=\"1.1\"encoding=\"x\"?><!-- <a> & --><a><![CDATA[<&]]></a>",
+      "<a><![CDATA[<&]]></a>"],
+    ["<a b c=\"1\" d></a >", "<a c=\"1\"></a>"],
+    ["<\u00e9/>", "<_/>"]
+  ];
+  for (const [text, expected] of cases) {
+    assert.equal(xml.repair(text), expected);
+  }
+});
+
+test("what is no XML is refused with 100", () => {
+  for (const text of ["", "text", "<a", "<a>", "<a></b>", "<a><!-- ", "<a><![CDATA[ </a>", "<a b='>",
+    "<a/><b/>", "<>", "< a/>", "<a></a></a>", "<!DOCTYPE a [", "<a b='1' b='2'/>", "<1/>", "<a>&#0;</a>"]) {
+    assert.throws(() => xml.read(text), { vastCode: 100 }, text);
+  }
+});
+
+test("reading takes no longer than its text is long", () => {
+  // What takes the square of its length would not end here.
+  const length = 100000;
+  for (const [piece, end] of [["<", ""], ["<a ", ""], ["&", ""], ["<!--", ""], ["<![CDATA[", ""],
+    ["<a b=", ""], ["'", ""], [" ", ""], ["<!DOCTYPE[", ""], ["]]>", ""], ["<a>", ""], ["</a>", ""],
+    ["<a b='1'", ""], ["\"", ">"]]) {
+    for (const start of ["", "<a ", "<a b=\"", "<!DOCTYPE a [", "<!DOCTYPE \"", "<a>"]) {
+      try {
+        xml.repair(start + piece.repeat(length) + end);
+      } catch (error) {
+        assert.equal(error.vastCode, 100);
+      }
+    }
+  }
+});
+
 // ---- The template -------------------------------------------------------------------------------
 
 test("the script is ECMAScript 2017, for the web views of old phones", async () => {
   const html = await pageOf(inLineAd(mediaFile("https://x.example/")));
   const [, script] = /<script>([^]*?)<\/script>/.exec(html);
   acorn.parse(script, { ecmaVersion: 2017 });
+});
+
+test("the page's script is that of the tree, without its comments", async () => {
+  const html = await pageOf(inLineAd(mediaFile("https://x.example/")));
+  const [, script] = /<script>([^]*?)<\/script>/.exec(html);
+  const list = readFileSync(new URL("../../cmake/VpaidPage.cmake", import.meta.url), "utf8");
+  const names = /\(TAMZO_VPAID_SCRIPTS\s+([^)]*)\)/.exec(list)[1].trim().split(/\s+/);
+  const tree = names.map((name) => readFileSync(
+    new URL(`../../sdk/page/${name}.js`, import.meta.url), "utf8")).join("\n");
+  const tokens = (text) => Array.from(acorn.tokenizer(text, { ecmaVersion: 2017 }),
+    ({ type, value }) => [type.label, value && value.pattern ? String(value.pattern) : value]);
+  assert.deepEqual(tokens(script), tokens(`(function () { "use strict"; ${tree} })();`));
+});
+
+test("a page without an ad has 40 KB at most", async () => {
+  const response = inLineAd(mediaFile("https://x.example/"));
+  assert.ok(Buffer.byteLength(await pageOf(response)) <= 40960 + response.length);
 });

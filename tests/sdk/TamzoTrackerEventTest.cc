@@ -5,6 +5,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/Documents.h"
@@ -94,6 +95,51 @@ TEST(TamzoTrackerEventTest, AMapKeepsTheNameThatAGrowableTextHadThen) {
   EXPECT_EQ(map.begin()->name, "start");
 }
 
+TEST(TamzoTrackerEventTest, ACopyOfAMapSharesItsListsAndOutlivesIt) {
+  auto map = std::make_unique<TrackerMap>();
+  for (int i = 0; i < 100; ++i) {
+    map->listFor(Text("name" + std::to_string(i)));
+  }
+  const TrackerList last = map->find("name99");
+  TrackerMap copy;
+  copy.listFor("other");
+  copy = *map;
+  map.reset();
+  EXPECT_EQ(copy.size(), 100U);
+  EXPECT_EQ(copy.find("name99"), last);
+  EXPECT_EQ(copy.find("other"), nullptr);
+  copy.listFor("one more");
+  const TrackerMap& same = copy;
+  copy = same;
+  EXPECT_EQ(copy.size(), 101U) << "assigned to itself";
+}
+
+TEST(TamzoTrackerEventTest, AMapIsEmptyOnceItWasMovedAway) {
+  TrackerMap map;
+  for (int i = 0; i < 100; ++i) {
+    map.listFor(Text("name" + std::to_string(i)));
+  }
+  TrackerMap taken(std::move(map));
+  EXPECT_EQ(map.size(), 0U);  // NOLINT(bugprone-use-after-move)
+  EXPECT_EQ(map.find("name0"), nullptr);
+  EXPECT_EQ(map.find("name99"), nullptr);
+  map.listFor("new");
+  taken = std::move(map);
+  EXPECT_EQ(taken.size(), 1U);
+  EXPECT_EQ(taken.find("name0"), nullptr);
+  EXPECT_NE(taken.find("new"), nullptr);
+}
+
+TEST(TamzoTrackerEventTest, AMapMayBeGivenItsOwnNamesAndLists) {
+  TrackerMap map;
+  for (int i = 0; i < 8; ++i) {
+    map.set(Text("name" + std::to_string(i)), map.listFor("first"));
+  }
+  map.set(map.begin()->name, map.listFor("ninth"));
+  EXPECT_EQ(map.find("first"), map.find("ninth"));
+  EXPECT_EQ(map.listFor(map.begin()->name), map.find("first"));
+}
+
 // ---- Reading -------------------------------------------------------------------------------
 
 TEST(TamzoTrackerEventTest, ElementsWithoutTextAddNothing) {
@@ -103,6 +149,8 @@ TEST(TamzoTrackerEventTest, ElementsWithoutTextAddNothing) {
   appendTracker(events, root("<T><!--x--></T>"));
   appendTrackers(events, NodeList());
   EXPECT_TRUE(events->empty());
+  appendTracker(nullptr, root("<T>u</T>"));
+  appendTrackers(nullptr, root("<R><T>a</T></R>").nodesForXPath("T"));
   appendTracker(events, root("<T> </T>"), "7");
   appendTrackers(events, root("<R><T>a</T><T/><T>b</T></R>").nodesForXPath("T"));
   ASSERT_EQ(events->size(), 3U);

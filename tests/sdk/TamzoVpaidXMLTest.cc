@@ -307,10 +307,44 @@ TEST_F(VpaidXml, WhatTheInLineLacksIsThereAndEmpty) {
   for (const char* path :
        {"AdVerifications", "Extensions", "Creatives/Creative/Linear/Icons",
         "Creatives/Creative/Linear/VideoClicks", "Creatives/Creative/Linear/TrackingEvents"}) {
-    const NodeList found = merged_->nodesForXPath(XPath(std::string("/VAST/Ad/InLine/") + path));
+    const std::string whole = std::string("/VAST/Ad/InLine/") + path;
+    const NodeList found = merged_->nodesForXPath(XPath(whole));
     ASSERT_EQ(found.size(), 1U) << path;
     EXPECT_FALSE(found.at(0).firstChildElement()) << path;
   }
+}
+
+// ---- Links ---------------------------------------------------------------------------------
+
+TEST(VpaidXmlLinks, AChainOfAnyLengthGoes) {
+  std::shared_ptr<TamzoVpaidXML> chain;
+  std::weak_ptr<TamzoVpaidXML> outermost;
+  for (int i = 0; i < 200'000; ++i) {
+    auto link = TamzoVpaidXML::initWithVpaidWrapperNode(NodeList());
+    link->setOuterWrapper(std::move(chain));
+    chain = std::move(link);
+    if (i == 0) {
+      outermost = chain;
+    }
+  }
+  const auto inner = TamzoVpaidXML::initWithVpaidWrapperNode(NodeList());
+  inner->setOuterWrapper(chain);
+  chain.reset();
+  EXPECT_FALSE(outermost.expired()) << "another link still holds it";
+  inner->setOuterWrapper(nullptr);
+  EXPECT_TRUE(outermost.expired());
+}
+
+TEST(VpaidXmlLinks, ARingIsGoneThroughOnce) {
+  const auto document = parseDocument("<VAST><Ad><Wrapper><Error>e</Error></Wrapper></Ad></VAST>");
+  const auto first =
+      TamzoVpaidXML::initWithVpaidWrapperNode(document->nodesForXPath("/VAST/Ad/Wrapper"));
+  const auto second = std::make_shared<TamzoVpaidXML>(*first);
+  first->setOuterWrapper(second);
+  second->setOuterWrapper(first);
+  const auto merged = parseDocument(std::string(first->createInlineVast(NodeList(), "id").view()));
+  EXPECT_EQ(merged->nodesForXPath("/VAST/Ad/InLine/Error").size(), 2U);
+  second->setOuterWrapper(nullptr);
 }
 
 // ---- Cost ----------------------------------------------------------------------------------

@@ -31,6 +31,20 @@ TEST(VpaidWrapperPageTest, HasNoPlaceholderThatNobodyFills) {
   }
 }
 
+TEST(VpaidWrapperPageTest, WhatAdServersSendStandsInTheLastElementWhichHasNoEnd) {
+  const std::string_view page = vpaidWrapperPage();
+  const std::string_view values = page.substr(page.find("<plaintext"));
+  EXPECT_EQ(
+      values,
+      "<plaintext id=\"tag\" hidden>{{VAST_TAG}}\x1F{{MOAT_DATA}}\x1F{{MOAT_PARTNER_CODE}}\x1F\n");
+  EXPECT_EQ(page.substr(0, page.size() - values.size()).find("{{VAST_TAG}}"),
+            std::string_view::npos);
+}
+
+TEST(VpaidWrapperPageTest, HasFortyKilobytesAtMost) {
+  EXPECT_LE(vpaidWrapperPage().size(), std::size_t{40} << 10U);
+}
+
 TEST(VpaidWrapperPageTest, IsHandedOutWithoutBeingCopied) {
   EXPECT_EQ(TamzoAssetsManager::getVpaidWrapperData().view().data(), vpaidWrapperPage().data());
 }

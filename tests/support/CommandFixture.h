@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/Paths.h"
+
 namespace tamzo::testing {
 
 namespace fs = std::filesystem;
@@ -60,15 +62,14 @@ class CommandTest : public ::testing::Test {
     posix_spawn_file_actions_addopen(&actions, 1, path("stdout").c_str(), kWrite, 0600);
     posix_spawn_file_actions_addopen(&actions, 2, path("stderr").c_str(), kWrite, 0600);
     Arguments all = arguments;
-    all.insert(all.begin(), TAMZO_COMMAND);
+    all.insert(all.begin(), kCommand);
     std::vector<char*> pointers;
     for (std::string& argument : all) {
       pointers.push_back(argument.data());
     }
     pointers.push_back(nullptr);
     pid_t child = 0;
-    const int failed =
-        posix_spawn(&child, TAMZO_COMMAND, &actions, nullptr, pointers.data(), environ);
+    const int failed = posix_spawn(&child, kCommand, &actions, nullptr, pointers.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     int status = 0;
     if (failed != 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) {

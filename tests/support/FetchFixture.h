@@ -12,6 +12,7 @@
 
 #include "tests/support/HttpServer.h"
 #include "tests/support/SdkFixture.h"
+#include "tests/support/TestCertificates.h"
 
 namespace tamzo::testing {
 
@@ -33,7 +34,11 @@ inline std::string join(std::initializer_list<std::string_view> parts) {
 class FetchFixture : public SdkTest {
  protected:
   // No test waits for as long as that; one that is meant to end early sets a limit of its own.
-  FetchFixture() { limit(60.0); }
+  // What other tests left open is closed.
+  FetchFixture() {
+    TamzoUrlReader::closeIdleConnections();
+    limit(60.0);
+  }
 
   static void limit(double seconds, std::size_t maxBodyBytes = 1'000'000) {
     TamzoUrlReader::Limits limits;
@@ -45,6 +50,25 @@ class FetchFixture : public SdkTest {
 
   std::optional<std::string> read(const std::string& path) const {
     return readUrl(Text(server_.url(path)));
+  }
+
+  /// A fetch with the limits of the host of the process, to begin with.
+  static FetchRequest requestFor(const std::string& url, const FetchOptions& options = {}) {
+    FetchRequest request;
+    request.url = Text(url);
+    request.limits = TamzoHost::get()->fetchLimits;
+    request.options = options;
+    return request;
+  }
+  static FetchResult fetch(const std::string& url, const FetchOptions& options = {}) {
+    return TamzoUrlReader::fetch(requestFor(url, options));
+  }
+
+  /// Trusts the authority of the tests.
+  static FetchOptions trusting() {
+    FetchOptions options;
+    options.caFile = TestCertificates::caFile();
+    return options;
   }
 
   void redirect(const std::string& from, const std::string& to,

@@ -18,6 +18,8 @@
 #include <thread>
 #include <utility>
 
+#include "tests/support/Paths.h"
+
 namespace tamzo::testing {
 namespace {
 
@@ -85,7 +87,7 @@ RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const 
   const auto theirs = [&](char which, int other) {
     return streams.onTerminal.find(which) == std::string::npos ? other : terminal.theirs;
   };
-  std::vector<char*> pointers{const_cast<char*>(TAMZO_COMMAND)};
+  std::vector<char*> pointers{const_cast<char*>(kCommand)};
   for (const std::string& argument : arguments) {
     pointers.push_back(const_cast<char*>(argument.c_str()));
   }
@@ -101,7 +103,7 @@ RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const 
     dup2(theirs('e', error.theirs), STDERR_FILENO);
     std::signal(SIGPIPE, SIG_DFL);
     streams.inChild();
-    execv(TAMZO_COMMAND, pointers.data());
+    execv(kCommand, pointers.data());
     _exit(127);
   }
   for (int end : {in.theirs, out.theirs, error.theirs, terminal.theirs}) {

@@ -7,6 +7,7 @@
 
 #include "tests/support/CommandFixture.h"
 #include "tests/support/HttpServer.h"
+#include "tests/support/TestCertificates.h"
 
 namespace tamzo::testing {
 namespace {
@@ -41,7 +42,7 @@ TEST_F(ParseCommandTest, AFailedAdIsPrintedWithStatus1) {
   EXPECT_EQ(ordered_json::parse(json.out).at("errorCode"), 102);
   const Result text = run({"parse"}, "");
   EXPECT_EQ(text.status, 1);
-  EXPECT_NE(text.out.find("error 100"), std::string::npos) << text.out;
+  EXPECT_NE(text.out.find("FAILED 100"), std::string::npos) << text.out;
 }
 
 TEST_F(ParseCommandTest, OutputGoesToAFile) {
@@ -123,6 +124,56 @@ TEST_F(ParseCommandTest, FetchesAreLimited) {
   for (const auto& row : rows) {
     EXPECT_EQ(record(row.arguments).value("errorCode", -1), row.errorCode) << row.name;
   }
+}
+
+TEST_F(ParseCommandTest, RequestsAreMadeAsTheOptionsSay) {
+  HttpServer server;
+  HttpServer secure(TestCertificates::make());
+  HttpServer proxy;
+  std::string seen;
+  server.on("/ad", [&](const Exchange& exchange) {
+    seen = exchange.header("User-Agent").value_or("-") + "|" +
+           exchange.header("X-One").value_or("-") + "|" + exchange.header("X-Two").value_or("-");
+    exchange.respond(ad("a"));
+  });
+  secure.serve("/ad", ad("a"));
+  proxy.serve(server.url("/ad"), ad("by the proxy"));
+  const auto codeOf = [this](const Arguments& arguments) {
+    return record(arguments).value("errorCode", -1);
+  };
+  EXPECT_EQ(codeOf({"parse", server.url("/ad")}), 0);
+  EXPECT_EQ(seen, "-|-|-");
+  EXPECT_EQ(codeOf({"parse", "--user-agent", "App/1", "--header", "X-One: 1", "--header",
+                    "X-Two:", server.url("/ad")}),
+            0);
+  EXPECT_EQ(seen, "App/1|1|");
+  EXPECT_EQ(codeOf({"parse", secure.url("/ad")}), 301);
+  EXPECT_EQ(codeOf({"parse", "--ca", TestCertificates::caFile(), secure.url("/ad")}), 0);
+  EXPECT_EQ(codeOf({"parse", "--public-only", server.url("/ad")}), 301);
+  EXPECT_EQ(record({"parse", "--proxy", proxy.url(), server.url("/ad")}).value("adID", ""),
+            "by the proxy");
+  EXPECT_EQ(record({"parse", "--proxy", "none", server.url("/ad")}).value("adID", ""), "a");
+}
+
+TEST_F(ParseCommandTest, AChainMayHaveALimitOfTimeAsAWhole) {
+  HttpServer server;
+  for (int i = 1; i <= 4; ++i) {
+    server.on("/" + std::to_string(i), [&server, i](const Exchange& exchange) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(300));
+      exchange.respond("<VAST version='3.0'><Ad id='w'><Wrapper><VASTAdTagURI>" +
+                       server.url("/" + std::to_string(i + 1)) +
+                       "</VASTAdTagURI></Wrapper></Ad></VAST>");
+    });
+  }
+  server.serve("/5", ad("a"));
+  EXPECT_EQ(record({"parse", "--total-timeout", "60", server.url("/1")}).value("errorCode", -1),
+            302);
+  EXPECT_EQ(record({"parse", "--total-timeout", "0.7", server.url("/1")}).value("errorCode", -1),
+            301);
+  EXPECT_EQ(record({"parse", "--timeout", "0.7", "--total-timeout", "60", server.url("/1")})
+                .value("errorCode", -1),
+            302)
+      << "each is quick enough";
 }
 
 TEST_F(ParseCommandTest, HostileTextPutsNoControlCharacterOnTheTerminal) {

@@ -47,5 +47,10 @@ TEST(ErrorCodesTest, AreFoundByTheirCodeAndNoOtherIs) {
   EXPECT_EQ(findVastError(std::numeric_limits<std::int32_t>::max()), nullptr);
 }
 
+TEST(ErrorCodesTest, SuccessPromisesNothingToPlay) {
+  const std::string_view cause = findVastError(kNoError)->cause;
+  EXPECT_EQ(cause.find("play"), std::string_view::npos) << cause;
+}
+
 }  // namespace
 }  // namespace tamzo::testing

@@ -18,6 +18,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <new>
 #include <sstream>
@@ -25,9 +26,12 @@
 #include <vector>
 
 #include "tamzo/base/JsonValue.h"
+#include "tamzo/base/Text.h"
 #include "tamzo/net/TamzoUrlReader.h"
 #include "tamzo/sdk/TamzoLogger.h"
 #include "tamzo/sdk/TamzoMacroReplacementUtil.h"
+#include "tamzo/sdk/TamzoState.h"
+#include "tamzo/sdk/TamzoVastAdHelper.h"
 #include "tamzo/sdk/TamzoVpaidXML.h"
 #include "tamzo/vast/RecordJson.h"
 #include "tamzo/vast/TamzoVastAd.h"
@@ -201,8 +205,12 @@ class AllocationFailure : public ::testing::TestWithParam<Case> {
     documents_ = splitAtFormFeeds(seed(GetParam().seed));
     readUrlsWith([this](const Text&) {
       ++fetches_;
-      return fetches_ < documents_.size() ? std::optional<std::string>(documents_[fetches_])
-                                          : std::nullopt;
+      hasReaderFailed_ = true;  // unless it comes to its end
+      auto document = fetches_ < documents_.size()
+                          ? std::optional<std::string>(documents_[fetches_])
+                          : std::nullopt;
+      hasReaderFailed_ = false;
+      return document;
     });
     MacroHooks hooks;
     hooks.now = [] { return std::chrono::system_clock::time_point(); };
@@ -226,6 +234,7 @@ class AllocationFailure : public ::testing::TestWithParam<Case> {
   /// One parse with `injector` armed. What came of it, where it is none of what it may be.
   std::string parseWith(Injector& injector) {
     fetches_ = 0;
+    hasReaderFailed_ = false;
     std::shared_ptr<TamzoVastAd> ad;
     std::string escaped;
     injector.isArmed = true;
@@ -249,7 +258,9 @@ class AllocationFailure : public ::testing::TestWithParam<Case> {
         [](const std::string& document) { return document.find("<!ENTITY") != std::string::npos; });
     const bool isEntityLost =
         &injector == &libxml && ad->errorCode() == kNotXml && declaresEntities;
-    if (isEntityLost) {
+    // A host's reader that has no memory has failed to read, as for any other reason.
+    const bool isReadLost = hasReaderFailed_ && ad->errorCode() == kEmptyContent;
+    if (isEntityLost || isReadLost) {
       return "";
     }
     if (ad->errorCode() != wholeCode_) {
@@ -291,6 +302,7 @@ class AllocationFailure : public ::testing::TestWithParam<Case> {
 
   std::vector<std::string> documents_;
   std::size_t fetches_ = 0;
+  bool hasReaderFailed_ = false;
   Text response_;
   std::string whole_;
   int wholeCode_ = 0;
@@ -354,6 +366,323 @@ TEST(AllocationFailureOfJson, NothingIsAllocatedToDestroyAValue) {
   EXPECT_EQ(cpp.count, 0);
 }
 
+// ---- Every other public function ------------------------------------------------------------
+
+/// A document with something for everything that reads one.
+const char* const kAllKinds =
+    "<!DOCTYPE r [<!ENTITY e 'an entity that is longer than a string holds in itself'>]>"
+    "<r xmlns:p='urn:p'><a i='1'/><a/><a/><a/><a/><a/>"
+    "<p:name p:attribute='x'> &e; and <![CDATA[more]]> than that </p:name>"
+    "<Companion id='c' width='300' height='250'><StaticResource creativeType='image/png'> u "
+    "</StaticResource><IFrameResource> f </IFrameResource><HTMLResource>h</HTMLResource>"
+    "<CompanionClickThrough> t </CompanionClickThrough><CompanionClickTracking> k "
+    "</CompanionClickTracking><TrackingEvents><Tracking event='creativeView'> v </Tracking>"
+    "</TrackingEvents></Companion>"
+    "<Verification vendor='v'><JavaScriptResource apiFramework='omid'> j </JavaScriptResource>"
+    "<ExecutableResource type='t'> x </ExecutableResource><VerificationParameters>p"
+    "</VerificationParameters><TrackingEvents><Tracking event='e' offset='00:00:07'> w </Tracking>"
+    "</TrackingEvents></Verification>"
+    "<MediaFile type='video/mp4' width='1'> m </MediaFile><Hotspot> h </Hotspot>"
+    "<Icons><Icon><IconClicks><IconClickTracking>k</IconClickTracking><IconClickThrough>t"
+    "</IconClickThrough></IconClicks></Icon></Icons></r>";
+
+/// What a function gives, as a text to compare with; it may throw std::bad_alloc.
+struct Work {
+  const char* name;
+  std::function<std::string(const DDXMLDocument& document)> run;
+};
+
+void PrintTo(const Work& work, std::ostream* out) { *out << work.name; }
+
+void addTo(std::string& all, const Text& text) {
+  all += text.isNil() ? "nil" : text.view();
+  all += '|';
+}
+
+std::string companionsOf(const DDXMLDocument& document) {
+  const auto ad = TamzoCompanionAd::initWithNode(document.nodesForXPath("/r/Companion"));
+  const TamzoCompanion* best = ad->bestForSlot(1000, 1000);
+  std::string all;
+  addTo(all, best->id());
+  addTo(all, best->altText());
+  addTo(all, best->clickThrough());
+  addTo(all, best->staticResources().at(0).url);
+  addTo(all, best->iframeResources().at(0));
+  addTo(all, best->htmlResources().at(0));
+  addTo(all, best->clickTracking().at(0));
+  addTo(all, best->trackers().find("creativeView")->at(0)->url());
+  const TamzoCompanionAd copy = *ad;
+  return all + std::to_string(copy.companions().size());
+}
+
+std::string providerOf(const DDXMLDocument& document) {
+  const auto provider = TamzoMeasurementProviderModel::init()->createMeasurementProviderFromXML(
+      document.nodesForXPath("/r/Verification"));
+  std::string all;
+  addTo(all, provider->vendor());
+  addTo(all, provider->javaScriptResources().at(0).url);
+  addTo(all, provider->executableResources().at(0).type);
+  addTo(all, provider->verificationParameters());
+  addTo(all, provider->trackers().find("e")->at(0)->offset());
+  return all;
+}
+
+std::string componentsOf(const DDXMLDocument& document) {
+  const DDXMLElement root = document.rootElement();
+  std::string all;
+  addTo(all, TamzoMediaFile::initWithNode(root.firstNodeForXPath("MediaFile"))->url());
+  addTo(all, TamzoHotspot360Info::initWithNode(root.firstNodeForXPath("Hotspot"))->node().name());
+  addTo(all, TamzoCard::initWithNode(root)->node().name());
+  addTo(all, TamzoAdDuration::initFromString("00:00:30")->text());
+  addTo(all, TamzoVastAdHelper::getFirstElement(root, "Icons.Icon.IconClicks").XMLString());
+  TamzoWebSettings::init()->setCanZoom(true);
+  addTo(all, TamzoTrackerEvent::init()->url());
+  return all;
+}
+
+std::string treeOf(const DDXMLDocument& document) {
+  const DDXMLElement root = document.rootElement();
+  constexpr std::array<std::string_view, 2> kNames{"Icons", "a"};
+  std::string all;
+  for (const DDXMLElement& child : root.firstChildren(kNames)) {
+    addTo(all, child.XMLString());
+  }
+  for (DDXMLElement child = root.firstChildElement(); child; child = child.nextSiblingElement()) {
+    addTo(all, child.name());
+    addTo(all, child.stringValue());
+    addTo(all, child.attributeForName("p:attribute").name());
+    addTo(all, child.attributeValue("i"));
+  }
+  const NodeList found = root.nodesForXPath("a");
+  NodeList copy;
+  copy = found;
+  return all + std::to_string(found.size() + copy.size());
+}
+
+std::string queriesOf(const DDXMLDocument& document) {
+  const DDXMLElement root = document.rootElement();
+  XmlError error;
+  std::string all = root.nodesForXPath("a[", &error).isNil() ? error.message : "?";
+  all += std::to_string(document.nodesForXPath("//a[position() > 2]", &error).size());
+  all += error.message;
+  all += std::to_string(root.nodesForXPath("*/@*").size());
+  addTo(all, root.firstNodeForXPath("Icons/Icon[1]").XMLString());
+  addTo(all, root.XMLString());
+  return all;
+}
+
+std::string parsedOf(const DDXMLDocument&) {
+  const Text text("<r><a i='1'>one</a><p:b xmlns:p='urn:p'>two</p:b><![CDATA[three]]></r>");
+  return std::string(DDXMLDocument::initWithXMLString(text, 0)->rootElement().XMLString().view());
+}
+
+std::string textsOf(const DDXMLDocument&) {
+  std::string all;
+  const Text made("a text that is longer than a string holds in itself");
+  addTo(all, made.part(made.view().substr(2)));
+  addTo(all, made.part("a part of another text, which is copied"));
+  MutableText growing = MutableText::create();
+  growing.appendString(made);
+  growing.appendString(growing.view());
+  addTo(all, growing.asText());
+  addTo(all, growing.asText().part(growing.view().substr(1)));
+  addTo(all, trackerOffset("596523:14:07"));
+  addTo(all, TamzoUrlReader::urlFromText("http://a.example/with blanks and \xC3\xA4 in it"));
+  addTo(all, TamzoVastAd::replaceWithPattern("xmlns", Text("<VAST xmlns='urn:v' version='3.0'/>")));
+  return all;
+}
+
+std::string mapsOf(const DDXMLDocument&) {
+  TrackerMap map;
+  for (int i = 0; i < 100; ++i) {
+    map.listFor(Text("name" + std::to_string(i)))->push_back(makeTracker("u"));
+  }
+  TrackerMap copy;
+  copy.listFor("other");
+  copy = map;
+  return std::to_string(copy.size()) + (copy.find("name99") == map.find("name99") ? "" : "?");
+}
+
+std::string loggedOf(const DDXMLDocument&) {
+  TamzoLogger::debugLine("%@ and %ld", {Text("a text of more than a few characters"), 7});
+  static_cast<void>(TamzoLogger::callStackSymbols());
+  return TamzoLogger::format("%@, %ld", {Text("a text of more than a few characters"), 7});
+}
+
+std::string stateOf(const DDXMLDocument&) {
+  TamzoHost host = *TamzoHost::get();
+  TamzoHost::set(host);
+  TamzoState::setTamzoWebSettings(TamzoWebSettings::init());
+  std::string all;
+  addTo(all, TamzoState::getBlockedAdCategories());
+  addTo(all, TamzoState::getSessionId());
+  addTo(all, TamzoMacroReplacementUtil::replaceVASTMacros("[SERVERSIDE] [CACHEBUSTING] [OTHER]",
+                                                          TamzoVastAd()));
+  return all;
+}
+
+std::string recordOf(const DDXMLDocument& document) {
+  TamzoVastAd ad;
+  const NodeList nodes = NodeList::of(document.rootElement());
+  ad.updateImpressions(nodes);
+  ad.updateTrackers(nodes);
+  ad.setExtraActions(TamzoExtraActions::makeEmptyList());
+  ad.updateIcons(nodes);
+  ad.checkProgramExist("a program", document.rootElement());
+  ad.updateReplay("https://track.example/replay");
+  ad.updateCategory(nodes);
+  ad.updateAdditionalWebSetting(nodes);
+  ad.updateCompanion(document.nodesForXPath("/r/Companion"));
+  ad.updateOMVerificationResources(nodes, 4.1F);
+  ad.setMediaFiles(makeList<std::shared_ptr<TamzoMediaFile>>());
+  ad.addOrSetMediaFile(document.rootElement(), 0);
+  return recordAsJson(ad);
+}
+
+class WorkWithoutMemory : public ::testing::TestWithParam<Work> {
+ protected:
+  WorkWithoutMemory() : document_(DDXMLDocument::initWithXMLString(kAllKinds, 0)) {
+    MacroHooks hooks;
+    hooks.random = [](std::uint32_t) { return std::uint32_t{7}; };
+    fillMacrosWith(std::move(hooks));
+    writeLogTo([](std::string_view) {});
+    whole_ = GetParam().run(*document_);
+  }
+  ~WorkWithoutMemory() override { TamzoHost::set({}); }
+
+  // Either memory's exception comes out, or what comes out always.
+  void failEach(Injector& injector, bool forGood) {
+    long failing = 1;
+    do {
+      injector = Injector();
+      injector.failing = failing;
+      injector.forGood = forGood;
+      std::string result;
+      bool isThrown = false;
+      injector.isArmed = true;
+      try {
+        result = GetParam().run(*document_);
+      } catch (const std::bad_alloc&) {
+        isThrown = true;
+      }
+      injector.isArmed = false;
+      ASSERT_TRUE(isThrown == injector.hasFailed || &injector == &libxml)
+          << "allocation " << failing << "\n"
+          << stackOf(injector);
+      ASSERT_TRUE(isThrown || result == whole_) << result << "\ninstead of\n" << whole_;
+      ++failing;
+    } while (injector.hasFailed);
+    EXPECT_TRUE(&injector == &libxml || failing > 2) << "is the injector in place?";
+    EXPECT_EQ(GetParam().run(*document_), whole_) << "what was shared is what it was";
+  }
+
+ private:
+  std::shared_ptr<DDXMLDocument> document_;
+  std::string whole_;
+};
+
+TEST_P(WorkWithoutMemory, OfCpp) { failEach(cpp, false); }
+TEST_P(WorkWithoutMemory, OfCppForGood) { failEach(cpp, true); }
+
+// Not the queries: libxml2's evaluator of XPath frees twice what it has no memory to keep.
+class WorkWithoutLibxml2sMemory : public WorkWithoutMemory {};
+TEST_P(WorkWithoutLibxml2sMemory, OnceOnly) { failEach(libxml, false); }
+TEST_P(WorkWithoutLibxml2sMemory, ForGood) { failEach(libxml, true); }
+
+std::string nameOfWork(const ::testing::TestParamInfo<Work>& work) { return work.param.name; }
+
+INSTANTIATE_TEST_SUITE_P(PublicFunctions, WorkWithoutMemory,
+                         ::testing::Values(Work{"Companions", companionsOf},
+                                           Work{"Providers", providerOf},
+                                           Work{"Components", componentsOf},
+                                           Work{"Parse", parsedOf}, Work{"Tree", treeOf},
+                                           Work{"Queries", queriesOf}, Work{"Texts", textsOf},
+                                           Work{"Maps", mapsOf}, Work{"Log", loggedOf},
+                                           Work{"State", stateOf}, Work{"Record", recordOf}),
+                         nameOfWork);
+
+INSTANTIATE_TEST_SUITE_P(PublicFunctions, WorkWithoutLibxml2sMemory,
+                         ::testing::Values(Work{"Parse", parsedOf}, Work{"Tree", treeOf},
+                                           Work{"Record", recordOf}),
+                         nameOfWork);
+
+TEST(MapWithoutMemory, IsWhatItWas) {
+  TrackerMap many;
+  for (int i = 0; i < 100; ++i) {
+    many.listFor(Text("name" + std::to_string(i)));
+  }
+  bool isDone = false;
+  for (long failing = 1; !isDone; ++failing) {
+    TrackerMap map;
+    map.listFor("before");
+    cpp = Injector();
+    cpp.failing = failing;
+    cpp.isArmed = true;
+    try {
+      map = many;
+      map.listFor("after, with a name that is long");
+      isDone = true;
+    } catch (const std::bad_alloc&) {
+      cpp.isArmed = false;
+    }
+    cpp.isArmed = false;
+    const bool isOld = map.size() == 1 && map.find("before") != nullptr;
+    const bool isCopied = map.size() == 100 && map.find("name0") == many.find("name0") &&
+                          map.find("name99") == many.find("name99");
+    ASSERT_TRUE(isDone || isOld || isCopied) << "allocation " << failing;
+    for (const TrackerMap::Entry& entry : map) {
+      ASSERT_NE(entry.events, nullptr) << entry.name;
+    }
+  }
+}
+
+// What says that no std::exception comes out.
+TEST(RecordWithoutMemory, ThrowsNothingFromWhatAHostCalls) {
+  useTemplateFrom([] { return Text::literal("{{VAST_TAG}} {{MOAT_DATA}}"); });
+  const auto document = DDXMLDocument::initWithXMLString(kAllKinds, 0);
+  const DDXMLElement node = document->rootElement();
+  const Text before = Text::literal("before");
+  for (const bool forGood : {false, true}) {
+    bool hasFailed = true;
+    for (long failing = 1; hasFailed; ++failing) {
+      TamzoVastAd ad;
+      ad.setVastTagURI(Text::literal("a tag that is longer than what a string holds"));
+      ad.setVPaidHTML(before);
+      ad.setIconMap(std::make_shared<IconMap>());
+      cpp = Injector();
+      cpp.failing = failing;
+      cpp.forGood = forGood;
+      cpp.isArmed = true;
+      const Text page = ad.getVideoWAPView();
+      cpp.isArmed = false;
+      hasFailed = cpp.hasFailed;
+      EXPECT_EQ(page, hasFailed ? "" : "a tag that is longer than what a string holds {}");
+      EXPECT_EQ(ad.vPaidHTML(), hasFailed ? before : page);
+
+      cpp = Injector();
+      cpp.failing = failing;
+      cpp.forGood = forGood;
+      cpp.isArmed = true;
+      ad.getImageAd(node);
+      static_cast<void>(ad.getMostSuitableCompanion());
+      cpp.isArmed = false;
+      hasFailed = hasFailed || cpp.hasFailed;
+      EXPECT_EQ(ad.iconMap() == nullptr, cpp.hasFailed);
+      EXPECT_TRUE(ad.iconMap() == nullptr || ad.iconMap()->size() == 2);
+
+      cpp = Injector();
+      cpp.failing = failing;
+      cpp.forGood = forGood;
+      cpp.isArmed = true;
+      ad.parseVast(before);
+      cpp.isArmed = false;
+      hasFailed = hasFailed || cpp.hasFailed;
+      EXPECT_EQ(ad.errorCode(), cpp.hasFailed ? kException : kNotXml);
+    }
+  }
+  useTemplateFrom({});
+}
+
 std::string nameOf(const ::testing::TestParamInfo<Case>& info) { return info.param.name; }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -365,12 +694,13 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"Chain", "chain/wrapper-inline", false},
                       Case{"VpaidChain", "chain/vpaid-behind-wrappers", false},
                       Case{"VpaidChainWithEntities", "chain/vpaid-with-entities", false},
+                      Case{"VpaidChainWithNamespaces", "chain/vpaid-with-namespaces", false},
                       Case{"Entities", "response/entities.xml", false},
+                      Case{"OddNames", "response/odd-names.xml", false},
                       Case{"NotXml", "response/not-xml", false}),
     nameOf);
 
-// The merge alone: while memory runs out, libxml2 also reads prefixes of names in other ways than
-// they are written, which would hide what happens to them here.
+// The merge alone, where nothing turns the exception into an error code.
 class MergeAllocationFailure : public ::testing::Test {
  protected:
   MergeAllocationFailure() {

@@ -22,6 +22,7 @@
 #include "tamzo/vast/RecordJson.h"
 #include "tests/support/HostHooks.h"
 #include "tests/support/HttpServer.h"
+#include "tests/support/Paths.h"
 
 namespace tamzo::testing {
 namespace {
@@ -47,7 +48,7 @@ std::string replaceAll(std::string text, const std::string& what, const std::str
 // CASE.xml, but not CASE.2.xml.
 std::vector<fs::path> allCases() {
   std::vector<fs::path> cases;
-  for (const auto& entry : fs::recursive_directory_iterator(TAMZO_TEST_DATA)) {
+  for (const auto& entry : fs::recursive_directory_iterator(kTestData)) {
     const fs::path& path = entry.path();
     if (path.extension() == ".xml" && !path.stem().has_extension()) {
       cases.push_back(path);

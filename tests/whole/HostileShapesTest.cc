@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/Utf8.h"
 #include "bench/HostileDocuments.h"
 #include "tamzo/net/TamzoUrlReader.h"
 #include "tamzo/vast/RecordJson.h"
@@ -182,6 +183,36 @@ TEST_P(HostileShapesTest, EndsAsItMustAndSoon) {
   const std::string json = recordAsJson(*ad);
   EXPECT_EQ(json.front(), '{');
   EXPECT_EQ(json.back(), '}');
+  EXPECT_LT(threadSeconds() - begin, kMostSeconds);
+}
+
+std::string replaced(std::string text, std::string_view what, std::string_view with) {
+  for (std::size_t at = text.find(what); at != std::string::npos;
+       at = text.find(what, at + with.size())) {
+    text.replace(at, what.size(), with);
+  }
+  return text;
+}
+
+// The same ad behind a Wrapper, with a unit that is played in a page: the chain is merged.
+TEST_P(HostileShapesTest, EndsSoonMergedAndInAPageToo) {
+  if (GetParam().errorCode != 0 && GetParam().errorCode != 101) {
+    GTEST_SKIP() << "no document of a chain's end";
+  }
+  const std::string response = replaced(GetParam().make(kBytes), "type=\"video/mp4\">",
+                                        "type=\"application/javascript\" apiFramework=\"VPAID\">");
+  readUrlsWith([&response](const Text&) { return std::optional<std::string>(response); });
+  const double begin = threadSeconds();
+  const auto ad = TamzoVastAd::initWithVast(
+      "<VAST version=\"4.0\"><Ad><Wrapper><VASTAdTagURI>https://a.example/</VASTAdTagURI>"
+      "<Impression>u</Impression></Wrapper></Ad></VAST>");
+  ASSERT_NE(ad, nullptr);
+  // A body that is not UTF-8 is none.
+  EXPECT_EQ(ad->errorCode(), isUtf8(response) ? GetParam().errorCode : kEmptyContent);
+  // What is merged is written out: with every reference and every prefix.
+  EXPECT_LE(ad->vastTagURI().view().size(), 16 * response.size());
+  const std::size_t page = ad->getVideoWAPView().view().size();
+  EXPECT_LE(page, ad->vastTagURI().view().size() + 100'000);
   EXPECT_LT(threadSeconds() - begin, kMostSeconds);
 }
 

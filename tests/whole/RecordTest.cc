@@ -249,5 +249,30 @@ TEST_F(RecordTest, FlashIsNeverFound) {
   EXPECT_FALSE(ad->jsVPaidPresent());
 }
 
+TEST_F(RecordTest, AnOldCategoryBlocksALaterAd) {
+  blockCategories("IAB7");
+  const auto ad = TamzoVastAd::initWithVast(inlineAd("4.0", "<Category>IAB7</Category>"));
+  ASSERT_EQ(ad->errorCode(), kCategoryBlocked);
+  ad->parseVast(inlineAd("4.0", "<Category>IAB1</Category>"));
+  EXPECT_EQ(ad->errorCode(), kCategoryBlocked);
+  ad->setCategoryArray(nullptr);
+  ad->parseVast(inlineAd("4.0", "<Category>IAB1</Category>"));
+  EXPECT_NE(ad->errorCode(), kCategoryBlocked);
+}
+
+// What a host may take for harmless, and what must not compile.
+TEST_F(RecordTest, IsNotCopiedAndATextIsNoFlag) {
+  static_assert(!std::is_copy_constructible_v<TamzoVastAd>);
+  static_assert(!std::is_copy_assignable_v<TamzoVastAd>);
+  static_assert(!std::is_move_constructible_v<TamzoVastAd>);
+  const auto takes = [](auto& ad, auto value) {
+    return requires { ad.setIsImaEnabled(value); };
+  };
+  TamzoVastAd ad;
+  EXPECT_TRUE(takes(ad, true));
+  EXPECT_FALSE(takes(ad, "false"));
+  EXPECT_FALSE(takes(ad, static_cast<void*>(nullptr)));
+}
+
 }  // namespace
 }  // namespace tamzo::testing

@@ -11,6 +11,7 @@
 
 #include "base/Utf8.h"
 #include "tamzo/vast/RecordJson.h"
+#include "tests/support/Paths.h"
 #include "tests/support/Responses.h"
 #include "tests/support/SdkFixture.h"
 
@@ -21,7 +22,7 @@ using nlohmann::json;
 
 // The fuzzers begin with the same responses.
 std::string wholeResponse(const std::string& name) {
-  const auto path = std::filesystem::path(TAMZO_FUZZ_SEEDS) / "response" / name;
+  const auto path = std::filesystem::path(kFuzzSeeds) / "response" / name;
   std::ifstream file(path, std::ios::binary);
   EXPECT_TRUE(file) << path;
   std::ostringstream text;

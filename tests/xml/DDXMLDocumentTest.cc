@@ -98,5 +98,22 @@ TEST(Document, IsKeptAliveByEverythingReadFromIt) {
   EXPECT_EQ(text, Text("text"));
 }
 
+TEST(Document, HasNoNodesOnceItWasMovedAway) {
+  const auto document = documentOf("<r><a/></r>");
+  const DDXMLDocument taken = std::move(*document);
+  EXPECT_EQ(taken.rootElement().name(), "r");
+  EXPECT_FALSE(document->rootElement());
+  EXPECT_TRUE(document->nodesForXPath("/r").isNil());
+  EXPECT_TRUE(document->nodesForXPath("//r").isNil());
+}
+
+TEST(Document, ClearsTheErrorOfTheLastOneOnceAnotherIsRead) {
+  XmlError error;
+  EXPECT_EQ(DDXMLDocument::initWithXMLString("<a", 0, &error), nullptr);
+  EXPECT_NE(error.message, "");
+  EXPECT_NE(DDXMLDocument::initWithXMLString("<a/>", 0, &error), nullptr);
+  EXPECT_EQ(error.message, "");
+}
+
 }  // namespace
 }  // namespace tamzo::testing

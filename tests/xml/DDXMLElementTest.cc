@@ -179,5 +179,24 @@ TEST(FirstChildren, OfNilAreNil) {
             (std::vector<DDXMLElement>(2)));
 }
 
+TEST(Element, IsNilOnceItWasMovedAway) {
+  DDXMLElement source = root("<r><a>1</a></r>");
+  const DDXMLElement made(std::move(source));
+  EXPECT_FALSE(source);  // NOLINT(bugprone-use-after-move)
+  EXPECT_TRUE(source.stringValue().isNil());
+  EXPECT_TRUE(source.nodesForXPath("a").isNil());
+  EXPECT_TRUE(source.nodesForXPath("//a").isNil());
+  EXPECT_EQ(made.stringValue(), "1");
+  source = made;
+  DDXMLElement assigned = root("<other/>");
+  assigned = std::move(source);
+  EXPECT_FALSE(source);  // NOLINT(bugprone-use-after-move)
+  EXPECT_TRUE(source.name().isNil());
+  EXPECT_TRUE(assigned == made);
+  DDXMLElement& same = assigned;
+  assigned = std::move(same);
+  EXPECT_TRUE(assigned == made) << "moved into itself";
+}
+
 }  // namespace
 }  // namespace tamzo::testing

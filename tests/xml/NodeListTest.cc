@@ -86,6 +86,12 @@ TEST(NodeListTest, GoesIntoTheStandardLibrarysAlgorithms) {
             2);
   EXPECT_EQ(std::find(list.begin(), list.end(), list[1]), std::next(list.begin()));
   EXPECT_EQ(std::vector<DDXMLElement>(list.begin(), list.end()).size(), 3U);
+#ifdef __cpp_lib_ranges
+  const auto isTwo = [](const DDXMLElement& a) { return a.stringValue() == "2"; };
+  EXPECT_EQ(std::ranges::find_if(list, isTwo), std::next(list.begin()));
+  EXPECT_EQ(std::ranges::distance(list), 3);
+  EXPECT_TRUE(std::ranges::any_of(list, isTwo));
+#endif
   EXPECT_EQ(list[0].stringValue(), "1");
   EXPECT_THROW(static_cast<void>(list[3]), std::out_of_range);
 }

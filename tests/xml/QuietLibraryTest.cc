@@ -1,6 +1,14 @@
 #include "xml/QuietLibrary.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <new>
+#include <thread>
+
+#include "xml/XmlParser.h"
 
 namespace tamzo::testing {
 namespace {
@@ -28,6 +36,53 @@ TEST(QuietLibraryTest, NothingIsReportedWhileItLivesAndEverythingAfter) {
   report();
   EXPECT_EQ(reports, 2);
   xmlSetGenericErrorFunc(nullptr, nullptr);
+}
+
+// Sanitizers have allocators of their own, which end the program where there is no memory.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kIsSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
+void takeAllMemory() {
+  for (std::size_t size = std::size_t{1} << 24U; size >= 16; size /= 2) {
+    while (void* volatile block = std::malloc(size)) {
+      static_cast<void>(block);
+    }
+  }
+}
+
+[[noreturn]] void parseOnAThreadWithoutMemory() {
+  const rlimit limit{std::size_t{256} << 20U, std::size_t{256} << 20U};
+  setrlimit(RLIMIT_AS, &limit);
+  const Text text = Text::literal("<a/>");
+  std::thread([&text] {
+    XmlParser parser;
+    takeAllMemory();
+    try {
+      static_cast<void>(parser.parse(text));
+    } catch (const std::bad_alloc&) {
+      _exit(0);
+    }
+    _exit(1);
+  }).join();
+  _exit(2);
+}
+
+TEST(QuietLibraryTest, AThreadThatBeginsWithoutMemoryIsToldSo) {
+  if (kIsSanitized) {
+    GTEST_SKIP();
+  }
+  // The first thread to call libxml2 needs no memory of its own.
+  EXPECT_NE(XmlParser().parse("<a/>"), nullptr);
+  EXPECT_EXIT(parseOnAThreadWithoutMemory(), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

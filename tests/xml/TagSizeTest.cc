@@ -53,6 +53,7 @@ TEST(TagSizeTest, WhatIsNoTagHasNoAttributes) {
   EXPECT_FALSE(hasOversizedTag("<r><![CDATA[" + large + "]]></r>"));
   EXPECT_FALSE(hasOversizedTag("<r><?p " + large + "?></r>"));
   EXPECT_FALSE(hasOversizedTag("<!DOCTYPE r" + pairs + ">")) << "a declaration";
+  EXPECT_FALSE(hasOversizedTag("<!DOCTYPE r><r>" + large + "</r>")) << "what follows one";
   // What such a place only seems to hold open does not hide what follows.
   EXPECT_TRUE(hasOversizedTag("<r><!-- - - > --><![CDATA[]]]]><?p ? ?>" + large + "</r>"));
   EXPECT_TRUE(hasOversizedTag("<r><![CDATA[<]]><!--<--><?p <?>" + large + "</r>"));

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/support/Documents.h"
+#include "tests/support/Growth.h"
 #include "xml/XmlParser.h"
 
 namespace tamzo::testing {
@@ -112,6 +113,44 @@ TEST(Query, ThatFailsGivesNilAndSaysWhy) {
   }
 }
 
+TEST(Query, ThatSucceedsClearsTheErrorOfTheLastOne) {
+  const auto document = documentOf(kTree);
+  const DDXMLElement r = document->rootElement();
+  const NodeList list = NodeList::of(r);
+  XmlError error;
+  const auto fail = [&] {
+    EXPECT_TRUE(r.nodesForXPath("a[", &error).isNil());
+    EXPECT_NE(error.message, "");
+  };
+  fail();
+  EXPECT_FALSE(r.nodesForXPath("//b", &error).empty());
+  EXPECT_EQ(error.message, "");
+  fail();
+  EXPECT_FALSE(r.nodesForXPath("a", &error).empty());
+  EXPECT_EQ(error.message, "") << "a path of names cannot fail";
+  fail();
+  EXPECT_TRUE(document->nodesForXPath("/none", &error).empty());
+  EXPECT_EQ(error.message, "") << "nothing found is no error";
+  fail();
+  EXPECT_FALSE(list.nodesUnderFirst("a", &error).empty());
+  EXPECT_EQ(error.message, "");
+  fail();
+  EXPECT_TRUE(NodeList().nodesUnderFirst("a[", &error).isNil());
+  EXPECT_EQ(error.message, "") << "nothing was asked";
+  fail();
+  EXPECT_TRUE(DDXMLElement().nodesForXPath("a[", &error).isNil());
+  EXPECT_EQ(error.message, "");
+}
+
+TEST(Query, MayBeMadeOfTheErrorsOwnText) {
+  const DDXMLElement r = root(kTree);
+  XmlError error{"a/b"};
+  EXPECT_EQ(texts(r.nodesForXPath(XPath(error.message), &error)), (Texts{"1", "2", "4"}));
+  error.message = "//a[";
+  EXPECT_TRUE(r.nodesForXPath(XPath(error.message), &error).isNil());
+  EXPECT_NE(error.message, "//a[");
+}
+
 TEST(Query, ThatTakesTooManyStepsIsGivenUp) {
   const DDXMLElement r = root("<r>" + repeat("<a/>", 1000) + "</r>");
   XmlError error;
@@ -119,6 +158,48 @@ TEST(Query, ThatTakesTooManyStepsIsGivenUp) {
   EXPECT_TRUE(r.nodesForXPath("//a[count(//a[count(//a) > 0]) > 0]", &error).isNil());
   EXPECT_NE(error.message, "");
   EXPECT_EQ(r.nodesForXPath("//a[position() > 0]").size(), 1000U) << "the next one is not";
+}
+
+TEST(Query, EndsSoonOnALargeDocument) {
+  // Found together, put into order, or compared pair by pair, by libxml2, these take minutes.
+  const std::string documents[] = {
+      "<r>" + repeat("<a/>", 32'000) + "</r>", "<r>" + repeat("<a><b/></a>", 16'000) + "</r>",
+      "<r>" + repeat("x<!---->", 32'000) + "</r>",
+      "<r>" + repeat("<a b='1' c='2'/>", 16'000) + "</r>",
+      "<r><a b='" + repeat("x", 300'000) + "' c='" + repeat("x", 200'000) + "y'/></r>"};
+  for (const std::string& xml : documents) {
+    const DDXMLElement r = root(Text(xml));
+    for (const char* path :
+         {"//a[last()]/preceding::*", "//a/preceding::*", "//a/following-sibling::*", "//b/..",
+          "//a/..", "//a//b", "//text()", "//comment()/preceding::node()", "//a | //b",
+          "//node()[last()]/preceding-sibling::node()", "//a[@b=//@c]", "//a[.=//a]", "a/@b = a/@c",
+          "//a[contains(/, 'x')]", "//a[contains(@b, @c)]", "id(//a)"}) {
+      const double begin = threadSeconds();
+      XmlError error;
+      const NodeList found = r.nodesForXPath(XPath(std::string_view(path)), &error);
+      EXPECT_EQ(found.isNil(), !error.message.empty()) << path;
+      EXPECT_LT(threadSeconds() - begin, 10.0) << path << " of " << xml.substr(0, 20);
+    }
+    for (const char* path : {"//a", "//a[last()]", "//a[@b='1']", "//a/b", "//@b", ".//a[1]"}) {
+      EXPECT_FALSE(r.nodesForXPath(XPath(std::string_view(path))).isNil()) << path;
+    }
+  }
+}
+
+TEST(Query, SaysThatItTakesTooManySteps) {
+  XmlError error;
+  const DDXMLElement r = root(Text("<r>" + repeat("<a/>", 32'000) + "</r>"));
+  EXPECT_TRUE(r.nodesForXPath("//a/preceding::*", &error).isNil());
+  EXPECT_EQ(error.message, "the expression takes too many steps on a document of this size");
+}
+
+TEST(Query, FindsWithEveryAxisInAnOrdinaryDocument) {
+  const DDXMLElement r = root(Text("<r>" + repeat("<a>x<b/></a>", 200) + "</r>"));
+  EXPECT_EQ(r.nodesForXPath("//b/..").size(), 200U);
+  EXPECT_EQ(r.nodesForXPath("//a/preceding::*").size(), 398U);
+  EXPECT_EQ(r.nodesForXPath("//a//b | //a").size(), 400U);
+  EXPECT_EQ(r.nodesForXPath("//a/text()").size(), 200U);
+  EXPECT_EQ(r.nodesForXPath("//b/following-sibling::* | //a[. = //a]").size(), 200U);
 }
 
 TEST(Query, LeavesOutNamespacesWhichAreNoNodesOfTheTree) {

@@ -4,6 +4,9 @@
 
 #include <string>
 #include <string_view>
+#include <type_traits>
+
+#include "tamzo/base/Text.h"
 
 namespace tamzo::testing {
 namespace {
@@ -63,6 +66,18 @@ TEST(XPathTest, TheFirstStepEndsAtASlash) {
   EXPECT_EQ(XPath::firstStep(""), "");
   EXPECT_EQ(XPath::firstStep("/a"), "");
 }
+
+// One of a temporary would view what is gone.
+static_assert(std::is_constructible_v<XPath, std::string_view>);
+static_assert(std::is_constructible_v<XPath, const std::string&>);
+static_assert(std::is_constructible_v<XPath, std::string&>);
+static_assert(std::is_constructible_v<XPath, const Text&>);
+static_assert(std::is_constructible_v<XPath, const char*>);
+static_assert(!std::is_constructible_v<XPath, std::string>);
+static_assert(!std::is_constructible_v<XPath, const std::string>);
+static_assert(!std::is_constructible_v<XPath, Text>);
+static_assert(!std::is_convertible_v<std::string_view, XPath>);
+static_assert(!std::is_convertible_v<const char*, XPath>);
 
 }  // namespace
 }  // namespace tamzo::testing

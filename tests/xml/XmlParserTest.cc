@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <fstream>
@@ -333,6 +334,106 @@ TEST(XmlParserTest, ManyChildrenAreQueriedInOneGo) {
   EXPECT_EQ(document->nodesForXPath("//b").size(), 100'000U);
 }
 
+// What a text may hold in an entity is bounded as it is elsewhere.
+TEST(XmlParserTest, WhatAnEntityHoldsIsBounded) {
+  const std::string many = "<a" + attributes(2000) + "/>";
+  for (const std::string& content :
+       {repeat("<!--", 100'000), "<!--" + repeat("-- ", 100'000), repeat("<a>", 100'000),
+        repeat("< ", 100'000), repeat("<?p ", 100'000), repeat("</a>", 100'000),
+        "<a" + attributes(700, "xmlns:n") + "/>", many}) {
+    std::string quoted = content;
+    std::replace(quoted.begin(), quoted.end(), '"', '\'');
+    const std::string declaration = "<!ENTITY e \"" + quoted + "\">";
+    for (const std::string& xml :
+         {"<!DOCTYPE r [" + declaration + "]><r>&e;</r>",
+          "<!DOCTYPE r [" + declaration + "<!ENTITY f '&e;'><!ENTITY g '<a>&f;</a>'>]><r>&g;</r>",
+          "<!DOCTYPE r [" + declaration + "<!ENTITY f '&e;'>]><r a='&f;'/>",
+          "<!DOCTYPE r [" + declaration + "<!ENTITY f '&e;" + repeat("<b/><!---->", 50'000) +
+              "'>]><r>&f;</r>"}) {
+      EXPECT_EQ(parse(xml), nullptr) << content.substr(0, 20);
+    }
+  }
+}
+
+TEST(XmlParserTest, NamesInEntitiesCountWithAllOthers) {
+  std::string names;
+  for (int i = 0; i < 20'000; ++i) {
+    names += "<n" + std::to_string(i) + "/>";
+  }
+  EXPECT_EQ(parse("<!DOCTYPE r [<!ENTITY e '" + names + "'>]><r>&e;</r>"), nullptr);
+}
+
+TEST(XmlParserTest, WhatADocumentTypeHoldsHidesNoTag) {
+  const std::string large = "<a" + attributes(2000) + "/>";
+  for (const char* subset : {"<!-- ' -->",
+                             "<!-- \" -->",
+                             "<!-- > -->",
+                             "<!-- ]> -->",
+                             "<!-- [ -->",
+                             "<?p ' ?>",
+                             "<?p \" ?>",
+                             "<?p > ?>",
+                             "<?p ]> ?>",
+                             "<!ENTITY e \"'\">",
+                             "<!ENTITY e '\">'>",
+                             "<!ENTITY e ']>'>",
+                             "<!ENTITY e '<![CDATA['>",
+                             "<!ENTITY e '<!--'>",
+                             "<!ENTITY e SYSTEM \"'\">",
+                             "<!ENTITY e PUBLIC \"'\" \"'\">",
+                             "<!NOTATION n SYSTEM \"'\">",
+                             "<!ATTLIST a b CDATA \"'\">",
+                             "<!-- <![CDATA[ -->",
+                             "<!-- ' --><!-- \" --><?p '\"?>",
+                             "<!ENTITY e '&#39;'>"}) {
+    const std::string type = std::string("<!DOCTYPE r [") + subset + "]>";
+    EXPECT_EQ(parse(type + "<r>" + large + "</r>"), nullptr) << type;
+    EXPECT_NE(parse(type + "<r/>"), nullptr) << type;
+  }
+  for (const char* type : {"<!DOCTYPE r SYSTEM \"'\">", "<!DOCTYPE r PUBLIC \"'\" \"'\">",
+                           "<!DOCTYPE r SYSTEM '\"' [<!-- \" -->]>", "<!-- ' --><!DOCTYPE r>",
+                           "<?p ' ?><!DOCTYPE r>", "<!DOCTYPE r><!-- ' --><?p ' ?>"}) {
+    EXPECT_EQ(parse(type + ("<r>" + large) + "</r>"), nullptr) << type;
+    EXPECT_NE(parse(std::string(type) + "<r/>"), nullptr) << type;
+  }
+}
+
+TEST(XmlParserTest, WhiteSpaceIsNoName) {
+  // Runs of 24 blanks and tabs, no two of them alike.
+  std::string all;
+  for (unsigned i = 0; i < 30'000; ++i) {
+    all += "<a/>";
+    for (unsigned bit = 0; bit < 24; ++bit) {
+      all += ((i >> bit) & 1U) == 0 ? ' ' : '\t';
+    }
+  }
+  const auto document = parse("<r>" + all + "</r>");
+  ASSERT_NE(document, nullptr);
+  EXPECT_EQ(document->rootElement().stringValue().view().size(), 30'000U * 24U);
+  EXPECT_NE(parse("<!DOCTYPE r [<!ENTITY e '" + all + "'>]><r>&e;</r>"), nullptr);
+  std::string names;
+  for (int i = 0; i < 20'000; ++i) {
+    names += "<n" + std::to_string(i) + "/>";
+  }
+  EXPECT_EQ(parse("<r>" + all + names + "</r>"), nullptr) << "names are bounded all the same";
+}
+
+TEST(XmlParserTest, LongNamesThatCostTooMuchAreRefused) {
+  const std::string name(20'000, 'n');
+  const auto undeclared = [&](const std::string& element, int count) {
+    return "<r>" + repeat("<" + element + attributes(400, "p:a") + "/>", count) + "</r>";
+  };
+  EXPECT_EQ(parse(undeclared(name, 20)), nullptr);
+  EXPECT_NE(parse(undeclared("an-ordinary-name", 200)), nullptr);
+  const std::string type = "<!DOCTYPE r [<!ATTLIST a b CDATA #IMPLIED>]>";
+  const auto declared = [&](const std::string& element, int count) {
+    return type + "<r>" + repeat("<" + element + attributes(400) + "/>", count) + "</r>";
+  };
+  EXPECT_EQ(parse(declared(name, 20)), nullptr);
+  EXPECT_NE(parse(declared("an-ordinary-name", 200)), nullptr);
+  EXPECT_NE(parse("<r>" + repeat("<" + name + " a='1'/>", 20) + "</r>"), nullptr);
+}
+
 TEST(XmlParserTest, ManyErrorsEndAtTheFirst) {
   EXPECT_EQ(parse("<a>" + repeat("&undeclared;", 200'000) + "</a>"), nullptr);
   EXPECT_EQ(parse("<a>" + repeat("<b c='1' c='2'/>", 100'000) + "</a>"), nullptr);
@@ -346,6 +447,95 @@ TEST(XmlParserTest, TheTimeOfAParseGrowsWithItsTextAlone) {
       const std::string text = "<a>" + repeat(piece, static_cast<int>(size)) + "</a>";
       return [text] { EXPECT_NE(parseXml(text, nullptr), nullptr); };
     })) << piece;
+  }
+}
+
+TEST(XmlParserTest, CountsTheNodesOfAText) {
+  const std::vector<std::pair<std::string, std::size_t>> rows{
+      {"<a/>", 1},
+      {"<a>t<b/>t</a>", 2},
+      {"<a b='1'/>", 3},
+      {"<a b='1' xmlns:n='u' n:c=''/>", 6},
+      {"<a><!--c-->t<![CDATA[d]]><?p i?></a>", 4},
+      {"<!--c--><a/><?p?>", 3},
+      {"<!DOCTYPE a [<!--c--><?p?>]><a/>", 3},
+      {"<a>&#65;&amp;</a>", 1},
+      // elements of an entity are there once; its declaration and each reference count for two
+      {"<!DOCTYPE a [<!ENTITY e '<b/><b/>'>]><a>&e;&e;</a>", 1 + 2 + 2 + 4},
+  };
+  for (const auto& [xml, nodes] : rows) {
+    XmlParser parser;
+    EXPECT_NE(parser.parse(xml), nullptr) << xml;
+    EXPECT_EQ(parser.nodes(), nodes) << xml;
+    parser.setMaxNodes(nodes);
+    EXPECT_NE(parser.parse(xml), nullptr) << xml;
+    EXPECT_EQ(parser.bound(), "");
+    parser.setMaxNodes(nodes - 1);
+    EXPECT_EQ(parser.parse(xml), nullptr) << xml;
+    EXPECT_EQ(parser.bound(), "nodes");
+    EXPECT_EQ(parser.parseDocument(xml), nullptr) << xml;
+    EXPECT_FALSE(parser.error().message.empty());
+  }
+}
+
+TEST(XmlParserTest, StopsSoonAfterTheLastNodeThatMayBe) {
+  XmlParser parser;
+  parser.setMaxNodes(100);
+  EXPECT_EQ(parser.parse("<a>" + repeat("<b/>", 100'000) + "</a>"), nullptr);
+  EXPECT_EQ(parser.nodes(), 101U);
+  EXPECT_NE(parser.parseDocument("<a/>"), nullptr) << "each text by itself";
+  EXPECT_EQ(parser.nodes(), 1U);
+  EXPECT_EQ(parser.error().message, "");
+}
+
+std::string namesFrom(int first, int count) {
+  std::string all;
+  for (int i = first; i < first + count; ++i) {
+    all += "<n" + std::to_string(i) + "/>";
+  }
+  return all;
+}
+
+TEST(XmlParserTest, SaysWhichBoundWasPassed) {
+  const std::string tower = entityTower(std::string(1000, 'x'), 8, 10);
+  const std::string ten(11'000'000, 'x');
+  const std::vector<std::pair<std::string, std::string_view>> rows{
+      {"<a" + attributes(2000) + "/>", "attributes"},
+      {"<!DOCTYPE a [<!-- ' -->]><a" + attributes(2000) + "/>", "attributes"},
+      {"<!DOCTYPE a [<!ENTITY e \"<a" + repeat(" b='value'", 2000) + "/>\">]><a/>", "attributes"},
+      {"<a" + attributes(700, "xmlns:n") + "/>", "namespaces"},
+      {"<a>" + namesFrom(0, 20'000) + "</a>", "names"},
+      {"<!DOCTYPE a [" + repeat("<!ENTITY e 'x'>", 300) + "]><a/>", "declarations"},
+      {"<!DOCTYPE a [<!ELEMENT a (b" + repeat("|b", 3000) + ")>]><a/>", "document-type"},
+      {"<!DOCTYPE a [<!ENTITY % p 'x'>]><a/>", "parameter-entities"},
+      {tower + "<a>&e7;</a>", "entities"},
+      {"<!DOCTYPE a [<!ENTITY e '&f;'><!ENTITY f '&e;'>]><a>&e;</a>", "entities"},
+      {"<!DOCTYPE a [<!ATTLIST b c CDATA 'd'>]><a>" + repeat("<b/>", 100'000) + "</a>",
+       "default-attributes"},
+      {"<a>" + repeat("<" + std::string(20'000, 'n') + attributes(400, "p:a") + "/>", 20) + "</a>",
+       "long-names"},
+      {repeat("<a>", 300), "depth"},
+      {"<!DOCTYPE a [<!ENTITY e '" + repeat("<a>", 300) + repeat("</a>", 300) + "'>]><a>&e;</a>",
+       "depth"},
+      {"<" + std::string(60'000, 'n') + "/>", "length"},
+      {"<a b='" + ten + "'/>", "length"},
+      {"<a><!--" + ten + "--></a>", "length"},
+      {"<a><![CDATA[" + ten + "]]></a>", "length"},
+      {"<a>" + repeat("&#65;xxxxxxxxx", 1'100'000) + "</a>", "length"},
+      // no bound, but no XML either
+      {"", ""},
+      {"<a>", ""},
+      {"<a>&e;</a>", ""},
+      {"<a b='' b=''/>", ""},
+      {std::string("<a>\0</a>", 8), ""},
+  };
+  for (const auto& [xml, bound] : rows) {
+    XmlParser parser;
+    EXPECT_EQ(parser.parse(Text(xml)), nullptr) << xml.substr(0, 60);
+    EXPECT_EQ(parser.bound(), bound) << xml.substr(0, 60) << ": " << parser.error().message;
+    EXPECT_NE(parser.error().message, "");
+    EXPECT_NE(parser.parse("<a/>"), nullptr);
+    EXPECT_EQ(parser.bound(), "");
   }
 }
 

@@ -16,7 +16,7 @@ void TamzoVastAd::updateCompanion(const NodeList& companions) {
   companionAds()->push_back(TamzoCompanionAd::initWithNode(companions));
 }
 
-std::shared_ptr<TamzoCompanionAd> TamzoVastAd::getMostSuitableCompanion() const {
+std::shared_ptr<TamzoCompanionAd> TamzoVastAd::getMostSuitableCompanion() const noexcept {
   return companionAds() == nullptr || companionAds()->empty() ? nullptr : companionAds()->front();
 }
 

@@ -1,10 +1,12 @@
 // Which extension is read by whom.
 
 #include "tamzo/vast/TamzoVastAd.h"
+#include "vast/measurement/MoatLog.h"
 
 namespace tamzo {
 
 void TamzoVastAd::updateExtensions(const NodeList& nodes) {
+  MoatLog log;
   for (const DDXMLElement& extension : nodes.at(0).nodesForXPath("Extensions/Extension")) {
     const NodeList vendorNodes = extension.nodesForXPath("Tamzo");
     if (!vendorNodes.empty()) {
@@ -12,9 +14,10 @@ void TamzoVastAd::updateExtensions(const NodeList& nodes) {
     }
     const NodeList adVerifications = extension.nodesForXPath("AdVerifications");
     if (!adVerifications.empty()) {
-      updateMoatAdVerification(adVerifications);
+      appendMoatMarkup(adVerifications, log);
     }
   }
+  log.catchUp(moatViewImpressionStr());
 }
 
 }  // namespace tamzo

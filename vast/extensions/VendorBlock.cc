@@ -74,10 +74,11 @@ void readHotspots(Ad& ad, const NodeList& block, const DDXMLElement&) {
   if (hotspots.empty()) {
     return;
   }
-  ad.setHotspotList(makeList<std::shared_ptr<TamzoHotspot360Info>>());
+  const auto list = makeList<std::shared_ptr<TamzoHotspot360Info>>();
+  ad.setHotspotList(list);
   for (const DDXMLElement& element : hotspots) {
     if (auto hotspot = TamzoHotspot360Info::initWithNode(element)) {
-      ad.hotspotList()->push_back(std::move(hotspot));
+      list->push_back(std::move(hotspot));
     } else {
       TAMZO_LOG("Hotspot XML parsing error");
     }

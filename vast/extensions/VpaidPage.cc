@@ -2,6 +2,8 @@
 
 #include "tamzo/vast/TamzoVastAd.h"
 
+#include <algorithm>
+#include <exception>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,14 +16,17 @@
 namespace tamzo {
 namespace {
 
-// Values may hold placeholders of other values, so that a page can grow far beyond what it is made
-// of; one of this length is no page any more.
+// Values may hold placeholders of other values, and a template one again and again, so that a page
+// can grow far beyond what it is made of. One that is longer than so many times all of that
+// together is no page any more, nor is one of this length.
+constexpr std::size_t kMostTimesInputs = 16;
 constexpr std::size_t kMaxPageBytes = std::size_t{128} << 20U;
 
 /// A text whose placeholders are filled one after another, until it is too long.
 class PageText {
  public:
-  explicit PageText(std::string text) noexcept : text_(std::move(text)) {}
+  PageText(std::string text, std::size_t mostBytes) noexcept
+      : text_(std::move(text)), mostBytes_(mostBytes) {}
 
   void replaceAll(std::string_view what, std::string_view with) {
     if (isTooLong_) {
@@ -33,7 +38,7 @@ class PageText {
       out += rest.substr(0, at);
       out += with;
       rest.remove_prefix(at + what.size());
-      if (out.size() + rest.size() > kMaxPageBytes) {
+      if (out.size() + rest.size() > mostBytes_) {
         isTooLong_ = true;
         return;
       }
@@ -46,6 +51,7 @@ class PageText {
 
  private:
   std::string text_;
+  std::size_t mostBytes_;
   bool isTooLong_ = false;
 };
 
@@ -55,6 +61,14 @@ Text TamzoVastAd::getVideoWAPView() { return getVideoWAPView(*TamzoHost::get());
 
 Text TamzoVastAd::getVideoWAPView(const TamzoHost& host) {
   const HostScope scope(host);
+  try {
+    return fillVideoWAPView();
+  } catch (const std::exception&) {
+    return Text::literal("");
+  }
+}
+
+Text TamzoVastAd::fillVideoWAPView() {
   if (!vastTagURI().hasCharacters()) {
     return Text::literal("");
   }
@@ -62,19 +76,26 @@ Text TamzoVastAd::getVideoWAPView(const TamzoHost& host) {
   if (!pageTemplate.hasCharacters()) {
     return Text::literal("");
   }
-  const bool isUrl = vastTagURI().view().starts_with("http");
-  PageText filledTag{std::string(vastTagURI().view())};
-  filledTag.replaceAll("[TAMZO_SESSION_ID]", TamzoState::getSessionId());
-  const std::string tag = isUrl ? filledTag.take() : removeNewlines(filledTag.take());
   const auto orElse = [](const Text& text, std::string_view fallback) {
     return text.hasCharacters() ? text.view() : fallback;
   };
+  const bool isUrl = vastTagURI().view().starts_with("http");
+  const Text session = TamzoState::getSessionId();
+  const Text data = analyticsData();
+  const Text key = analyticsKey();
+  const std::size_t inputs = pageTemplate.view().size() + vastTagURI().view().size() +
+                             session.view().size() + data.view().size() + key.view().size();
+  const std::size_t most = std::min(kMostTimesInputs * inputs, kMaxPageBytes);
+
+  PageText filledTag(std::string(vastTagURI().view()), most);
+  filledTag.replaceAll("[TAMZO_SESSION_ID]", session);
+  const std::string tag = isUrl ? filledTag.take() : removeNewlines(filledTag.take());
   // One after the other: what a value brings of a later placeholder is filled too.
-  PageText page{std::string(pageTemplate.view())};
+  PageText page(std::string(pageTemplate.view()), most);
   page.replaceAll("{{IS_TAG_A_URL}}", isUrl ? "true" : "false");
   page.replaceAll("{{VAST_TAG}}", tag);
-  page.replaceAll("{{MOAT_DATA}}", orElse(analyticsData(), "{}"));
-  page.replaceAll("{{MOAT_PARTNER_CODE}}", orElse(analyticsKey(), ""));
+  page.replaceAll("{{MOAT_DATA}}", orElse(data, "{}"));
+  page.replaceAll("{{MOAT_PARTNER_CODE}}", orElse(key, ""));
   if (filledTag.isTooLong() || page.isTooLong()) {
     return Text::literal("");
   }

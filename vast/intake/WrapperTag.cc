@@ -18,6 +18,7 @@ NodeList TamzoVastAd::getWrapperLinearNode(const NodeList& nodes) {
 
 void TamzoVastAd::resolveNextTag(const NodeList& wrappers) {
   setVastTagURI(getVastTagURI(wrappers));
+  noteTag();
   setVastTagURI(TamzoMacroReplacementUtil::replaceVASTMacros(vastTagURI(), *this));
   TAMZO_LOG("VastTagURI: %@", vastTagURI());
 }

@@ -24,6 +24,8 @@ class IconPrograms {
     }
   }
 
+  bool empty() const noexcept { return actions_->empty(); }
+
   void put(const Text& program, const DDXMLElement& icon) {
     const auto position = program.isNil() ? std::nullopt : positions_.find(program);
     if (position) {
@@ -64,7 +66,7 @@ void TamzoVastAd::updateIcons(const NodeList& linears) {
     if (!program.hasCharacters() || !programs) {
       continue;
     }
-    const bool isFirst = extraActions().list()->empty();
+    const bool isFirst = programs->empty();
     programs->put(program, icon);
     if (!isFirst) {
       TAMZO_LOG("scsd");  // as the SDK has always logged it: its log filters look for this text

@@ -46,7 +46,6 @@ void TamzoVastAd::updateCategory(const NodeList& nodes) {
   if (categoryArray() == nullptr) {
     setCategoryArray(makeList<Text>());
   }
-  categoryArray()->reserve(categoryArray()->size() + categories.size());
   for (const DDXMLElement& category : categories) {
     categoryArray()->push_back(category.stringValue());
   }

@@ -72,7 +72,7 @@ class TAMZO_EXPORT JsonValue {
 
  private:
   explicit JsonValue(std::shared_ptr<const void> node) noexcept : node_(std::move(node)) {}
-  JsonValue part(const void* node) const noexcept;
+  TAMZO_HIDDEN JsonValue part(const void* node) const noexcept;
 
   std::shared_ptr<const void> node_;
 };

@@ -21,7 +21,7 @@ class TAMZO_EXPORT TamzoAdDuration {
   std::int64_t durationInSeconds() const noexcept { return seconds_; }
 
   /// The text as it was given.
-  const Text& text() const noexcept { return text_; }
+  const Text& text() const noexcept TAMZO_LIFETIMEBOUND { return text_; }
 
  private:
   TamzoAdDuration(Text text, std::int64_t seconds) noexcept

@@ -20,7 +20,7 @@ class TAMZO_EXPORT TamzoCard {
   }
 
   /// The Card element; nil only where the card was made of nil.
-  const DDXMLElement& node() const noexcept { return node_; }
+  const DDXMLElement& node() const noexcept TAMZO_LIFETIMEBOUND { return node_; }
 
  private:
   explicit TamzoCard(DDXMLElement node) noexcept : node_(std::move(node)) {}

@@ -66,12 +66,15 @@ class TAMZO_EXPORT TamzoCompanionAd {
   static std::shared_ptr<TamzoCompanionAd> initWithNode(const NodeList& companions);
 
   /// In document order.
-  const std::vector<TamzoCompanion>& companions() const noexcept { return companions_; }
+  const std::vector<TamzoCompanion>& companions() const noexcept TAMZO_LIFETIMEBOUND {
+    return companions_;
+  }
 
   /// The companion that fills a slot of that size, in pixels, best: of those that have something
   /// to show and fit into it, the one with the largest area, the first of equals. Null when none
   /// fits; a companion without a size never does. Owned by this record.
-  const TamzoCompanion* bestForSlot(std::int32_t width, std::int32_t height) const;
+  const TamzoCompanion* bestForSlot(std::int32_t width,
+                                    std::int32_t height) const TAMZO_LIFETIMEBOUND;
 
  private:
   std::vector<TamzoCompanion> companions_;

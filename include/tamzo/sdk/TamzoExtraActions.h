@@ -36,13 +36,13 @@ class TAMZO_EXPORT TamzoExtraActions {
   bool isList() const { return list() != nullptr; }
 
   /// The entries; null unless this is a list.
-  const List<Entry>& list() const;
+  const List<Entry>& list() const TAMZO_LIFETIMEBOUND;
   /// The decoded value; nil unless this is JSON that is no list.
-  const JsonValue& value() const;
+  const JsonValue& value() const TAMZO_LIFETIMEBOUND;
 
  private:
-  struct Content;
-  const Content* decoded() const;
+  struct TAMZO_HIDDEN Content;
+  TAMZO_HIDDEN const Content* decoded() const;
 
   std::shared_ptr<Content> content_;
 };

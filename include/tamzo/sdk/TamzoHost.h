@@ -10,6 +10,7 @@
 
 #include "tamzo/base/Export.h"
 #include "tamzo/base/Text.h"
+#include "tamzo/net/Fetch.h"
 #include "tamzo/net/TamzoUrlReader.h"
 
 namespace tamzo {
@@ -31,10 +32,17 @@ class MacroValues;
 /// otherwise; anything else that is thrown passes through to the caller of the parse.
 struct TAMZO_EXPORT TamzoHost {
   /// Reads the whole body behind a URL; nothing for a failed read, which ends the ad with error
-  /// 301, and so does a std::exception. Default: TamzoUrlReader::read() within `fetchLimits`.
+  /// 301, and so does a std::exception, std::bad_alloc included. Default: TamzoUrlReader::read()
+  /// within `fetchLimits`.
   std::function<std::optional<std::string>(const Text& url)> readUrl;
+  /// The same for a reader that is told more, and tells more: limits, of which the chain has taken
+  /// its part already, deadline, cancellation and hop. It comes before `readUrl` and throws as that
+  /// does.
+  std::function<FetchResult(const FetchRequest& request)> fetch;
   /// How long a read by the default may take, and how much it may bring.
-  TamzoUrlReader::Limits fetchLimits;
+  FetchLimits fetchLimits;
+  /// How the default makes its requests.
+  FetchOptions fetchOptions;
 
   /// Takes one line of the log, without a line break, while isTamzoDebugEnabled is set. Default:
   /// the system log.
@@ -56,12 +64,13 @@ struct TAMZO_EXPORT TamzoHost {
   std::function<std::uint32_t(std::uint32_t bound)> random;
 
   /// Sets the host of the whole process, for every parse that begins from now on. May be called
-  /// from any thread. An empty host brings all defaults back.
+  /// from any thread. An empty host brings all defaults back. Throws std::bad_alloc, and then
+  /// nothing is changed.
   static void set(TamzoHost host);
 
   /// The host of the whole process, as it was set last. Never null. To change one member, copy it,
   /// change the copy and set that.
-  static std::shared_ptr<const TamzoHost> get();
+  static std::shared_ptr<const TamzoHost> get() noexcept;
 };
 
 }  // namespace tamzo

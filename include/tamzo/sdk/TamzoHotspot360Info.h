@@ -18,7 +18,7 @@ class TAMZO_EXPORT TamzoHotspot360Info {
   static std::shared_ptr<TamzoHotspot360Info> initWithNode(DDXMLElement node);
 
   /// The Hotspot element; never nil.
-  const DDXMLElement& node() const noexcept { return node_; }
+  const DDXMLElement& node() const noexcept TAMZO_LIFETIMEBOUND { return node_; }
 
  private:
   explicit TamzoHotspot360Info(DDXMLElement node) noexcept : node_(std::move(node)) {}

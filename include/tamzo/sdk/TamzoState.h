@@ -9,7 +9,7 @@
 namespace tamzo {
 
 /// The SDK's class-level state, as far as the parser asks for it. Every function may be called
-/// from any thread at any time, and throws what the host's own functions throw.
+/// from any thread at any time, and throws what the host's own functions throw, and std::bad_alloc.
 class TAMZO_EXPORT TamzoState {
  public:
   /// What the host says: category codes separated by ",", taken as they stand, so that a blank

@@ -29,13 +29,13 @@ class TAMZO_EXPORT TamzoTrackerEvent {
   static std::shared_ptr<TamzoTrackerEvent> init() { return std::make_shared<TamzoTrackerEvent>(); }
 
   /// The text of the element, untrimmed and with its macros unfilled. Nil until set.
-  const Text& url() const noexcept { return url_; }
+  const Text& url() const noexcept TAMZO_LIFETIMEBOUND { return url_; }
   /// Sets url().
   void setUrl(Text url) noexcept { url_ = std::move(url); }
 
   /// When to fire, in whole seconds from the start, as decimal text; "" for an event that has no
   /// time. Nil until set.
-  const Text& offset() const noexcept { return offset_; }
+  const Text& offset() const noexcept TAMZO_LIFETIMEBOUND { return offset_; }
   /// Sets offset().
   void setOffset(Text offset) noexcept { offset_ = std::move(offset); }
 
@@ -47,7 +47,8 @@ class TAMZO_EXPORT TamzoTrackerEvent {
 /// The events of one name, in the order met. Nil where no document names the event.
 using TrackerList = List<std::shared_ptr<TamzoTrackerEvent>>;
 
-/// Tracking URLs by event name, in the order in which the names were first met.
+/// Tracking URLs by event name, in the order in which the names were first met. A copy shares the
+/// lists; a map that was moved away is empty. When memory runs out, a map is what it was.
 ///
 /// A plain value without locks: one thread may change it while no other reads it.
 class TAMZO_EXPORT TrackerMap {
@@ -59,12 +60,24 @@ class TAMZO_EXPORT TrackerMap {
     TrackerList events;  ///< in document order, over the whole chain
   };
 
+  /// Without names.
+  TrackerMap() noexcept = default;
+  /// Of the same names, with the very lists.
+  TrackerMap(const TrackerMap&) = default;
+  /// Leaves `other` empty.
+  TrackerMap(TrackerMap&& other) noexcept { swap(other); }
+  /// As the copy or the move that made `other`.
+  TrackerMap& operator=(TrackerMap other) noexcept {
+    swap(other);
+    return *this;
+  }
+
   /// The list under `name`, or nil.
   TrackerList find(std::string_view name) const;
 
   /// The list under `name`, made and entered empty when there is none. Throws
   /// std::invalid_argument for a nil name.
-  const TrackerList& listFor(const Text& name);
+  const TrackerList& listFor(const Text& name) TAMZO_LIFETIMEBOUND;
 
   /// Puts `events` under `name` in place of what stands there. Throws as listFor does.
   void set(const Text& name, TrackerList events);
@@ -72,11 +85,20 @@ class TAMZO_EXPORT TrackerMap {
   /// How many names there are.
   std::size_t size() const noexcept { return entries_.size(); }
   /// The names and their lists, in the order in which the names were first met.
-  std::vector<Entry>::const_iterator begin() const noexcept { return entries_.begin(); }
+  std::vector<Entry>::const_iterator begin() const noexcept TAMZO_LIFETIMEBOUND {
+    return entries_.begin();
+  }
   /// The end of begin().
-  std::vector<Entry>::const_iterator end() const noexcept { return entries_.end(); }
+  std::vector<Entry>::const_iterator end() const noexcept TAMZO_LIFETIMEBOUND {
+    return entries_.end();
+  }
 
  private:
+  void swap(TrackerMap& other) noexcept {
+    entries_.swap(other.entries_);
+    std::swap(positions_, other.positions_);
+  }
+
   std::vector<Entry> entries_;
   KeyIndex positions_;
 };
@@ -91,11 +113,11 @@ TAMZO_EXPORT Text trackerOffset(const Text& attribute);
 TAMZO_EXPORT std::shared_ptr<TamzoTrackerEvent> makeTracker(Text url,
                                                             Text offset = Text::literal(""));
 
-/// Appends an event for the element's text as it stands, unless that is "".
+/// Appends an event for the element's text as it stands, unless that is "" or `events` is nil.
 TAMZO_EXPORT void appendTracker(const TrackerList& events, const DDXMLElement& element,
                                 Text offset = Text::literal(""));
 
-/// Appends an event for each element whose text is not "".
+/// Appends an event for each element whose text is not "", unless `events` is nil.
 TAMZO_EXPORT void appendTrackers(const TrackerList& events, const NodeList& elements);
 
 /// The TrackingEvents/Tracking elements under `parent` as the SDK's components read them, which

@@ -11,8 +11,9 @@ namespace tamzo {
 /// The values of TamzoVastAd::errorCode(), which are IAB VAST error codes. A parse stops at the
 /// first failure; what it read before that stays in the record.
 enum VastErrorCode : std::int32_t {
-  /// Nothing failed. A chain of six Wrappers ends so too, and has nothing to play: ask mediaFiles()
-  /// and jsVPaidPresent().
+  /// Nothing failed, which does not say that there is something to play: ask mediaFiles() and
+  /// jsVPaidPresent(). A chain of six Wrappers ends so and has nothing; so does an ad that leaves
+  /// playing to another component (isImaEnabled()).
   kNoError = 0,
 
   /// An exception inside the parse: a response or tag URL of fewer than 4 characters, a Tracking

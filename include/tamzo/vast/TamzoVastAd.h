@@ -10,23 +10,28 @@
 #include "tamzo/base/Text.h"
 #include "tamzo/sdk/TamzoHost.h"
 #include "tamzo/vast/ErrorCodes.h"
+#include "tamzo/vast/ParseOptions.h"
 #include "tamzo/vast/TamzoVastAdProperties.h"
 #include "tamzo/xml/DDXMLDocument.h"
 #include "tamzo/xml/NodeList.h"
 
 namespace tamzo {
 
+class MoatLog;
+
 /// The record of one ad and the parser that fills it.
 ///
 ///     const auto ad = tamzo::TamzoVastAd::initWithVast(response);
-///     if (ad->errorCode() == 0) play(ad->mediaFiles());
+///     if (ad->errorCode() == 0 && !ad->mediaFiles()->empty()) play(ad->mediaFiles());
 ///
 /// **Reading.** The properties are those of TamzoVastAdProperties: each has a getter of its name
 /// and a setter. Text and lists may be nil, which is not the same as empty: nil was never written.
 ///
 /// **Failing.** A non-zero errorCode() marks a failed ad; what was read before the failure stays
-/// in the record. Nothing derived from std::exception is thrown to the caller. What else a host's
-/// own function throws passes through.
+/// in the record. 0 says that nothing failed, and not that there is something to play: see
+/// kNoError. Nothing derived from std::exception leaves initWithVast(), parseVast(),
+/// getVideoWAPView(), getImageAd() and getMostSuitableCompanion(), whatever a host's functions
+/// throw and wherever memory runs out. What else a host's own function throws passes through.
 ///
 /// **Threads.** A record belongs to the thread that fills it, which blocks while Wrappers are
 /// fetched. Two records may be filled on two threads at once. A filled record that nobody changes
@@ -46,12 +51,21 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
   static std::shared_ptr<TamzoVastAd> initWithVast(const Text& vast);
   /// The same with a host of its own, which is used until this returns.
   static std::shared_ptr<TamzoVastAd> initWithVast(const Text& vast, const TamzoHost& host);
+  /// The same with a host, a deadline, a cancellation and an observer, as far as they are given.
+  static std::shared_ptr<TamzoVastAd> initWithVast(const Text& vast, const ParseOptions& options);
 
   /// Resets the record as its properties say and parses `vast` as it stands, without the clean-up
-  /// that initWithVast() does first. The host is that of the process.
+  /// that initWithVast() does first. `vast` may be a text of this record. The host is that of the
+  /// process.
+  ///
+  /// A record may be parsed again, and some of the last parse stays: a record with isImaEnabled()
+  /// set reads nothing and ends with code 0, until a host sets it back; the categories gather in
+  /// categoryArray(), and an old one that is blocked ends each parse of a VAST 4 ad that has any.
   void parseVast(const Text& vast);
   /// The same with a host of its own, which is used until this returns.
   void parseVast(const Text& vast, const TamzoHost& host);
+  /// The same with a host, a deadline, a cancellation and an observer, as far as they are given.
+  void parseVast(const Text& vast, const ParseOptions& options);
 
   /// A record of which nothing was written yet: texts are nil, numbers 0, flags false.
   TamzoVastAd() noexcept = default;
@@ -66,16 +80,20 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
 
   /// The companions of the first document of the chain that had any, so a Wrapper's before the
   /// InLine's: that preference is meant. Null when there are none.
-  std::shared_ptr<TamzoCompanionAd> getMostSuitableCompanion() const;
+  std::shared_ptr<TamzoCompanionAd> getMostSuitableCompanion() const noexcept;
 
-  /// Sets iconMap() to the click elements of the first icon below `node`. A missing one leaves its
-  /// key absent; a nil node leaves both absent.
+  /// Sets iconMap() to a new map of the click elements of the first icon below `node`, which may be
+  /// an element of this record. A missing one leaves its key absent; a nil node leaves both absent.
+  /// Null where memory runs out.
   void getImageAd(const DDXMLElement& node);
 
   /// The page that plays a JavaScript VPAID ad: the SDK's template filled for this ad, which is
-  /// stored in vPaidHTML() too. "" when there is no tag or no template, or when the page would pass
-  /// 128 MiB; then vPaidHTML() keeps its value. Values are put in unescaped, one placeholder after
-  /// another. The host is that of the process.
+  /// stored in vPaidHTML() too. "" when there is no tag or no template, when the page would pass 16
+  /// times the template and all values together (the tag, the session's id, analyticsData() and
+  /// analyticsKey()), or 128 MiB, when a function of the host throws a std::exception or when
+  /// memory runs out; then vPaidHTML() keeps its value. Values are put in unescaped, one
+  /// placeholder after another: one that a value brings of a later one is filled too. The host is
+  /// that of the process.
   Text getVideoWAPView();
   /// The same with a host of its own, which is used until this returns.
   Text getVideoWAPView(const TamzoHost& host);
@@ -86,7 +104,7 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
   /// @}
 
   // The rest is called by the parser itself, and by its tests, step by step. A host needs none of
-  // it.
+  // it. It throws std::bad_alloc, what a host's functions throw, and what is said there.
 
   /// @name Intake and dispatch
   /// Called by the parser and its tests.
@@ -144,7 +162,7 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
   /// Duration into duration(); an empty one is not written.
   void updateDuration(const NodeList& linears);
   /// Into skipOffsetMillis(): "HH:MM:SS", or a percentage of the duration that the record holds at
-  /// this moment. Nil is not written.
+  /// this moment, which is infinity or NaN where it is beyond a double. Nil is not written.
   void updateSkipOffset(const Text& offset);
   /// TrackingEvents/Tracking and VideoClicks/ClickTracking into trackers(). Throws
   /// std::invalid_argument for a Tracking element without an event name.
@@ -172,7 +190,7 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
   /// processors pass 4.0 at most: that is meant.
   void updateOMVerificationResources(const NodeList& nodes, float vastVerrsion);
   /// The markup of Verification/ViewableImpression of every element of the list, appended to
-  /// moatViewImpressionStr().
+  /// moatViewImpressionStr(), and logged.
   void updateMoatAdVerification(const NodeList& adVerifications);
   /// The vendor's own tracking events into trackers(). Throws std::out_of_range for an empty list
   /// that is not nil.
@@ -209,30 +227,39 @@ class TAMZO_EXPORT TamzoVastAd final : public TamzoVastAdProperties {
   /// @}
 
  private:
-  void parse(const Text& vast);
-  void fail(const std::exception& exception);
-  void followChain();
-  Text readTagURI();
-  bool process(std::int32_t pass, std::int32_t version, const DDXMLDocument& document);
+  struct TAMZO_HIDDEN Chain;
+  TAMZO_HIDDEN void parse(const Text& vast, Chain& chain);
+  TAMZO_HIDDEN void fail(const std::exception& exception);
+  TAMZO_HIDDEN void followChain(Chain& chain);
+  TAMZO_HIDDEN bool startHop(Chain& chain);
+  TAMZO_HIDDEN bool readDocument(const Text& xml, Chain& chain);
+  TAMZO_HIDDEN Text readTagURI(Chain& chain);
+  TAMZO_HIDDEN void noteTag();
+  TAMZO_HIDDEN bool process(std::int32_t pass, std::int32_t version, const DDXMLDocument& document);
   using WrapperReader = void (TamzoVastAd::*)(const DDXMLDocument&, const NodeList& wrappers);
   using InLineReader = bool (TamzoVastAd::*)(const NodeList& inlines);
-  bool processAd(std::int32_t pass, const DDXMLDocument& document, WrapperReader readWrapper,
-                 InLineReader readInLine);
-  void readWrapperVersion2(const DDXMLDocument& document, const NodeList& wrappers);
-  void readWrapperVersion3(const DDXMLDocument& document, const NodeList& wrappers);
-  void readWrapperVersion4(const DDXMLDocument& document, const NodeList& wrappers);
-  bool readInLineVersion2(const NodeList& inlines);
-  bool readInLineVersion3(const NodeList& inlines);
-  bool readInLineVersion4(const NodeList& inlines);
-  void updateTrackersOfWrapper(const NodeList& wrappers);
-  NodeList openDocument(std::int32_t pass, const DDXMLDocument& document);
-  void startWrapper(std::int32_t pass, const NodeList& ads, const NodeList& wrappers);
-  void resolveNextTag(const NodeList& wrappers);
-  void updateSkipOffsetOfLinear(const NodeList& inlines);
-  void updateLinearCreative(const NodeList& linears);
-  void noteMissingLinear();
-  void noteJavaScriptVPAID(const NodeList& inlines);
-  TrackerMap& trackerMap();
+  TAMZO_HIDDEN bool processAd(std::int32_t pass, const DDXMLDocument& document,
+                              WrapperReader readWrapper, InLineReader readInLine);
+  TAMZO_HIDDEN void readWrapperVersion2(const DDXMLDocument& document, const NodeList& wrappers);
+  TAMZO_HIDDEN void readWrapperVersion3(const DDXMLDocument& document, const NodeList& wrappers);
+  TAMZO_HIDDEN void readWrapperVersion4(const DDXMLDocument& document, const NodeList& wrappers);
+  TAMZO_HIDDEN bool readInLineVersion2(const NodeList& inlines);
+  TAMZO_HIDDEN bool readInLineVersion3(const NodeList& inlines);
+  TAMZO_HIDDEN bool readInLineVersion4(const NodeList& inlines);
+  TAMZO_HIDDEN void updateTrackersOfWrapper(const NodeList& wrappers);
+  TAMZO_HIDDEN NodeList openDocument(std::int32_t pass, const DDXMLDocument& document);
+  TAMZO_HIDDEN void startWrapper(std::int32_t pass, const NodeList& ads, const NodeList& wrappers);
+  TAMZO_HIDDEN void resolveNextTag(const NodeList& wrappers);
+  TAMZO_HIDDEN void updateSkipOffsetOfLinear(const NodeList& inlines);
+  TAMZO_HIDDEN void updateLinearCreative(const NodeList& linears);
+  TAMZO_HIDDEN void noteMissingLinear();
+  TAMZO_HIDDEN Text fillVideoWAPView();
+  TAMZO_HIDDEN void appendMoatMarkup(const NodeList& adVerifications, MoatLog& log);
+  TAMZO_HIDDEN void noteJavaScriptVPAID(const NodeList& inlines);
+  TAMZO_HIDDEN TrackerMap& trackerMap();
+
+  // Of the parse under way.
+  Chain* chain_ = nullptr;
 };
 
 }  // namespace tamzo

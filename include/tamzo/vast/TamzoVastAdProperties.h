@@ -57,7 +57,7 @@ class TAMZO_EXPORT TamzoVastAdProperties : public MacroValues {
   void setVastTagURI(Text value) noexcept { vastTagURI_ = std::move(value); }
 
   /// 0, or why the ad failed: one of the codes in tamzo/vast/ErrorCodes.h. The code that was set
-  /// last wins.
+  /// last wins. A chain of six Wrappers ends with 0 and has nothing to play.
   std::int32_t errorCode() const noexcept { return errorCode_; }
   /// Sets errorCode().
   void setErrorCode(std::int32_t value) noexcept { errorCode_ = value; }
@@ -96,7 +96,8 @@ class TAMZO_EXPORT TamzoVastAdProperties : public MacroValues {
   }
 
   /// When the viewer may skip, in milliseconds from the start; 0 when the ad does not say. Of the
-  /// Linear or, over that, of the vendor's `SkipOffset`.
+  /// Linear or, over that, of the vendor's `SkipOffset`. May be negative, infinite or NaN, as the
+  /// ad server has it: `-5%`, `1e999%`, and that without a duration.
   double skipOffsetMillis() const noexcept { return skipOffsetMillis_; }
   /// Sets skipOffsetMillis().
   void setSkipOffsetMillis(double value) noexcept { skipOffsetMillis_ = value; }
@@ -381,7 +382,8 @@ class TAMZO_EXPORT TamzoVastAdProperties : public MacroValues {
   void setGratificationTime(Text value) noexcept { gratificationTime_ = std::move(value); }
 
   /// Another component plays the ad: the vendor's `ImaTracking`. Set, it ends the chain, and
-  /// vastTagURI() holds the URL that was not fetched.
+  /// vastTagURI() holds the URL that was not fetched. It stays set: a second parse of the record
+  /// reads nothing until it is set back.
   bool isImaEnabled() const noexcept { return isImaEnabled_; }
   /// Sets isImaEnabled().
   void setIsImaEnabled(bool value) noexcept { isImaEnabled_ = value; }
@@ -395,7 +397,7 @@ class TAMZO_EXPORT TamzoVastAdProperties : public MacroValues {
   void setExpires(double value) noexcept { expires_ = value; }
 
   /// Every Category of the InLine, as it stands. Never null after a parse; it grows over parses,
-  /// and every entry may block. VAST 4.
+  /// and every entry may block, those of earlier parses too. VAST 4.
   const List<Text>& categoryArray() const noexcept { return categoryArray_; }
   /// Sets categoryArray().
   void setCategoryArray(List<Text> value) noexcept { categoryArray_ = std::move(value); }

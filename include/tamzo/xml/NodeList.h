@@ -53,7 +53,8 @@ class TAMZO_EXPORT NodeList {
   /// The first node that `path` finds under the first node of the list, or nil.
   DDXMLElement firstMatch(const XPath& path) const;
 
-  /// What `path` finds under the first node of the list; nil when the list holds none.
+  /// What `path` finds under the first node of the list; nil when the list holds none. `error` is
+  /// that of DDXMLElement::nodesForXPath().
   NodeList nodesUnderFirst(const XPath& path, XmlError* error = nullptr) const;
 
   /// Walks over the nodes; each is given as a handle of its own.
@@ -86,9 +87,9 @@ class TAMZO_EXPORT NodeList {
     std::size_t index_ = 0;
   };
   /// The nodes in document order. Valid as long as this very list lives and is not assigned to.
-  Iterator begin() const noexcept { return {this, 0}; }
+  Iterator begin() const noexcept TAMZO_LIFETIMEBOUND { return {this, 0}; }
   /// The end of begin().
-  Iterator end() const noexcept { return {this, size_}; }
+  Iterator end() const noexcept TAMZO_LIFETIMEBOUND { return {this, size_}; }
 
  private:
   friend class DDXMLDocument;
@@ -99,8 +100,14 @@ class TAMZO_EXPORT NodeList {
 
   explicit NodeList(std::shared_ptr<const XmlTree> tree) noexcept
       : tree_(std::move(tree)), isNil_(false) {}
-  void append(_xmlNode* node);
-  void swap(NodeList& other) noexcept;
+  TAMZO_HIDDEN void append(_xmlNode* node);
+  void swap(NodeList& other) noexcept {
+    rest_.swap(other.rest_);
+    tree_.swap(other.tree_);
+    inline_.swap(other.inline_);
+    std::swap(size_, other.size_);
+    std::swap(isNil_, other.isNil_);
+  }
   _xmlNode* node(std::size_t index) const noexcept {
     return index < kInline ? inline_[index] : rest_[index - kInline];
   }

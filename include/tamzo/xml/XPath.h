@@ -1,7 +1,11 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <string_view>
+#include <type_traits>
+
+#include "tamzo/base/Export.h"
 
 namespace tamzo {
 
@@ -10,20 +14,30 @@ namespace tamzo {
 /// evaluates. Which of the two is settled when the XPath is made: for a literal, when the program
 /// is compiled.
 ///
-/// Holds a view of the text it was made from, which must outlive it. A plain value without locks.
+/// Holds a view of the text it was made from, which must outlive it: a literal does, and no XPath
+/// is made of a string or a Text that is gone at the end of the line. A plain value without locks.
 class XPath {
  public:
   /// Of a literal, which may stand wherever an XPath is asked for.
   template <std::size_t N>
   consteval XPath(const char (&literal)[N])  // NOLINT(google-explicit-constructor)
-      : XPath(std::string_view(literal, N - 1)) {}
+      : XPath(std::string_view(literal, N - 1)) {
+    if (literal[N - 1] != '\0') {
+      throw "a literal ends in a NUL";
+    }
+  }
 
   /// Of a text that is made while the program runs, malformed ones included.
-  explicit constexpr XPath(std::string_view text) noexcept : text_(text) {
+  explicit constexpr XPath(std::string_view text TAMZO_LIFETIMEBOUND) noexcept : text_(text) {
     isAbsolute_ = !text.empty() && text.front() == '/';
     steps_ = isAbsolute_ ? text.substr(1) : text;
     isChildPath_ = isPathOfNames(steps_);
   }
+
+  template <typename T>
+  requires(std::is_class_v<T> && !std::same_as<std::remove_const_t<T>, std::string_view> &&
+           std::convertible_to<T, std::string_view>) explicit XPath(T&&) =
+      delete;  ///< It would view what is gone.
 
   /// The expression as it was given.
   constexpr std::string_view text() const noexcept { return text_; }

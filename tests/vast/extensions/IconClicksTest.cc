@@ -58,5 +58,17 @@ TEST_F(IconClicksTest, EveryRunMakesANewMap) {
   EXPECT_EQ(old->at("iconClickThrough").stringValue(), "t") << "outlives its document";
 }
 
+TEST_F(IconClicksTest, MayBeLookedForBelowAnElementOfTheRecordsOwnMap) {
+  const auto ad = freshRecord();
+  ad->getImageAd(
+      parseDocument("<L><Icons><Icon><IconClicks><IconClickTracking><Icons><Icon><IconClicks>"
+                    "<IconClickThrough>inner</IconClickThrough></IconClicks></Icon></Icons>"
+                    "</IconClickTracking></IconClicks></Icon></Icons></L>")
+          ->rootElement());
+  ad->getImageAd(ad->iconMap()->at("iconClickTracking"));
+  ASSERT_EQ(ad->iconMap()->size(), 1U);
+  EXPECT_EQ(ad->iconMap()->at("iconClickThrough").stringValue(), "inner");
+}
+
 }  // namespace
 }  // namespace tamzo::testing

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "tamzo/vast/RecordJson.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SdkFixture.h"
 #include "vast/extensions/VendorBlock.h"
 
@@ -63,7 +64,7 @@ std::string takeCell(std::string& line) {
 }
 
 std::vector<Row> readDocument() {
-  std::ifstream document(TAMZO_DOCS "/vendor-block.md");
+  std::ifstream document(std::string(testing::kDocs) + "/vendor-block.md");
   std::vector<Row> rows;
   std::string line;
   while (std::getline(document, line) && !line.starts_with("| element |")) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+#include <stdexcept>
+
 #include "tests/support/SdkFixture.h"
 
 namespace tamzo::testing {
@@ -197,6 +200,35 @@ TEST_F(VpaidPageTest, APageThatGrowsWithoutEndIsNone) {
   EXPECT_EQ(adWithTag(sessions)->getVideoWAPView(), "");
 }
 
+TEST_F(VpaidPageTest, APageIsAtMostSixteenTimesItsTemplateAndValues) {
+  std::string sixteen;
+  for (int i = 0; i < 16; ++i) {
+    sixteen += "{{MOAT_DATA}}";
+  }
+  useSession("S");
+  const auto ad = adWithTag("http://t");
+  ad->setAnalyticsData(std::string(10'000, 'x'));
+  useTemplate(sixteen);
+  EXPECT_EQ(ad->getVideoWAPView().view().size(), 160'000U);
+  ad->setVPaidHTML("earlier");
+  useTemplate(sixteen + sixteen);
+  EXPECT_EQ(ad->getVideoWAPView(), "");
+  EXPECT_EQ(ad->vPaidHTML(), "earlier");
+  // Each value is filled into the one before it, and little becomes much.
+  std::string tag;
+  for (int i = 0; i < 400; ++i) {
+    tag += "{{MOAT_DATA}}";
+  }
+  std::string page;
+  for (int i = 0; i < 400; ++i) {
+    page += "{{VAST_TAG}}";
+  }
+  useTemplate(page);
+  const auto multiplied = adWithTag(tag);
+  multiplied->setAnalyticsData(std::string(7000, 'x'));
+  EXPECT_EQ(multiplied->getVideoWAPView(), "");
+}
+
 TEST_F(VpaidPageTest, APageMayHave128MebibytesAndNoByteMore) {
   constexpr std::size_t kMost = std::size_t{128} << 20U;
   const auto ad = adWithTag("http://t");
@@ -219,6 +251,24 @@ TEST_F(VpaidPageTest, TheSdksOwnTemplateHasAllFourPlaceholders) {
   const Text page = adWithTag("http://tag.example/")->getVideoWAPView();
   EXPECT_EQ(page.view().find("{{"), std::string_view::npos);
   EXPECT_NE(page.view().find("http://tag.example/"), std::string_view::npos);
+}
+
+TEST_F(VpaidPageTest, IsEmptyWhereTheHostThrowsAndTheRecordKeepsTheLastOne) {
+  useTemplate("{{VAST_TAG}}");
+  const auto ad = adWithTag("http://t/[TAMZO_SESSION_ID]");
+  ASSERT_EQ(ad->getVideoWAPView(), "http://t/");
+  HostState throwing;
+  throwing.sessionId = []() -> Text { throw std::runtime_error("no session"); };
+  useState(throwing);
+  EXPECT_EQ(ad->getVideoWAPView(), "");
+  useState({});
+  useTemplateFrom([]() -> Text { throw std::bad_alloc(); });
+  EXPECT_EQ(ad->getVideoWAPView(), "");
+  EXPECT_EQ(ad->vPaidHTML(), "http://t/");
+  EXPECT_EQ(ad->errorCode(), kException) << "of the parse, and as it was";
+
+  useTemplateFrom([]() -> Text { throw 7; });  // NOLINT(hicpp-exception-baseclass)
+  EXPECT_THROW(ad->getVideoWAPView(), int) << "what is no std::exception is the host's own";
 }
 
 }  // namespace

@@ -378,5 +378,50 @@ TEST_F(ParseLoopTest, WhatIsNoStdExceptionPassesThroughToTheCaller) {
   EXPECT_THROW(TamzoVastAd::initWithVast(wrapperTo("http://ads.example/2")), HostsOwn);
 }
 
+TEST_F(ParseLoopTest, AReaderWithoutMemoryHasReadNothing) {
+  for (const bool isLogged : {false, true}) {
+    if (isLogged) {
+      collectLog();
+    }
+    readUrlsWith([](const Text&) -> std::optional<std::string> { throw std::bad_alloc(); });
+    EXPECT_EQ(TamzoVastAd::initWithVast("http://ads.example/1")->errorCode(), kEmptyContent);
+    readUrlsWith(
+        [](const Text&) -> std::optional<std::string> { throw std::bad_array_new_length(); });
+    EXPECT_EQ(TamzoVastAd::initWithVast(wrapperTo("http://ads.example/2"))->errorCode(),
+              kEmptyContent);
+  }
+  EXPECT_TRUE(logged("error: the host's reader ran out of memory"));
+}
+
+TEST_F(ParseLoopTest, NoReaderIsAskedForATagThatIsTooLongForAUrl) {
+  const std::string tag = "http://ads.example/" + std::string(std::size_t{1} << 20U, 'x');
+  const auto ad = TamzoVastAd::initWithVast(wrapperTo(tag));
+  EXPECT_EQ(ad->errorCode(), kEmptyContent);
+  EXPECT_EQ(ad->vastTagURI(), tag);
+  EXPECT_EQ(TamzoVastAd::initWithVast(tag)->errorCode(), kEmptyContent);
+  EXPECT_TRUE(asked_.empty());
+}
+
+TEST_F(ParseLoopTest, ALogThatThrowsAtAnyLineEndsTheParseAndNothingMore) {
+  web_["http://ads.example/2"] = clickableAd();
+  const std::string response = wrapperTo("http://ads.example/2");
+  isTamzoDebugEnabled = true;
+  int lines = 0;
+  bool hasThrown = true;
+  for (int failing = 1; hasThrown; ++failing) {
+    lines = 0;
+    hasThrown = false;
+    writeLogTo([&](std::string_view) {
+      if (++lines >= failing) {
+        hasThrown = true;
+        throw std::runtime_error("the disk is full");
+      }
+    });
+    const auto ad = TamzoVastAd::initWithVast(response);
+    EXPECT_EQ(ad->errorCode(), hasThrown ? kException : kNoError) << "line " << failing;
+  }
+  EXPECT_GT(lines, 10);
+}
+
 }  // namespace
 }  // namespace tamzo::testing

@@ -9,12 +9,10 @@
 #include <vector>
 
 #include "tests/support/Responses.h"
-#include "tests/support/SdkFixture.h"
+#include "tests/support/UpdaterFixture.h"
 
 namespace tamzo::testing {
 namespace {
-
-using Names = std::vector<std::string>;
 
 // Everything that some version reads from a Wrapper or an InLine.
 std::string everything(const std::string& files, const std::string& category = "IAB1") {
@@ -44,7 +42,7 @@ const std::string kUnit =
 std::string inlineOf(const std::string& inside) { return bareInline("x", inside); }
 std::string wrapperOf(const std::string& inside) { return wrapper("x", inside, " tag [M] "); }
 
-class VersionProcessorsTest : public SdkTest {
+class VersionProcessorsTest : public UpdaterTest {
  protected:
   VersionProcessorsTest() { collectLog(); }
 
@@ -75,15 +73,7 @@ class VersionProcessorsTest : public SdkTest {
     }
     return messages;
   }
-  Names trackerNames() const {
-    Names names;
-    for (const auto& entry : *ad_->trackers()) {
-      names.emplace_back(entry.name.view());
-    }
-    return names;
-  }
 
-  std::shared_ptr<TamzoVastAd> ad_;
   std::size_t linesBefore_ = 0;
 };
 
@@ -360,6 +350,14 @@ TEST_F(VersionProcessorsTest, AWrapperWithoutALinearHasNoClickTracking) {
   EXPECT_EQ(trackerNames(), Names{"Impression"});
   process(3, wrapperOf("<Creatives><Creative><Linear/></Creative></Creatives>"));
   EXPECT_EQ(trackerNames(), (Names{"Impression", "ClickTracking"}));
+}
+
+TEST_F(VersionProcessorsTest, ARecordMayReadAnyNumberOfWrappers) {
+  const auto document = parseDocument(wrapperOf(""));
+  for (int i = 0; i < 100'000; ++i) {
+    EXPECT_FALSE(ad_->processVASTVersion2(2, *document));
+  }
+  ad_.reset();
 }
 
 }  // namespace

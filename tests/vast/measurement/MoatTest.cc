@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/support/Responses.h"
@@ -68,23 +70,85 @@ TEST_F(MoatTest, LogsTheWholeTextAfterEachBlockThatAddsToIt) {
                                                "<ViewableImpression>2</ViewableImpression>"}));
 }
 
-TEST_F(MoatTest, StopsLoggingATextThatHasGrownLong) {
-  std::string blocks;
-  for (int i = 0; i < 10'000; ++i) {
-    blocks +=
-        "<AdVerifications><Verification><ViewableImpression/></Verification></AdVerifications>";
-  }
+TEST_F(MoatTest, LogsAShortTextHoweverLittleItHasGrown) {
   const auto ad = freshRecord();
   collectLog();
+  const std::string block =
+      "<AdVerifications><Verification><ViewableImpression/></Verification></AdVerifications>";
   ad->updateMoatAdVerification(
-      parseDocument("<E>" + blocks + "</E>")->nodesForXPath("/E/AdVerifications"));
-  EXPECT_EQ(ad->moatVastIds().view().size(), 10'000 * std::string("<ViewableImpression/>").size());
-  std::size_t logged = 0;
+      parseDocument("<E>" + block + block + block + block + "</E>")->nodesForXPath("/E/*"));
+  std::string grown;
   for (const std::string& line : log()) {
-    logged += line.size();
+    grown += "<ViewableImpression/>";
+    EXPECT_TRUE(line.ends_with("] " + grown)) << line;
   }
-  EXPECT_GT(logged, 0U);
-  EXPECT_LT(logged, 10'000'000U);
+  EXPECT_EQ(log().size(), 4U);
+}
+
+TEST_F(MoatTest, LogsALongTextWhole) {
+  const auto ad = freshRecord();
+  collectLog();
+  const std::string markup =
+      "<ViewableImpression>" + std::string(100'000, 'x') + "</ViewableImpression>";
+  const auto blocks = parseDocument("<E><AdVerifications><Verification>" + markup +
+                                    "</Verification></AdVerifications></E>")
+                          ->nodesForXPath("/E/AdVerifications");
+  ad->updateMoatAdVerification(blocks);
+  EXPECT_TRUE(logged(markup));
+  ad->updateMoatAdVerification(blocks);
+  EXPECT_TRUE(logged(markup + markup));
+}
+
+class MoatLogTest : public MoatTest {
+ protected:
+  // Bytes that the log takes while `count` pieces of markup are read; checks what it has last.
+  template <typename Read>
+  std::size_t bytesLogged(int count, const std::string& piece, Read read) {
+    std::string pieces;
+    for (int i = 0; i < count; ++i) {
+      pieces += piece;
+    }
+    std::size_t bytes = 0;
+    std::string last;
+    isTamzoDebugEnabled = true;
+    writeLogTo([&](std::string_view line) {
+      bytes += line.size();
+      last = line;
+    });
+    const auto ad = freshRecord();
+    read(*ad, parseDocument("<E>" + pieces + "</E>"));
+    std::string whole;
+    for (int i = 0; i < count; ++i) {
+      whole += "<ViewableImpression/>";
+    }
+    EXPECT_EQ(ad->moatVastIds().view(), whole);
+    EXPECT_TRUE(last.ends_with("] " + whole)) << "the last line has all of it";
+    return bytes;
+  }
+
+  // Ever more pieces cost a few times their length, beside what is logged while the text is short.
+  template <typename Read>
+  void expectLinear(const std::string& piece, Read read) {
+    const std::size_t few = bytesLogged(10'000, piece, read);
+    const std::size_t many = bytesLogged(80'000, piece, read);
+    EXPECT_LT(many - few, 4 * 80'000 * std::string("<ViewableImpression/>").size());
+  }
+};
+
+const std::string kBlock =
+    "<AdVerifications><Verification><ViewableImpression/></Verification></AdVerifications>";
+
+TEST_F(MoatLogTest, IsLinearInTheBlocksOfAnExtension) {
+  expectLinear(kBlock, [](TamzoVastAd& ad, const std::shared_ptr<DDXMLDocument>& document) {
+    ad.updateMoatAdVerification(document->nodesForXPath("/E/AdVerifications"));
+  });
+}
+
+TEST_F(MoatLogTest, IsLinearInTheExtensions) {
+  const std::string extension = "<Extensions><Extension>" + kBlock + "</Extension></Extensions>";
+  expectLinear(extension, [](TamzoVastAd& ad, const std::shared_ptr<DDXMLDocument>& document) {
+    ad.updateExtensions(NodeList::of(document->rootElement()));
+  });
 }
 
 TEST_F(MoatTest, RunsForEveryVersionAndEveryExtension) {
@@ -111,6 +175,10 @@ TEST_F(MoatTest, NothingHappensWithoutNodes) {
     EXPECT_EQ(recordAsJson(*ad), before);
     EXPECT_TRUE(log().empty());
   }
+  MutableText markup = ad->moatViewImpressionStr();
+  markup.appendString("<ViewableImpression/>");
+  ad->updateMoatAdVerification(NodeList::makeEmpty());
+  EXPECT_EQ(ad->moatVastIds(), "") << "what was there before is no reason to write it";
 }
 
 }  // namespace

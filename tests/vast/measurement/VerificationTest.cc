@@ -142,5 +142,19 @@ TEST_F(VerificationTest, NothingHappensWithoutNodes) {
   }
 }
 
+TEST_F(VerificationTest, AListOfProvidersThatAHostTookAwayIsMadeAnew) {
+  const auto ad = freshRecord();
+  ad->setMeasurementProviderList(nullptr);
+  ad->updateOMVerificationResources(
+      rootOf("<I><AdVerifications><Verification vendor='v'/></AdVerifications></I>"), 4.1F);
+  ASSERT_NE(ad->measurementProviderList(), nullptr);
+  ASSERT_EQ(ad->measurementProviderList()->size(), 1U);
+  EXPECT_EQ(ad->measurementProviderList()->front()->vendor(), "v");
+  ad->setMeasurementProviderList(nullptr);
+  ad->updateOMVerificationResources(NodeList(), 4.1F);
+  ASSERT_NE(ad->measurementProviderList(), nullptr);
+  EXPECT_TRUE(ad->measurementProviderList()->empty());
+}
+
 }  // namespace
 }  // namespace tamzo::testing

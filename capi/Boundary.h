@@ -1,0 +1,39 @@
+#pragma once
+
+#include <exception>
+#include <new>
+#include <string_view>
+
+#include "tamzo/base/Text.h"
+#include "tamzo/tamzo_vast.h"
+
+namespace tamzo::capi {
+
+/// Nil stays nil.
+inline tamzo_vast_text viewOf(const Text& text) noexcept {
+  if (text.isNil()) {
+    return {nullptr, 0};
+  }
+  const std::string_view view = text.view();
+  return {view.data() == nullptr ? "" : view.data(), view.size()};
+}
+
+/// A view of what C gives; nil is empty, and so is a length without characters.
+inline std::string_view viewOf(tamzo_vast_text text) noexcept {
+  return text.data == nullptr ? std::string_view() : std::string_view(text.data, text.size);
+}
+
+/// Runs what stands behind a function for C. Nothing that is thrown gets past it: what is no
+/// std::exception comes from a hook of the host.
+template <typename Work>
+tamzo_vast_status guarded(Work work) noexcept {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    return TAMZO_VAST_NO_MEMORY;
+  } catch (...) {
+    return TAMZO_VAST_HOOK_FAILED;
+  }
+}
+
+}  // namespace tamzo::capi

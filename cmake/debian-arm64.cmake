@@ -1,0 +1,5 @@
+# Toolchain file: Debian's cross compiler for arm64 (crossbuild-essential-arm64).
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(TAMZO_TRIPLET aarch64-linux-gnu)
+set(TAMZO_EMULATOR qemu-aarch64-static)
+include(${CMAKE_CURRENT_LIST_DIR}/debian-cross.cmake)

@@ -1,0 +1,204 @@
+#!/usr/bin/python3
+"""Parses JSON lines of many files on a Dask cluster, by tamzo-vast batch on each worker.
+
+    dask_batch.py --out FOLDER [--scheduler ADDRESS] [options] FILE... [-- OPTION OF BATCH...]
+
+Each FILE holds lines {"id": ..., "vast": "..."}; it is a path or a URL that fsspec reads, plain or
+compressed. It is cut into blocks at ends of lines, and each block is a task. FOLDER, which all workers
+must see, gets part-00000.jsonl and so on: in the order of their names they hold one answer a line,
+in the order of the input. table.json has how many answers there were of each errorCode, and of each
+finding when the answers explain. The same is printed as a table.
+
+Exit status, as that of batch: 0 when no ad failed, 1 when one did, 2 when a line could
+not be read; and 3 when a block failed on every try. The answers of all other blocks are there then.
+"""
+
+import argparse
+import collections
+import json
+import os
+import pathlib
+import re
+import shlex
+import subprocess
+import sys
+import tempfile
+import uuid
+
+import fsspec
+import fsspec.utils
+from distributed import Client, LocalCluster, as_completed
+
+Block = collections.namedtuple("Block", "path offset length")
+Tally = collections.namedtuple("Tally", "codes findings refused")
+
+# The last in a refused line's answer: an id, which comes first, may hold anything.
+LINE_NUMBER = re.compile(rb'("line":\s*)(\d+)(\s*,\s*"error":\s*"(?:[^"\\]|\\.)*"\s*\}\s*)$')
+
+
+def blocks_of(path, size):
+    """The blocks of a file; one that is compressed can only be read from its beginning."""
+    if fsspec.utils.infer_compression(path) is not None:
+        return [Block(path, 0, None)]
+    files, name = fsspec.core.url_to_fs(path)
+    return [Block(path, offset, size) for offset in range(0, files.size(name), size)]
+
+
+def read(block):
+    """The lines that begin in a block."""
+    with fsspec.open(block.path, "rb", compression="infer") as file:
+        return fsspec.utils.read_block(file, block.offset, block.length, b"\n")
+
+
+def count_lines(block):
+    return read(block).count(b"\n")
+
+
+def tally(answer, into):
+    """Counts one answer; true when it is a record."""
+    content = json.loads(answer)
+    if "record" not in content:
+        return False
+    into.codes[content["record"]["errorCode"]] += 1
+    for finding in content.get("explanation", {}).get("findings", []):
+        into.findings[finding["id"]] += 1
+    return True
+
+
+def shifted(answer, lines_before):
+    """A refused line's answer with the number that the line has in its file."""
+    return LINE_NUMBER.sub(
+        lambda match: match[1] + str(int(match[2]) + lines_before).encode() + match[3], answer)
+
+
+def write_answers(answers, lines_before, target):
+    """Writes the answers as they come and counts them."""
+    result = Tally(collections.Counter(), collections.Counter(), 0)
+    for answer in answers:
+        if not tally(answer, result):
+            result = result._replace(refused=result.refused + 1)
+            answer = shifted(answer, lines_before)
+        target.write(answer)
+    return result
+
+
+def parse_block(block, lines_before, part, command):
+    """Pipes a block through the command. May be run again, or twice at once, as Dask sees fit: the part
+    is put in its place whole."""
+    lines = read(block)
+    if block.offset:
+        # A byte order mark is dropped at the beginning of a file only.
+        lines, lines_before = b"\n" + lines, lines_before - 1
+    unfinished = part.with_name(f"{part.name}.{uuid.uuid4().hex}.unfinished")
+    with tempfile.TemporaryFile() as given, tempfile.TemporaryFile() as answers:
+        given.write(lines)
+        given.seek(0)
+        run = subprocess.run(command, stdin=given, stdout=answers, stderr=subprocess.PIPE, check=False)
+        # Status 2 without an answer is wrong usage.
+        if run.returncode not in (0, 1, 2) or (run.returncode == 2 and answers.tell() == 0):
+            why = run.stderr[-1000:].decode(errors="replace").strip()
+            raise RuntimeError(f"{command[0]} ended with {run.returncode}: {why}")
+        answers.seek(0)
+        with open(unfinished, "wb") as target:
+            result = write_answers(answers, lines_before, target)
+    os.replace(unfinished, part)
+    return result
+
+
+def lines_before_blocks(client, blocks):
+    """How many lines of its file stand before each block."""
+    before = []
+    path, lines = None, 0
+    for block, count in zip(blocks, client.gather(client.map(count_lines, blocks, pure=False))):
+        if block.path != path:
+            path, lines = block.path, 0
+        before.append(lines)
+        lines += count
+    return before
+
+
+def run_blocks(client, blocks, folder, command, retries):
+    """The sum of all tallies, and what failed: the block with the reason."""
+    parts = [folder / f"part-{number:05}.jsonl" for number in range(len(blocks))]
+    tasks = client.map(parse_block, blocks, lines_before_blocks(client, blocks), parts,
+                       command=command, retries=retries, pure=False)
+    block_of = {task.key: block for task, block in zip(tasks, blocks)}
+    total = Tally(collections.Counter(), collections.Counter(), 0)
+    failed = []
+    for task in as_completed(tasks):
+        if task.status != "finished":
+            failed.append((block_of[task.key], str(task.exception())))
+            continue
+        result = task.result()
+        total.codes.update(result.codes)
+        total.findings.update(result.findings)
+        total = total._replace(refused=total.refused + result.refused)
+    return total, failed
+
+
+def print_table(total):
+    rows = [(count, code) for code, count in sorted(total.codes.items())]
+    rows += [(total.refused, "refused")] if total.refused else []
+    rows += [(count, finding) for finding, count in total.findings.most_common()]
+    for count, what in rows:
+        print(f"{count:10}  {what}")
+
+
+def status_of(total, failed):
+    if failed:
+        return 3
+    if total.refused:
+        return 2
+    return 1 if any(total.codes.keys() - {0}) else 0
+
+
+def arguments():
+    given = sys.argv[1:]
+    end = given.index("--") if "--" in given else len(given)
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--out", required=True, type=pathlib.Path, metavar="FOLDER")
+    parser.add_argument("--scheduler", metavar="ADDRESS",
+                        help="or a scheduler file; default: a cluster on this machine")
+    parser.add_argument("--workers", type=int, help="processes of the cluster on this machine")
+    parser.add_argument("--command", default="tamzo-vast", help="how a worker calls tamzo-vast")
+    parser.add_argument("--block", type=int, default=16 << 20, metavar="BYTES")
+    parser.add_argument("--retries", type=int, default=2, help="of a block that fails")
+    parser.add_argument("files", nargs="+", metavar="FILE")
+    options = parser.parse_args(given[:end])
+    # Dask gives each core a task.
+    options.command = [*shlex.split(options.command), "batch", "-j", "1", *given[end + 1:]]
+    return options
+
+
+def client_of(options):
+    if options.scheduler and options.scheduler.endswith(".json"):
+        return Client(scheduler_file=options.scheduler)
+    if options.scheduler:
+        return Client(options.scheduler)
+    return Client(LocalCluster(n_workers=options.workers, threads_per_worker=1, processes=True,
+                               dashboard_address=None))
+
+
+def main():
+    options = arguments()
+    folder = options.out.resolve()
+    folder.mkdir(parents=True, exist_ok=True)
+    if any(folder.iterdir()):
+        sys.exit(f"{folder} is not empty")
+    blocks = [block for path in options.files for block in blocks_of(path, options.block)]
+    with client_of(options) as client:
+        total, failed = run_blocks(client, blocks, folder, options.command, options.retries)
+    for left_over in folder.glob("*.unfinished"):
+        left_over.unlink()
+    for block, why in failed:
+        print(f"{block.path}, from byte {block.offset}: {why}", file=sys.stderr)
+    (folder / "table.json").write_text(json.dumps({
+        "errorCodes": dict(sorted(total.codes.items())), "findings": total.findings,
+        "refused": total.refused, "failedBlocks": len(failed)}, indent=2) + "\n")
+    print_table(total)
+    return status_of(total, failed)
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,113 @@
+#include "explain/Findings.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include "explain/Places.h"
+#include "xml/StartTags.h"
+
+namespace tamzo::explain {
+namespace {
+
+template <typename Entries, typename Append>
+std::string listOf(const Entries& entries, Append append) {
+  std::string json = "[";
+  for (const auto& entry : entries) {
+    json += json.size() == 1 ? "" : ", ";
+    append(json, entry);
+  }
+  return json += ']';
+}
+
+std::tuple<Severity, std::int32_t, std::size_t> rankOf(const Finding& finding) {
+  return {finding.severity, finding.hop.value_or(0), finding.place ? finding.place->line : 0};
+}
+
+}  // namespace
+
+Draft& Draft::with(std::string_view key, const std::vector<std::string>& texts) {
+  return withJson(key, listOf(texts, [](std::string& json, const std::string& text) {
+                    appendJsonString(json, text);
+                  }));
+}
+
+Draft& Draft::with(std::string_view key, const std::vector<std::int32_t>& numbers) {
+  return withJson(key, listOf(numbers, [](std::string& json, std::int32_t number) {
+                    json += std::to_string(number);
+                  }));
+}
+
+bool Findings::wants(std::optional<std::int32_t> hop) const {
+  const auto count = counts_.find(keyOf(hop));
+  return count == counts_.end() || count->second.kept < kMostOfOne;
+}
+
+void Findings::skip(std::optional<std::int32_t> hop) { ++counts_[keyOf(hop)].more; }
+
+Draft& Findings::add(std::optional<std::int32_t> hop) {
+  isFound_ = true;
+  Count& count = counts_[keyOf(hop)];
+  ++count.kept;
+  count.lastDraft = drafts_.size();
+  return drafts_.emplace_back(id_, severity_, hop);
+}
+
+void Findings::locateIn(const Chain& chain, const SeenHop& hop) {
+  std::vector<DDXMLElement> elements;
+  std::vector<std::size_t> owners;  // of each element
+  std::vector<std::size_t> offsets(drafts_.size(), std::string_view::npos);
+  for (std::size_t i = 0; i < drafts_.size(); ++i) {
+    if (drafts_[i].finding_.hop != hop.number) {
+      continue;
+    }
+    offsets[i] = drafts_[i].offset_;
+    for (const DDXMLElement& element : drafts_[i].elements_) {
+      elements.push_back(element);
+      owners.push_back(i);
+    }
+  }
+  if (hop.parsed && !elements.empty()) {
+    const Text text = chain.textRead(hop);
+    const auto found = findStartTags(text, *hop.parsed, elements);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      const bool isFirstHop = Chain::isCleaned(hop);
+      const std::size_t at = isFirstHop ? chain.cleanUp().toReceived(found[i]) : found[i];
+      offsets[owners[i]] = std::min(offsets[owners[i]], at);
+    }
+  }
+  std::vector<std::size_t> known;
+  std::vector<std::size_t> drafts;
+  for (std::size_t i = 0; i < offsets.size(); ++i) {
+    if (offsets[i] != std::string_view::npos) {
+      known.push_back(offsets[i]);
+      drafts.push_back(i);
+    }
+  }
+  if (!known.empty()) {
+    std::vector<Place> places = placesOf(hop.document, known);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      drafts_[drafts[i]].finding_.place = std::move(places[i]);
+    }
+  }
+}
+
+std::vector<Finding> Findings::take(const Chain& chain) {
+  for (const SeenHop& hop : chain.hops()) {
+    locateIn(chain, hop);
+  }
+  for (const auto& [key, count] : counts_) {
+    if (count.more > 0) {
+      drafts_[count.lastDraft].with("more", count.more);
+    }
+  }
+  std::vector<Finding> findings;
+  findings.reserve(drafts_.size());
+  for (Draft& draft : drafts_) {
+    findings.push_back(std::move(draft.finding_));
+  }
+  std::stable_sort(findings.begin(), findings.end(),
+                   [](const Finding& a, const Finding& b) { return rankOf(a) < rankOf(b); });
+  return findings;
+}
+
+}  // namespace tamzo::explain

@@ -1,0 +1,432 @@
+#include "explain/FirstFault.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+#include "base/Utf8.h"
+#include "xml/Markup.h"
+#include "xml/StartTags.h"
+
+namespace tamzo::explain {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::size_t kNowhere = std::string_view::npos;
+
+bool isBlank(char c) noexcept { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+bool isLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+bool isBeyondAscii(char c) noexcept { return (static_cast<std::uint8_t>(c) & 0x80U) != 0; }
+bool startsName(char c) noexcept { return isLetter(c) || c == '_' || c == ':' || isBeyondAscii(c); }
+bool continuesName(char c) noexcept { return startsName(c) || isDigit(c) || c == '-' || c == '.'; }
+
+bool isXmlCharacter(std::uint32_t c) noexcept {
+  if (c < 0x20U) {
+    return c == 0x9U || c == 0xAU || c == 0xDU;
+  }
+  return c <= 0x10FFFFU && (c < 0xD800U || c > 0xDFFFU) && c != 0xFFFEU && c != 0xFFFFU;
+}
+
+// The first character that XML does not know.
+std::size_t findControlCharacter(std::string_view text) noexcept {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const auto byte = static_cast<std::uint8_t>(text[at]);
+    const bool isOdd = byte < 0x20U || byte == 0xEFU;
+    if (isOdd && !isXmlCharacter(static_cast<std::uint32_t>(characterAt(text, at).value))) {
+      return at;
+    }
+  }
+  return kNowhere;
+}
+
+bool isDeclaration(std::string_view text) noexcept {
+  return text.starts_with("<?xml") && text.size() > 5 && isBlank(text[5]);
+}
+
+class Scanner {
+ public:
+  explicit Scanner(std::string_view text) : text_(text), controlAt_(findControlCharacter(text)) {
+    at_ = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+  }
+
+  Fault run() {
+    readProlog();
+    while (!isDone_) {
+      readContent();
+    }
+    // A character that no XML holds counts wherever it stands.
+    if (controlAt_ != kNowhere && (fault_.kind == FaultKind::none || controlAt_ <= fault_.at)) {
+      fault_ = {FaultKind::controlCharacter,
+                controlAt_,
+                "",
+                static_cast<std::uint32_t>(characterAt(text_, controlAt_).value),
+                {}};
+    }
+    return std::move(fault_);
+  }
+
+ private:
+  char peek() const noexcept { return text_[at_]; }
+  bool atEnd() const noexcept { return at_ >= text_.size(); }
+  std::string_view rest() const noexcept { return text_.substr(at_); }
+
+  void end(FaultKind kind, std::size_t at, std::string_view name = {}) {
+    isDone_ = true;
+    fault_.kind = kind;
+    fault_.at = at;
+    fault_.name = name;
+  }
+  void other(std::size_t at) { end(FaultKind::other, at); }
+  void cutOff() {
+    end(FaultKind::cutOff, text_.size());
+    fault_.open.assign(open_.begin(), open_.end());
+  }
+  // The text ends in something that stands between tags.
+  void cutOffOutsideTag() {
+    if (open_.empty()) {
+      other(text_.size());
+    } else {
+      cutOff();
+    }
+  }
+
+  void skipBlanks() noexcept {
+    while (!atEnd() && isBlank(peek())) {
+      ++at_;
+    }
+  }
+  std::string_view readName() noexcept {
+    const std::size_t begin = at_;
+    if (!atEnd() && startsName(peek())) {
+      while (!atEnd() && continuesName(peek())) {
+        ++at_;
+      }
+    }
+    return text_.substr(begin, at_ - begin);
+  }
+
+  void readProlog();
+  void readDocumentType();
+  void readContent();
+  void readMarkup();
+  void readComment();
+  void readInstruction();
+  void readCdata();
+  void readEndTag();
+  void readStartTag();
+  bool readAttribute(std::vector<std::string_view>& few,
+                     std::unordered_set<std::string_view>& many);
+  void readValue(char quote);
+  void readReference();
+  void readNumber(std::size_t ampersand);
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+  std::size_t controlAt_;
+  std::vector<std::string_view> open_;
+  std::unordered_set<std::string_view> entities_{"amp", "lt", "gt", "quot", "apos"};
+  bool knowsAllEntities_ = true;
+  bool hadRoot_ = false;
+  bool isDone_ = false;
+  Fault fault_;
+};
+
+void Scanner::readProlog() {
+  const std::size_t begin = at_;
+  if (isDeclaration(rest())) {
+    at_ = pastFirst(text_, "?>", at_);
+  }
+  while (!isDone_ && !hadRoot_) {
+    const std::size_t before = at_;
+    skipBlanks();
+    if (isDeclaration(rest()) && at_ > begin) {
+      return end(FaultKind::blankBeforeDeclaration, at_);
+    }
+    if (atEnd()) {
+      return other(before);
+    }
+    if (rest().starts_with("<!DOCTYPE")) {
+      readDocumentType();
+    } else if (peek() == '<') {
+      readMarkup();
+    } else {
+      const std::size_t markup = text_.find('<', at_);
+      const bool leads = markup != kNowhere && isDeclaration(text_.substr(markup));
+      return leads ? end(FaultKind::blankBeforeDeclaration, markup) : other(at_);
+    }
+  }
+}
+
+void Scanner::readDocumentType() {
+  const MarkupPiece piece = markupPieceAt(text_, at_);
+  const std::string_view type = text_.substr(piece.begin, piece.end - piece.begin);
+  const std::string_view outer = type.substr(0, type.find('['));
+  knowsAllEntities_ = outer.find("SYSTEM") == kNowhere && outer.find("PUBLIC") == kNowhere;
+  constexpr std::string_view kEntity = "<!ENTITY";
+  for (std::size_t found = type.find(kEntity); found != kNowhere;
+       found = type.find(kEntity, found + 1)) {
+    const std::size_t begin = type.find_first_not_of(" \t\r\n", found + kEntity.size());
+    const std::size_t past = type.find_first_of(" \t\r\n>", begin);
+    if (begin != kNowhere && past != kNowhere) {
+      entities_.insert(type.substr(begin, past - begin));
+    }
+  }
+  at_ = piece.end;
+}
+
+void Scanner::readContent() {
+  while (!isDone_) {
+    if (atEnd()) {
+      if (!open_.empty()) {
+        cutOff();
+      }
+      isDone_ = true;
+      return;
+    }
+    if (open_.empty()) {
+      skipBlanks();
+      if (!atEnd() && peek() != '<') {
+        return other(at_);
+      }
+      if (atEnd()) {
+        continue;
+      }
+    }
+    if (peek() == '<') {
+      readMarkup();
+    } else if (peek() == '&') {
+      readReference();
+    } else {
+      const std::size_t next = std::min(text_.find_first_of("<&", at_), text_.size());
+      const std::size_t stray = text_.substr(at_, next - at_).find("]]>");
+      if (stray != kNowhere) {
+        return other(at_ + stray);
+      }
+      at_ = next;
+    }
+  }
+}
+
+void Scanner::readMarkup() {
+  const std::string_view here = rest();
+  if (here.starts_with("<!--")) {
+    readComment();
+  } else if (here.starts_with("<![CDATA[") && !open_.empty()) {
+    readCdata();
+  } else if (here.starts_with("<?")) {
+    readInstruction();
+  } else if (here.starts_with("</")) {
+    readEndTag();
+  } else if (here.starts_with("<!")) {
+    const bool isBegun = std::string_view("<!--").starts_with(here) ||
+                         std::string_view("<![CDATA[").starts_with(here);
+    return isBegun ? cutOffOutsideTag() : other(at_);
+  } else if (here.size() == 1) {
+    cutOff();
+  } else if (!startsName(here[1]) || (hadRoot_ && open_.empty())) {
+    other(at_);
+  } else {
+    readStartTag();
+  }
+}
+
+void Scanner::readComment() {
+  const std::size_t dashes = text_.find("--", at_ + 4);
+  if (dashes == kNowhere || dashes + 2 == text_.size()) {
+    return cutOffOutsideTag();
+  }
+  if (text_[dashes + 2] != '>') {
+    return other(dashes);
+  }
+  at_ = dashes + 3;
+}
+
+void Scanner::readInstruction() {
+  if (isDeclaration(rest())) {
+    return other(at_);
+  }
+  const std::size_t close = text_.find("?>", at_ + 2);
+  if (close == kNowhere) {
+    return cutOffOutsideTag();
+  }
+  at_ = close + 2;
+}
+
+void Scanner::readCdata() {
+  const std::size_t close = text_.find("]]>", at_ + 9);
+  if (close == kNowhere) {
+    return cutOff();
+  }
+  at_ = close + 3;
+}
+
+void Scanner::readEndTag() {
+  const std::size_t begin = at_;
+  at_ += 2;
+  const std::string_view name = readName();
+  if (atEnd()) {
+    return open_.empty() ? other(begin) : cutOff();
+  }
+  skipBlanks();
+  if (open_.empty() || name != open_.back()) {
+    return other(begin);
+  }
+  if (atEnd()) {
+    return cutOff();
+  }
+  if (peek() != '>') {
+    return other(at_);
+  }
+  ++at_;
+  open_.pop_back();
+}
+
+void Scanner::readStartTag() {
+  hadRoot_ = true;
+  ++at_;
+  const std::string_view name = readName();
+  std::vector<std::string_view> few;
+  std::unordered_set<std::string_view> many;
+  while (!isDone_) {
+    const std::size_t before = at_;
+    skipBlanks();
+    if (atEnd()) {
+      return cutOff();
+    }
+    if (peek() == '>') {
+      ++at_;
+      open_.push_back(name);
+      return;
+    }
+    if (peek() == '/') {
+      ++at_;
+      if (atEnd()) {
+        return cutOff();
+      }
+      if (peek() != '>') {
+        return other(at_ - 1);
+      }
+      ++at_;
+      return;
+    }
+    if (before == at_ || !readAttribute(few, many)) {
+      return isDone_ ? void() : other(before);
+    }
+  }
+}
+
+// False where none begins.
+bool Scanner::readAttribute(std::vector<std::string_view>& few,
+                            std::unordered_set<std::string_view>& many) {
+  constexpr std::size_t kFew = 16;
+  const std::size_t begin = at_;
+  const std::string_view name = readName();
+  skipBlanks();
+  if (atEnd()) {
+    cutOff();
+    return false;
+  }
+  if (name.empty() || peek() != '=') {
+    other(begin);
+    return false;
+  }
+  bool isNew = true;
+  if (few.size() < kFew) {
+    isNew = std::find(few.begin(), few.end(), name) == few.end();
+    few.push_back(name);
+  } else {
+    many.insert(few.begin(), few.end());
+    isNew = many.insert(name).second;
+  }
+  if (!isNew) {
+    end(FaultKind::duplicateAttribute, begin, name);
+    return false;
+  }
+  ++at_;
+  skipBlanks();
+  if (atEnd()) {
+    cutOff();
+  } else if (peek() != '"' && peek() != '\'') {
+    other(at_);
+  } else {
+    const char quote = text_[at_++];
+    readValue(quote);
+  }
+  return !isDone_;
+}
+
+void Scanner::readValue(char quote) {
+  while (!isDone_) {
+    if (atEnd()) {
+      return cutOff();
+    }
+    const char c = peek();
+    if (c == quote) {
+      ++at_;
+      return;
+    }
+    if (c == '<') {
+      return other(at_);
+    }
+    if (c == '&') {
+      readReference();
+    } else {
+      ++at_;
+    }
+  }
+}
+
+void Scanner::readReference() {
+  const std::size_t ampersand = at_++;
+  if (!atEnd() && peek() == '#') {
+    return readNumber(ampersand);
+  }
+  const std::string_view name = readName();
+  if (atEnd()) {
+    return cutOff();
+  }
+  if (name.empty() || peek() != ';') {
+    return end(FaultKind::unescapedAmpersand, ampersand);
+  }
+  ++at_;
+  if (knowsAllEntities_ && !entities_.contains(name)) {
+    end(FaultKind::undefinedEntity, ampersand, name);
+  }
+}
+
+void Scanner::readNumber(std::size_t ampersand) {
+  constexpr std::uint32_t kTooLarge = 0x110000U;
+  ++at_;
+  const bool isHex = !atEnd() && peek() == 'x';
+  at_ += isHex ? 1 : 0;
+  const std::size_t digits = at_;
+  std::uint32_t value = 0;
+  for (; !atEnd(); ++at_) {
+    const char c = peek();
+    const auto lower = static_cast<char>(c | 0x20);
+    const bool isHexLetter = isHex && lower >= 'a' && lower <= 'f';
+    if (!isDigit(c) && !isHexLetter) {
+      break;
+    }
+    const auto digit = static_cast<std::uint32_t>(isDigit(c) ? c - '0' : lower - 'a' + 10);
+    value = std::min(value * (isHex ? 16U : 10U) + digit, kTooLarge);
+  }
+  if (atEnd()) {
+    return cutOff();
+  }
+  if (at_ == digits || peek() != ';') {
+    return end(FaultKind::unescapedAmpersand, ampersand);
+  }
+  ++at_;
+  if (!isXmlCharacter(value)) {
+    end(FaultKind::controlCharacter, ampersand);
+    fault_.codePoint = value;
+  }
+}
+
+}  // namespace
+
+Fault findFirstFault(std::string_view text) { return Scanner(text).run(); }
+
+}  // namespace tamzo::explain

@@ -1,0 +1,59 @@
+#include "explain/Words.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "explain/Places.h"
+
+namespace tamzo::explain {
+namespace {
+
+constexpr std::size_t kLongestValue = 120;
+
+char lower(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
+
+}  // namespace
+
+std::string quoted(std::string_view value) { return '"' + shortened(value, kLongestValue) + '"'; }
+
+std::string counted(std::size_t count, std::string_view one, std::string_view many) {
+  return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+std::string_view hostOf(std::string_view url) noexcept {
+  const std::size_t slashes = url.find("://");
+  if (slashes == std::string_view::npos) {
+    return {};
+  }
+  std::string_view host = url.substr(slashes + 3);
+  host = host.substr(0, host.find_first_of("/?#\\"));
+  if (const std::size_t at = host.rfind('@'); at != std::string_view::npos) {
+    host.remove_prefix(at + 1);
+  }
+  const std::size_t bracket = host.starts_with('[') ? host.find(']') : std::string_view::npos;
+  const std::size_t colon = host.find(':', bracket == std::string_view::npos ? 0 : bracket);
+  return host.substr(0, colon);
+}
+
+std::string hostInWords(std::string_view url) {
+  const std::string_view host = hostOf(url);
+  return host.empty() ? "the server" : shortened(host, kLongestValue);
+}
+
+std::string inSeconds(double milliseconds) {
+  return milliseconds < 1000.0 ? fmt::format("{:.0f} ms", milliseconds)
+                               : fmt::format("{:.1f} s", milliseconds / 1000.0);
+}
+
+bool equalButForCase(std::string_view a, std::string_view b) noexcept {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return lower(x) == lower(y); });
+}
+
+bool beginsLike(std::string_view text, std::string_view beginning) noexcept {
+  return text.size() >= beginning.size() &&
+         equalButForCase(text.substr(0, beginning.size()), beginning);
+}
+
+}  // namespace tamzo::explain

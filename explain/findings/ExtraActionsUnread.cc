@@ -1,0 +1,53 @@
+#include "base/JsonReader.h"
+#include "explain/Rules.h"
+#include "tamzo/base/JsonValue.h"
+
+namespace tamzo::explain {
+namespace {
+
+class NoHandler : public JsonHandler {
+ public:
+  bool scalar(std::string_view) override { return true; }
+  bool string(std::string_view, std::string_view) override { return true; }
+  bool key(std::string_view) override { return true; }
+  bool begin(std::string_view) override { return true; }
+  bool end(std::string_view, std::size_t) override { return true; }
+};
+
+std::string_view whyUnread(const Text& json) {
+  NoHandler handler;
+  switch (readJson(json, handler)) {
+    case JsonFault::tooDeep:
+      return "too-deep";
+    case JsonFault::tooLong:
+      return "too-long";
+    default:
+      return "malformed";
+  }
+}
+
+}  // namespace
+
+void findExtraActionsUnread(const Chain& chain, Findings& findings) {
+  for (const SeenHop& hop : chain.hops()) {
+    for (const DDXMLElement& block : vendorBlocksOf(hop)) {
+      const DDXMLElement element = block.firstNodeForXPath("ExtraActions");
+      const Text json = element.stringValue();
+      if (!json.hasCharacters() || !JsonValue::parse(json).isNil()) {
+        continue;
+      }
+      if (!findings.wants(hop.number)) {
+        findings.skip(hop.number);
+        continue;
+      }
+      const std::string_view why = whyUnread(json);
+      findings.add(hop.number)
+          .at(element)
+          .say("The vendor's ExtraActions are no JSON that can be read: " + std::string(why) + ".",
+               "Ad server: check the JSON; it nests 512 levels deep at most.")
+          .with("why", why);
+    }
+  }
+}
+
+}  // namespace tamzo::explain

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <curl/curl.h>
+
+#include <array>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "net/CurlSession.h"
+#include "net/CurlUrl.h"
+#include "net/FetchAnswer.h"
+#include "tamzo/net/Fetch.h"
+
+namespace tamzo {
+
+/// One request of a fetch and its answer, in a session. A redirect is told, not followed.
+class CurlTransfer {
+ public:
+  /// `deadline` is that of the whole fetch. What is given must outlive this. Throws std::bad_alloc.
+  CurlTransfer(CurlSession& session, const FetchRequest& request, const CurlUrl& url,
+               const Deadline& deadline, FetchSpending& spent);
+  ~CurlTransfer();
+  CurlTransfer(const CurlTransfer&) = delete;
+  CurlTransfer& operator=(const CurlTransfer&) = delete;
+
+  /// A header of the request. Throws std::bad_alloc.
+  void addHeader(const FetchHeader& header);
+  /// What is sent as Authorization.
+  void logIn(const std::string& user, const std::string& password);
+
+  /// Asks, and waits for the whole answer. None for a redirect and for an answer that can be used.
+  /// Throws std::bad_alloc.
+  FetchFailure perform();
+
+  FetchAnswer& answer() noexcept { return answer_; }
+  /// HTTP's; 0 without an answer.
+  int status() const noexcept;
+  std::optional<std::string> contentType() const;
+  /// True when a connection had to be made.
+  bool hasConnected() const noexcept { return hasOpened_; }
+  /// Adds what this took; `before` milliseconds of the fetch had passed when it began.
+  void addTimes(FetchTimes& times, double before) const noexcept;
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  struct FreeList {
+    void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
+  };
+
+  template <typename Value>
+  void set(CURLoption option, Value value);
+  void setRequest(const CurlUrl& url);
+  void setTrust();
+  void setCallbacks();
+  void limitConnecting();
+  CURLcode drive();
+  bool mustStop();
+  int longestWait() const noexcept;
+  void noteReceived() noexcept;
+  double milliseconds(CURLINFO info) const noexcept;
+  FetchFailure failureOf(CURLcode code) const noexcept;
+  bool isRefusedByProxy() const noexcept;
+
+  // Called by libcurl.
+  static std::size_t onBody(const char* bytes, std::size_t, std::size_t size, void* self) noexcept;
+  static std::size_t onHeader(const char* line, std::size_t, std::size_t size, void* self) noexcept;
+  static curl_socket_t onOpen(void* self, curlsocktype, curl_sockaddr* address) noexcept;
+  static int onConnected(void* self, char* address, char*, int, int) noexcept;
+
+  CurlSession& session_;
+  CURL* easy_;
+  const FetchRequest& request_;
+  const Deadline& deadline_;
+  FetchAnswer answer_;
+  std::unique_ptr<curl_slist, FreeList> headers_;
+  std::array<char, CURL_ERROR_SIZE> error_{};
+  Clock::time_point start_ = Clock::now();
+  Deadline connectDeadline_;
+  CURLcode refusedOption_ = CURLE_OK;
+  FetchFailure stopped_ = FetchFailure::none;
+  bool ranOutOfMemory_ = false;
+  bool hasOpened_ = false;
+  bool isConnected_ = false;
+};
+
+}  // namespace tamzo

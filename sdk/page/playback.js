@@ -1,0 +1,362 @@
+// The life of one ad, from the page's values to the last message.
+
+const ad = {
+  hasEnded: false,
+  hasStopped: false,      // AdStopped came
+  isReady: false,         // AdLoaded came
+  hasStarted: false,      // startAd was called
+  mayStart: settings.start === "auto",
+  isPausedByPage: false,
+  /** @type {Map<string, () => void>} what waits for an event of the unit */
+  waiting: new Map(),
+  /** @type {Set<number>} */
+  timers: new Set()
+};
+
+// ---- Waiting --------------------------------------------------------------------------------
+
+/**
+ * @param {number} milliseconds
+ * @param {() => void} f
+ */
+function after(milliseconds, f) {
+  const timer = setTimer(() => {
+    ad.timers.delete(timer);
+    f();
+  }, milliseconds);
+  ad.timers.add(timer);
+  return timer;
+}
+
+/**
+ * Waits for `promise`, but not for ever. Of an ad that has ended nothing is ever awaited.
+ * @template T
+ * @param {Promise<T>} promise
+ * @param {number} limit
+ * @param {number} code
+ * @param {string} what
+ * @returns {Promise<T>}
+ */
+function within(promise, limit, code, what) {
+  return new Promise((resolve, reject) => {
+    const timer = after(limit, () => reject(failure(code, what + " took too long")));
+    const settle = (/** @type {(value: any) => void} */ how) => (/** @type {any} */ value) => {
+      clearTimer(timer);
+      if (!ad.hasEnded) {
+        how(value);
+      }
+    };
+    promise.then(settle(resolve), settle(reject));
+  });
+}
+
+/**
+ * Asked for before the call that brings the event about, since a unit may answer at once.
+ * @param {string[]} names any of which will do
+ * @returns {Promise<void>}
+ */
+function eventOf(...names) {
+  return new Promise((resolve) => names.forEach((name) => ad.waiting.set(name, resolve)));
+}
+
+/** @returns {Promise<void>} */
+function registration() {
+  return new Promise((resolve) => {
+    const look = () => {
+      if (typeof propertyOf(frameWindow(), "getVPAIDAd") === "function") {
+        resolve();
+      } else {
+        after(50, look);
+      }
+    };
+    look();
+  });
+}
+
+// Until the app, and somebody to see it, are ready for the ad.
+/** @type {(() => void) | null} */
+let startWhenAllowed = null;
+
+/** @returns {Promise<void>} */
+function permission() {
+  return new Promise((resolve) => {
+    startWhenAllowed = resolve;
+    lookForPermission();
+  });
+}
+
+function lookForPermission() {
+  const isSeen = !document.hidden || settings.start === "call";
+  if (ad.mayStart && isSeen && startWhenAllowed) {
+    startWhenAllowed();
+  }
+}
+
+// ---- From the first call to the last --------------------------------------------------------
+
+async function play() {
+  const { tag, moatData, partnerCode } = splitValues(rawTextOf(document.getElementById("tag")));
+  const isUrl = document.body.getAttribute("data-tag-is-url") === "true";
+  const { url, linear } = findUnit(await readChain(tag, isUrl));
+  collectTrackers(linear);
+  if (isUrl && settings.wrappers === null) {
+    tellTrackers();
+  }
+  await loadUnit(url);
+  await initialise(adParametersOf(linear));
+  tellApp("Moat", { data: objectOf(moatData), partnerCode });
+  await permission();
+  await start();
+}
+
+/** @param {string} url */
+async function loadUnit(url) {
+  if (ad.hasEnded) {
+    throw failure(900, "stopped");
+  }
+  makeFrame();
+  await within(loadScript(url), LIMITS.unit, 402, "loading the unit");
+  await within(registration(), LIMITS.register, 901, "getVPAIDAd");
+  makeUnit();
+}
+
+/** @param {string} adParameters */
+async function initialise(adParameters) {
+  const loaded = eventOf("AdLoaded");
+  initUnit(adParameters);
+  await within(loaded, LIMITS.load, 901, "AdLoaded");
+  ad.isReady = true;
+  if (window.innerWidth !== unitSize[0] || window.innerHeight !== unitSize[1]) {
+    passSize();  // the device was turned meanwhile
+  }
+  if (settings.autoplay === "muted") {
+    tracking.isMuted = true;
+    askUnit("setAdVolume", [0]);
+  }
+}
+
+async function start() {
+  const started = eventOf("AdStarted", "AdImpression", "AdVideoStart");
+  ad.hasStarted = true;
+  callOrFail(unit, "startAd", []);
+  await within(started, LIMITS.start, 901, "AdStarted");
+  startWatch();
+}
+
+/**
+ * For the app's measurement of the unit; {} where the ad server sent no JSON.
+ * @param {string} text
+ */
+function objectOf(text) {
+  return attempt(() => JSON.parse(text)) || {};
+}
+
+// ---- Events of the unit ---------------------------------------------------------------------
+
+/**
+ * @param {string} name
+ * @param {unknown[]} parameters
+ */
+function onUnitEvent(name, parameters) {
+  if (ad.hasEnded) {
+    return;
+  }
+  noteLife();
+  if (name === "AdError") {
+    endInError(failure(901, messageOf(parameters[0]) || "the unit failed"));
+  } else if (name === "AdStopped") {
+    ad.hasStopped = true;
+    endWell();
+  } else {
+    passEvent(name, parameters);
+  }
+}
+
+/**
+ * @param {string} name
+ * @param {unknown[]} parameters
+ */
+function passEvent(name, parameters) {
+  watch.isPaused = name === "AdPaused" || (watch.isPaused && name !== "AdPlaying");
+  attempt(() => track(name, parameters));
+  if (name === "AdClickThru") {
+    passClick(parameters);
+  } else {
+    tellApp(name, detailsOf(name, parameters));
+  }
+  if (name === "AdSkipped" || name === "AdUserClose") {
+    expectEnd();
+  }
+  const waits = ad.waiting.get(name);
+  if (waits) {
+    waits();
+  }
+}
+
+/**
+ * @param {string} name
+ * @param {unknown[]} parameters
+ */
+function detailsOf(name, parameters) {
+  switch (name) {
+    case "AdLog":
+      return { message: messageOf(parameters[0]) };
+    case "AdInteraction":
+      return { id: plainText(parameters[0]) };
+    default:
+      return {};
+  }
+}
+
+// Some units hand over one object instead of three values, and some write "false".
+/** @param {unknown[]} parameters */
+function passClick(parameters) {
+  const [first] = parameters;
+  const isObject = first !== null && typeof first === "object";
+  const [url, id, handles] = isObject
+    ? ["url", "id", "playerHandles"].map((name) => propertyOf(first, name)) : parameters;
+  const playerHandles = typeof handles === "string" ? /^\s*(true|1|yes)\s*$/i.test(handles)
+                                                    : Boolean(handles);
+  const details = { url: clickAddress(plainText(url)), id: plainText(id), playerHandles };
+  if (playerHandles) {
+    openOutside("AdClickThru", details);
+  } else {
+    tellApp("AdClickThru", details);
+  }
+}
+
+// The unit's own, else that of the ad.
+/** @param {string} text */
+function clickAddress(text) {
+  const own = addressOf(fillMacros(text), CLICK_SCHEMES);
+  return own || addressOf(fillMacros(clickThrough), CLICK_SCHEMES);
+}
+
+// ---- The app's calls ------------------------------------------------------------------------
+
+/**
+ * @param {string} method of VPAID
+ * @param {unknown[]} parameters
+ */
+function callFromApp(method, ...parameters) {
+  if (ad.hasEnded) {
+    return undefined;
+  }
+  if (method === "pauseAd" || method === "resumeAd") {
+    ad.isPausedByPage = false;
+  }
+  if (method === "stopAd" || (method === "skipAd" && maySkip())) {
+    expectEnd();
+  }
+  const answer = askUnit(method, parameters);
+  return typeof answer === "object" || typeof answer === "function" ? undefined : answer;
+}
+
+// A unit need not heed a skip that it does not offer.
+function maySkip() {
+  return unit && askUnit("getAdSkippableState") !== false;
+}
+
+window.tamzoAd = {
+  start() {
+    ad.mayStart = true;
+    lookForPermission();
+  },
+  pause() { callFromApp("pauseAd"); },
+  resume() { callFromApp("resumeAd"); },
+  skip() { callFromApp("skipAd"); },
+  stop() { callFromApp("stopAd"); },
+  call: callFromApp
+};
+
+// ---- The page -------------------------------------------------------------------------------
+
+function onResize() {
+  if (ad.isReady && !ad.hasEnded) {
+    passSize();
+  }
+}
+
+function onVisibility() {
+  if (ad.hasEnded) {
+    return;
+  }
+  lookForPermission();
+  if (!ad.hasStarted) {
+    return;
+  }
+  if (document.hidden && !watch.isPaused) {
+    ad.isPausedByPage = true;
+    askUnit("pauseAd");
+  } else if (!document.hidden && ad.isPausedByPage) {
+    ad.isPausedByPage = false;
+    askUnit("resumeAd");
+  }
+}
+
+// The unit got past the sandbox, or the app has taken the page away: nobody can tell, so that this
+// is told, but counted as no error of the ad.
+function onPageHide() {
+  LIMITS.pixels = 0;  // the page has no more time
+  end("AdError", { code: 900, message: "the page was left" }, 0);
+}
+
+// ---- The end --------------------------------------------------------------------------------
+
+// AdStopped must follow. Not every unit knows.
+function expectEnd() {
+  after(unit && ad.isReady ? LIMITS.stop : 0, endWell);
+}
+
+function endWell() {
+  end("AdStopped", {}, 0);
+}
+
+/** @param {any} error */
+function endInError(error) {
+  const own = propertyOf(error, "vastCode");
+  const code = typeof own === "number" ? own : stage.frame ? 901 : 900;
+  end("AdError", { code, message: messageOf(error) }, code);
+}
+
+/**
+ * The one end. No step of it keeps the next from being taken, and the message is the last.
+ * @param {string} name
+ * @param {object} details
+ * @param {number} errorCode 0 for none
+ */
+function end(name, details, errorCode) {
+  if (ad.hasEnded) {
+    return;
+  }
+  ad.hasEnded = true;
+  const steps = [
+    () => ad.timers.forEach(clearTimer),
+    stopWatch,
+    abortFetches,
+    () => trackViewable("NotViewable"),
+    () => errorCode && fireError(errorCode),
+    () => ad.hasStopped || askUnit("stopAd"),  // a unit that hangs may still play sound
+    () => { unit = null; },
+    removeFrame,
+    () => window.removeEventListener("resize", onResize),
+    () => window.removeEventListener("pagehide", onPageHide),
+    () => document.removeEventListener("visibilitychange", onVisibility)
+  ];
+  for (let i = 0; i < steps.length; ++i) {
+    attempt(steps[i]);
+  }
+  afterPixels(LIMITS.pixels, () => tellLast(name, details));
+}
+
+// ---- The beginning --------------------------------------------------------------------------
+
+document.addEventListener("DOMContentLoaded", () => {
+  startMacros();
+  attempt(lockBuiltIns);
+  attempt(lockDialogs);
+  play().catch(endInError);
+});
+window.addEventListener("resize", onResize);
+window.addEventListener("pagehide", onPageHide);
+document.addEventListener("visibilitychange", onVisibility);
