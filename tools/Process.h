@@ -14,7 +14,7 @@ void holdStandardStreams();
 void handleSignals();
 
 /// Bytes of the address space that are free, where it is limited.
-std::optional<std::size_t> freeMemory();
+std::optional<std::size_t> freeMemory() noexcept;
 
 /// Ends the program as a closed pipe does where nobody asked for anything else; returns where
 /// whoever started it did.

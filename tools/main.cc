@@ -136,7 +136,7 @@ int runCommand(int argc, char** argv) {
 
 #ifdef TAMZO_SCALABLE_ALLOCATOR
 // It keeps what is freed, by size, and where memory is limited may come to keep all there is.
-void limitAllocator() {
+void limitAllocator() noexcept {
   constexpr std::size_t kPart = 4;
   if (const auto memory = freeMemory()) {
     scalable_allocation_mode(TBBMALLOC_SET_SOFT_HEAP_LIMIT,
@@ -144,7 +144,7 @@ void limitAllocator() {
   }
 }
 #else
-void limitAllocator() {}
+void limitAllocator() noexcept {}
 #endif
 
 }  // namespace
@@ -152,9 +152,9 @@ void limitAllocator() {}
 
 int main(int argc, char** argv) {
   using namespace tamzo::command;
-  limitAllocator();
   holdStandardStreams();
   handleSignals();
+  limitAllocator();
   try {
     return runCommand(argc, argv);
   } catch (const std::bad_alloc&) {
