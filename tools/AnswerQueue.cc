@@ -67,9 +67,11 @@ class Crew {
   bool hasWork() const { return waiting_ > 0 && !isOutputOver_; }
   bool mayRead() const {
     const bool hasRoom = held_ < plan_.windowBytes || pieces_.size() < plan_.threads;
-    const bool hasMemory = !isShortOfMemory_ || pieces_.empty();
+    const bool hasMemory = !isShortOfMemory_ || holdsNothing();
     return !isReading_ && !isAtEnd_ && hasRoom && hasMemory;
   }
+  // No memory will come from answers that go.
+  bool holdsNothing() const { return pieces_.empty() && !isHandingOut_; }
   // Fewer pieces wait than there are threads that may come for one.
   bool isLow() const { return waiting_ < plan_.threads; }
 
@@ -118,7 +120,7 @@ class Crew {
     Pieces fresh;
     bool isEnd = false;
     const bool mayWait = waiting_ == 0;
-    const bool isAlone = pieces_.empty();
+    const bool isAlone = holdsNothing();
     isReading_ = true;
     wakeAnother();
     unlocked(lock, [&] {

@@ -77,22 +77,41 @@ struct Origin {
   }
 };
 
-/// The lines of a stream. One that memory does not hold is answered in its place, and so is an
-/// error that ends them.
-class LineSource {
+/// A file that is open, or standard input for "-".
+class InputFile {
  public:
-  /// Owns the descriptor where it is no standard stream.
-  LineSource(int descriptor, Origin origin)
-      : descriptor_(descriptor),
-        origin_(std::make_shared<const Origin>(std::move(origin))),
-        lines_(descriptor) {}
-  LineSource(const LineSource&) = delete;
-  LineSource& operator=(const LineSource&) = delete;
-  ~LineSource() {
+  /// Throws CommandError when it cannot be opened.
+  explicit InputFile(const std::string& path)
+      : descriptor_(path == "-" ? STDIN_FILENO
+                                : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY)) {
+    if (descriptor_ == -1) {
+      throw CommandError(std::strerror(errno));
+    }
+  }
+  InputFile(InputFile&& other) noexcept
+      : descriptor_(std::exchange(other.descriptor_, STDIN_FILENO)) {}
+  InputFile& operator=(InputFile&&) = delete;
+  ~InputFile() {
     if (descriptor_ > STDERR_FILENO) {
       close(descriptor_);
     }
   }
+
+  int descriptor() const noexcept { return descriptor_; }
+
+ private:
+  int descriptor_;
+};
+
+/// The lines of a stream. One that memory does not hold is answered in its place, and so is an
+/// error that ends them.
+class LineSource {
+ public:
+  /// Throws CommandError when the system has no descriptor left.
+  LineSource(InputFile file, Origin origin)
+      : file_(std::move(file)),
+        origin_(std::make_shared<const Origin>(std::move(origin))),
+        lines_(file_.descriptor()) {}
 
   std::optional<Work> next() {
     try {
@@ -161,7 +180,7 @@ class LineSource {
         [origin = origin_, number = number_, why, id] { return origin->refused(number, why, id); }};
   }
 
-  int descriptor_;
+  InputFile file_;
   std::shared_ptr<const Origin> origin_;
   LineReader lines_;
   std::optional<Line> pending_;
@@ -271,13 +290,14 @@ class PathSource : public BatchSource {
       if (items_.empty() || isStopped_) {
         return std::nullopt;
       }
-      Item item = std::move(items_.front());
+      // It goes once there is memory for the work on it.
+      const Item& item = items_.front();
+      std::optional<Work> work =
+          item.kind == Kind::lines ? open(item)
+                                   : Work{[item, &form = form_] { return answerItem(item, form); }};
       items_.pop_front();
-      if (item.kind != Kind::lines) {
-        return Work{[item = std::move(item), &form = form_] { return answerItem(item, form); }};
-      }
-      if (std::optional<Work> refusal = open(item)) {
-        return refusal;
+      if (work) {
+        return work;
       }
     }
   }
@@ -298,15 +318,15 @@ class PathSource : public BatchSource {
   // The next lines are those of the item; or work that says why not.
   std::optional<Work> open(const Item& item) {
     const bool isStandardInput = item.path == "-";
-    const int descriptor =
-        isStandardInput ? STDIN_FILENO : ::open(item.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
-    if (descriptor == -1) {
-      const std::string why = item.path + ": " + std::strerror(errno);
+    try {
+      InputFile file(item.path);
+      setLines(std::make_unique<LineSource>(
+          std::move(file),
+          Origin{isStandardInput ? "standard input" : item.path, isStandardInput, form_}));
+    } catch (const CommandError& error) {
+      const std::string why = item.path + ": " + error.what();
       return Work{[id = idOf(item.path), why] { return refuse(id, why); }};
     }
-    setLines(std::make_unique<LineSource>(
-        descriptor,
-        Origin{isStandardInput ? "standard input" : item.path, isStandardInput, form_}));
     return std::nullopt;
   }
 

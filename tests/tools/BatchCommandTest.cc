@@ -487,8 +487,8 @@ TEST_F(BatchCommandTest, ASecondSignalIsNotPutOff) {
 }
 
 TEST_F(BatchCommandTest, ASignalEndsAnIdleRun) {
-#ifdef TAMZO_SANITIZED  // the thread sanitizer puts a signal off while the main thread sleeps in
-                        // TBB
+#ifdef TAMZO_SANITIZED  // the thread sanitizer puts a signal off while the main thread waits for
+                        // another
   const std::vector<const char*> manyThreads{"1"};
 #else
   const std::vector<const char*> manyThreads{"1", "4"};
