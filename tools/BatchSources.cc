@@ -318,13 +318,12 @@ class PathSource : public BatchSource {
   // The next lines are those of the item; or work that says why not.
   std::optional<Work> open(const Item& item) {
     const bool isStandardInput = item.path == "-";
+    const std::string name = isStandardInput ? "standard input" : item.path;
     try {
-      InputFile file(item.path);
-      setLines(std::make_unique<LineSource>(
-          std::move(file),
-          Origin{isStandardInput ? "standard input" : item.path, isStandardInput, form_}));
+      setLines(
+          std::make_unique<LineSource>(InputFile(item.path), Origin{name, isStandardInput, form_}));
     } catch (const CommandError& error) {
-      const std::string why = item.path + ": " + error.what();
+      const std::string why = name + ": " + error.what();
       return Work{[id = idOf(item.path), why] { return refuse(id, why); }};
     }
     return std::nullopt;

@@ -47,7 +47,7 @@ std::string sizeOf(const std::optional<std::int32_t>& width,
 // Takes from the widest until all of them, and the gaps, fit into so many columns. False where they
 // do not, however narrow.
 bool shrink(std::vector<std::size_t>& widths, std::size_t columns) {
-  constexpr std::size_t kNarrowest = 6;
+  constexpr std::size_t kNarrowest = 10;
   std::size_t sum = kGap * widths.size();
   for (const std::size_t width : widths) {
     sum += width;
@@ -268,9 +268,11 @@ std::string phasesOf(const FetchResult& fetch) {
   if (hasAnswer && times.firstByte > 0.0) {
     phases += fmt::format("first byte after {:.0f} ms, ", times.firstByte);
   }
-  phases += hasAnswer        ? fmt::format("{} bytes", fetch.bytes)
-            : phases.empty() ? std::string("no connection")
-                             : std::string("no answer");
+  phases += hasAnswer ? fmt::format("{} bytes", fetch.bytes)
+            : phases.empty()
+                ? std::string(fetch.failure == FetchFailure::tls ? "no secure connection"
+                                                                 : "no connection")
+                : std::string("no answer");
   return fmt::format("{} in {:.1f} s", phases, times.total / 1000.0);
 }
 

@@ -51,6 +51,10 @@ Words wordsForTls(const FetchResult& fetch, const std::string& host) {
 
 Words wordsForTime(const FetchResult& fetch, const std::string& host) {
   const std::string passed = inSeconds(fetch.milliseconds.total);
+  if (fetch.cause == FetchCause::chainTime && fetch.milliseconds.total <= 0.0) {
+    return {host + " was not asked: no time for the chain was left.",
+            "Try a longer --total-timeout, or call whoever runs the slowest server of the chain."};
+  }
   if (fetch.cause == FetchCause::chainTime) {
     return {fmt::format("{} did not answer within {}, all that was left of the time for the chain.",
                         host, passed),
