@@ -3,14 +3,13 @@
 #include <cstdint>
 #include <limits>
 
+#include "base/Ascii.h"
 #include "base/JsonText.h"
 #include "base/RapidJson.h"
 #include "base/Utf8.h"
 
 namespace tamzo {
 namespace {
-
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 
 /// The text as RapidJSON takes it. Numbers are read here, and RapidJSON is shown a 0 in place of
 /// each: it refuses some that are valid, such as 0e999 and integers of 309 digits.
@@ -46,7 +45,7 @@ class JsonStream {
       ++at_;
     }
     token_ = at_;
-    if (at_ != end_ && (*at_ == '-' || isDigit(*at_))) {
+    if (at_ != end_ && (*at_ == '-' || isAsciiDigit(*at_))) {
       beginNumber();
     }
   }
@@ -79,7 +78,7 @@ class JsonStream {
   char charAt(const char* at) const noexcept { return at == end_ ? '\0' : *at; }
 
   const char* endOfDigits(const char* at) const noexcept {
-    while (isDigit(charAt(at))) {
+    while (isAsciiDigit(charAt(at))) {
       ++at;
     }
     return at;
@@ -109,7 +108,7 @@ class JsonStream {
     }
     // What RapidJSON would take for more of the number is left to it, to be refused.
     const char next = charAt(at);
-    return isDigit(next) || next == '.' || next == 'e' || next == 'E' ? nullptr : at;
+    return isAsciiDigit(next) || next == '.' || next == 'e' || next == 'E' ? nullptr : at;
   }
 
   void beginNumber() noexcept {

@@ -5,12 +5,11 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/Ascii.h"
 #include "base/WhiteSpace.h"
 
 namespace tamzo {
 namespace {
-
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 
 // Takes an optional sign off the front; true for a minus.
 bool takeSign(std::string_view& text) noexcept {
@@ -27,7 +26,7 @@ Float floatingValue(std::string_view text) noexcept {
   const bool isNegative = takeSign(text);
   const bool startsNumber =
       !text.empty() &&
-      (isDigit(text[0]) || (text[0] == '.' && text.size() > 1 && isDigit(text[1])));
+      (isAsciiDigit(text[0]) || (text[0] == '.' && text.size() > 1 && isAsciiDigit(text[1])));
   if (!startsNumber) {
     return Float{0};
   }
@@ -44,7 +43,7 @@ std::int32_t integerValue(std::string_view text) noexcept {
   constexpr std::int64_t kMax = std::numeric_limits<std::int32_t>::max();
   const std::int64_t limit = isNegative ? kMax + 1 : kMax;
   std::int64_t value = 0;
-  for (std::size_t at = 0; at < text.size() && isDigit(text[at]) && value < limit; ++at) {
+  for (std::size_t at = 0; at < text.size() && isAsciiDigit(text[at]) && value < limit; ++at) {
     value = std::min(value * 10 + (text[at] - '0'), limit);
   }
   return static_cast<std::int32_t>(isNegative ? -value : value);
@@ -54,8 +53,8 @@ bool boolValue(std::string_view text) noexcept {
   text = withoutLeadingWhiteSpace(text);
   takeSign(text);
   text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
-  return !text.empty() &&
-         (text[0] == 'Y' || text[0] == 'y' || text[0] == 'T' || text[0] == 't' || isDigit(text[0]));
+  return !text.empty() && (text[0] == 'Y' || text[0] == 'y' || text[0] == 'T' || text[0] == 't' ||
+                           isAsciiDigit(text[0]));
 }
 
 double doubleValue(std::string_view text) noexcept { return floatingValue<double>(text); }

@@ -5,10 +5,6 @@
 
 namespace tamzo {
 
-constexpr bool isAsciiAlphanumeric(char c) noexcept {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
-
 /// Appends one byte as "%" and two capital hexadecimal digits.
 inline void appendPercentEncoded(std::string& out, char c) {
   constexpr char kDigits[] = "0123456789ABCDEF";

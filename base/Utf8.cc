@@ -31,10 +31,10 @@ bool continues(std::uint8_t lead, std::uint8_t second) noexcept {
 
 // Where the first byte at or after `at` stands that is not ASCII.
 std::size_t endOfAscii(std::string_view text, std::size_t at) noexcept {
-  constexpr std::uint64_t kHighest = 0x8080808080808080;
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
   for (std::uint64_t word = 0; text.size() - at >= sizeof(word); at += sizeof(word)) {
     std::memcpy(&word, text.data() + at, sizeof(word));
-    if ((word & kHighest) != 0) {
+    if ((word & kHighBits) != 0) {
       break;
     }
   }

@@ -31,6 +31,7 @@ tamzo_vast_status giveText(bool isNull, tamzo_vast_string** out, Read read) noex
       return TAMZO_VAST_INVALID_ARGUMENT;
     }
     if (const Text text = read(); !text.isNil()) {
+      // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): guarded() handles it
       *out = new tamzo_vast_string(text);
     }
     return TAMZO_VAST_OK;
@@ -47,6 +48,7 @@ tamzo_vast_status giveElement(bool isNull, tamzo_vast_element** out, Find find) 
       return TAMZO_VAST_INVALID_ARGUMENT;
     }
     if (DDXMLElement found = find()) {
+      // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): guarded() handles it
       *out = new tamzo_vast_element(std::move(found));
     }
     return TAMZO_VAST_OK;

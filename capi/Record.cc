@@ -15,7 +15,6 @@
 
 using tamzo::Text;
 using tamzo::capi::guarded;
-using tamzo::capi::viewOf;
 
 struct tamzo_vast_ad : tamzo::capi::Handle {
   explicit tamzo_vast_ad(std::shared_ptr<tamzo::TamzoVastAd> of)

@@ -43,6 +43,7 @@ class Arena {
   template <typename T>
   T* make(std::size_t count = 1) {
     static_assert(std::is_trivially_destructible_v<T> && alignof(T) <= alignof(std::max_align_t));
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): pointers are among them
     auto block = std::make_unique<std::byte[]>(sizeof(T) * (count == 0 ? 1 : count));
     auto* objects = reinterpret_cast<T*>(block.get());
     std::uninitialized_value_construct_n(objects, count);

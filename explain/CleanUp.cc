@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "base/Ascii.h"
 #include "explain/TagText.h"
 #include "tamzo/vast/TamzoVastAd.h"
 #include "xml/StartTags.h"
@@ -13,18 +14,14 @@ namespace {
 constexpr std::string_view kWord = "xmlns";
 constexpr std::size_t kLongestTag = 2000;
 
-char lower(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
-
 // The clean-up knows no letter case.
 bool endsInWord(std::string_view name) noexcept {
-  return name.size() >= kWord.size() && std::equal(kWord.rbegin(), kWord.rend(), name.rbegin(),
-                                                   [](char a, char b) { return a == lower(b); });
+  return name.size() >= kWord.size() &&
+         std::equal(kWord.rbegin(), kWord.rend(), name.rbegin(),
+                    [](char a, char b) { return a == asciiLower(b); });
 }
 
-bool startsName(char c) noexcept {
-  const char l = lower(c);
-  return (l >= 'a' && l <= 'z') || c == '_' || (static_cast<unsigned char>(c) & 0x80U) != 0;
-}
+bool startsName(char c) noexcept { return isAsciiLetter(c) || c == '_' || isBeyondAscii(c); }
 
 // Whether an even number of both quotes stands in it, so that it ends outside of a value when it
 // begins there.

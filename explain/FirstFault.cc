@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "base/Utf8.h"
 #include "xml/Markup.h"
 #include "xml/StartTags.h"
@@ -15,11 +16,12 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kNowhere = std::string_view::npos;
 
 bool isBlank(char c) noexcept { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-bool isLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-bool isBeyondAscii(char c) noexcept { return (static_cast<std::uint8_t>(c) & 0x80U) != 0; }
-bool startsName(char c) noexcept { return isLetter(c) || c == '_' || c == ':' || isBeyondAscii(c); }
-bool continuesName(char c) noexcept { return startsName(c) || isDigit(c) || c == '-' || c == '.'; }
+bool beginsName(char c) noexcept {
+  return isAsciiLetter(c) || c == '_' || c == ':' || isBeyondAscii(c);
+}
+bool continuesName(char c) noexcept {
+  return beginsName(c) || isAsciiDigit(c) || c == '-' || c == '.';
+}
 
 bool isXmlCharacter(std::uint32_t c) noexcept {
   if (c < 0x20U) {
@@ -98,7 +100,7 @@ class Scanner {
   }
   std::string_view readName() noexcept {
     const std::size_t begin = at_;
-    if (!atEnd() && startsName(peek())) {
+    if (!atEnd() && beginsName(peek())) {
       while (!atEnd() && continuesName(peek())) {
         ++at_;
       }
@@ -224,7 +226,7 @@ void Scanner::readMarkup() {
     return isBegun ? cutOffOutsideTag() : other(at_);
   } else if (here.size() == 1) {
     cutOff();
-  } else if (!startsName(here[1]) || (hadRoot_ && open_.empty())) {
+  } else if (!beginsName(here[1]) || (hadRoot_ && open_.empty())) {
     other(at_);
   } else {
     readStartTag();
@@ -406,10 +408,10 @@ void Scanner::readNumber(std::size_t ampersand) {
     const char c = peek();
     const auto lower = static_cast<char>(c | 0x20);
     const bool isHexLetter = isHex && lower >= 'a' && lower <= 'f';
-    if (!isDigit(c) && !isHexLetter) {
+    if (!isAsciiDigit(c) && !isHexLetter) {
       break;
     }
-    const auto digit = static_cast<std::uint32_t>(isDigit(c) ? c - '0' : lower - 'a' + 10);
+    const auto digit = static_cast<std::uint32_t>(isAsciiDigit(c) ? c - '0' : lower - 'a' + 10);
     value = std::min(value * (isHex ? 16U : 10U) + digit, kTooLarge);
   }
   if (atEnd()) {

@@ -3,17 +3,15 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "base/Ascii.h"
 #include "base/WhiteSpace.h"
 
 namespace tamzo::explain {
 namespace {
 
-bool isLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-
 // What a value is made of: what encodeURIComponent leaves, and commas.
 bool isOfValue(char c) noexcept {
-  return isLetter(c) || isDigit(c) ||
+  return isAsciiAlphanumeric(c) ||
          std::string_view("-_.!~*'()%,").find(c) != std::string_view::npos;
 }
 
@@ -44,8 +42,8 @@ BracketedName findBracketedName(std::string_view text, std::size_t from) noexcep
   for (std::size_t open = text.find('[', from); open != std::string_view::npos;
        open = text.find('[', open + 1)) {
     std::size_t end = open + 1;
-    while (end < text.size() &&
-           (isLetter(text[end]) || text[end] == '_' || (isDigit(text[end]) && end > open + 1))) {
+    while (end < text.size() && (isAsciiLetter(text[end]) || text[end] == '_' ||
+                                 (isAsciiDigit(text[end]) && end > open + 1))) {
       ++end;
     }
     if (end > open + 1 && end < text.size() && text[end] == ']') {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "xml/StartTags.h"
 
 namespace tamzo::explain {
@@ -37,7 +38,7 @@ void appendUtf8(std::string& out, std::uint32_t c) {
 constexpr std::uint32_t kNoCharacter = 0xFFFFFFFFU;
 
 std::uint32_t digitValue(char c) noexcept {
-  if (c >= '0' && c <= '9') {
+  if (isAsciiDigit(c)) {
     return static_cast<std::uint32_t>(c - '0');
   }
   const auto lower = static_cast<char>(c | 0x20);

@@ -4,14 +4,13 @@
 
 #include <algorithm>
 
+#include "base/Ascii.h"
 #include "explain/Places.h"
 
 namespace tamzo::explain {
 namespace {
 
 constexpr std::size_t kLongestValue = 120;
-
-char lower(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
 
 }  // namespace
 
@@ -46,14 +45,9 @@ std::string inSeconds(double milliseconds) {
                                : fmt::format("{:.1f} s", milliseconds / 1000.0);
 }
 
-bool equalButForCase(std::string_view a, std::string_view b) noexcept {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lower(x) == lower(y); });
-}
-
 bool beginsLike(std::string_view text, std::string_view beginning) noexcept {
   return text.size() >= beginning.size() &&
-         equalButForCase(text.substr(0, beginning.size()), beginning);
+         equalsInAnyCase(text.substr(0, beginning.size()), beginning);
 }
 
 }  // namespace tamzo::explain

@@ -23,9 +23,6 @@ std::string hostInWords(std::string_view url);
 /// "1.5 s", "40 ms".
 std::string inSeconds(double milliseconds);
 
-/// True for texts that are equal but for the case of their ASCII letters.
-bool equalButForCase(std::string_view a, std::string_view b) noexcept;
-
 /// True when `text` begins with `beginning`, whatever the case of ASCII letters.
 bool beginsLike(std::string_view text, std::string_view beginning) noexcept;
 

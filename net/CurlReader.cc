@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "base/AsciiCase.h"
+#include "base/Ascii.h"
 #include "net/CurlSession.h"
 #include "net/CurlTransfer.h"
 #include "net/CurlUrl.h"

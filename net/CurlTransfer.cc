@@ -27,7 +27,7 @@ constexpr std::size_t kGiveUp = 0;
 
 // libcurl takes 0 for no limit at all.
 long millisecondsOf(double seconds) noexcept {
-  constexpr double kMost = std::numeric_limits<int>::max() / 2;
+  constexpr double kMost = std::numeric_limits<int>::max() / 2.0;
   return seconds > 0.0 ? std::lround(std::clamp(std::ceil(seconds * 1000.0), 1.0, kMost)) : 1;
 }
 

@@ -7,7 +7,7 @@
 #include <new>
 #include <utility>
 
-#include "base/AsciiCase.h"
+#include "base/Ascii.h"
 
 namespace tamzo {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "base/AsciiCase.h"
+#include "base/Ascii.h"
 #include "base/PercentEncoding.h"
 
 namespace tamzo {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/AsciiCase.h"
+#include "base/Ascii.h"
 
 namespace tamzo {
 namespace {

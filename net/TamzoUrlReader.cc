@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "base/PercentEncoding.h"
 #include "net/CurlReader.h"
 
@@ -15,7 +16,7 @@ namespace {
 constexpr std::size_t kMaxUrlBytes = std::size_t{1} << 20U;
 
 bool isHexDigit(char c) noexcept {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+  return isAsciiDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
 // Where the host and port end: brackets belong there, around an IPv6 address, and nowhere else.

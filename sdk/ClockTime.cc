@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Ascii.h"
 #include "base/Numbers.h"
 #include "base/WhiteSpace.h"
 
@@ -10,8 +11,7 @@ namespace tamzo {
 namespace {
 
 bool isAllDigits(std::string_view text) noexcept {
-  return !text.empty() &&
-         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+  return !text.empty() && std::all_of(text.begin(), text.end(), isAsciiDigit);
 }
 
 }  // namespace

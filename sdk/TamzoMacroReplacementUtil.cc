@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "base/PercentEncoding.h"
 #include "base/WhiteSpace.h"
 #include "sdk/HostInUse.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "base/PercentEncoding.h"
+#include "base/Ascii.h"
 
 namespace tamzo {
 namespace {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "base/WhiteSpace.h"
 #include "explain/MacroFilling.h"
 #include "explain/Words.h"
@@ -239,7 +240,7 @@ std::size_t ChainReplay::findAnswer(std::string_view url) const {
   }
   const std::string_view host = explain::hostOf(url);
   for (std::size_t i = 0; i < urls_.size(); ++i) {
-    if (!isUsed_[i] && !host.empty() && explain::equalButForCase(explain::hostOf(urls_[i]), host)) {
+    if (!isUsed_[i] && !host.empty() && equalsInAnyCase(explain::hostOf(urls_[i]), host)) {
       return i;
     }
   }

@@ -96,7 +96,7 @@ void DocumentBuilder::Element::setAttribute(std::string_view name, std::string_v
   if (attribute == nullptr || attribute->name == nullptr) {
     throw std::bad_alloc();
   }
-  setValue(attribute, reinterpret_cast<const xmlChar*>(asXmlText(value).c_str()));
+  setValue(attribute, asXml(asXmlText(value)));
 }
 
 void DocumentBuilder::Element::appendCopy(const DDXMLElement& source) {

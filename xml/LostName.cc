@@ -1,5 +1,6 @@
 #include "xml/LostName.h"
 
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 
@@ -87,7 +88,7 @@ bool hasLostPrefix(const xmlParserCtxt& parser, const xmlChar* localName, const 
   }
   const xmlAttr* attribute = parser.node->properties;
   for (int i = 0; i < attributeCount && attribute != nullptr; ++i, attribute = attribute->next) {
-    const xmlChar** given = attributes + 5 * i;
+    const xmlChar** given = attributes + std::ptrdiff_t{5} * i;
     if (given[1] != nullptr && given[2] == nullptr && attribute->name == given[0]) {
       return true;
     }

@@ -7,14 +7,12 @@
 #include <memory>
 #include <new>
 
+#include "base/Ascii.h"
 #include "base/PercentEncoding.h"
 #include "xml/XmlTree.h"
 
 namespace tamzo {
 namespace {
-
-// As deep as the parser lets entities refer to entities.
-constexpr int kMaxEntityNesting = 40;
 
 struct FreeUri {
   void operator()(xmlURI* uri) const noexcept { xmlFreeURI(uri); }

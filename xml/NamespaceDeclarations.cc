@@ -15,10 +15,6 @@ constexpr std::size_t kMaxInScope = 256;
 // part of a document may declare such a prefix itself: it would hide that of the root.
 constexpr std::string_view kRenamed = "ns-";
 
-const xmlChar* asXml(const std::string& text) noexcept {
-  return reinterpret_cast<const xmlChar*>(text.c_str());
-}
-
 // The document is only ever written, and libxml2 writes addresses as they are.
 std::string escapeAddress(std::string_view address) {
   std::string escaped;

@@ -15,6 +15,27 @@ namespace {
 // no memory it tells its error handler, which stands in just that, and so calls itself until the
 // stack ends. The block that is freed here is the one that it gets: the allocator hands a thread
 // what it has freed last.
+void makeRoomForThread() {
+#if LIBXML_VERSION < 21200
+  void* volatile block = std::malloc(sizeof(xmlGlobalState));
+  if (block == nullptr) {
+    throw std::bad_alloc();
+  }
+  std::free(block);
+#endif
+}
+
+// Threads that meet here wait for each other, as they do not everywhere in libxml2: what asks it
+// for anything comes after this.
+void initLibraryOnce() {
+  static const bool done = [] {
+    makeRoomForThread();
+    xmlInitParser();
+    return true;
+  }();
+  static_cast<void>(done);
+}
+
 void prepareThread() {
 #if LIBXML_VERSION < 21200
   thread_local bool isPrepared = false;
@@ -22,11 +43,7 @@ void prepareThread() {
     return;
   }
   if (xmlIsMainThread() == 0) {
-    void* volatile block = std::malloc(sizeof(xmlGlobalState));
-    if (block == nullptr) {
-      throw std::bad_alloc();
-    }
-    std::free(block);
+    makeRoomForThread();
     if (xmlGetGlobalState() == nullptr) {
       throw std::bad_alloc();
     }
@@ -35,19 +52,11 @@ void prepareThread() {
 #endif
 }
 
-void initLibraryOnce() {
-  static const bool done = [] {
-    xmlInitParser();
-    return true;
-  }();
-  static_cast<void>(done);
-}
-
 }  // namespace
 
 QuietLibrary::QuietLibrary() {
-  prepareThread();
   initLibraryOnce();
+  prepareThread();
   handler_ = xmlGenericError;
   context_ = xmlGenericErrorContext;
   xmlSetGenericErrorFunc(nullptr, ignore);

@@ -5,9 +5,6 @@
 namespace tamzo {
 namespace {
 
-// As deep as the parser lets entities refer to entities.
-constexpr int kMaxEntityNesting = 40;
-
 bool isCharacterData(const xmlNode* node) noexcept {
   return node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE;
 }

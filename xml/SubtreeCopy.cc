@@ -11,10 +11,6 @@
 namespace tamzo {
 namespace {
 
-const xmlChar* asXml(const std::string& text) noexcept {
-  return reinterpret_cast<const xmlChar*>(text.c_str());
-}
-
 // An attribute begins as every node does; libxml2 takes one for the other everywhere.
 const xmlNode* asNode(const xmlAttr* attribute) noexcept {
   return reinterpret_cast<const xmlNode*>(attribute);

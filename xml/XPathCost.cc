@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "base/Ascii.h"
+
 namespace tamzo {
 namespace {
 
@@ -31,14 +33,12 @@ struct Token {
 bool isOneOf(char c, std::string_view set) noexcept {
   return set.find(c) != std::string_view::npos;
 }
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 bool isBlank(char c) noexcept { return isOneOf(c, " \t\r\n"); }
 // Letters beyond ASCII are taken for parts of names.
-bool isNameStart(char c) noexcept {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
-         static_cast<unsigned char>(c) >= 0x80;
+bool isNameStart(char c) noexcept { return isAsciiLetter(c) || c == '_' || isBeyondAscii(c); }
+bool isNamePart(char c) noexcept {
+  return isNameStart(c) || isAsciiDigit(c) || c == '-' || c == '.';
 }
-bool isNamePart(char c) noexcept { return isNameStart(c) || isDigit(c) || c == '-' || c == '.'; }
 
 class Tokens {
  public:
@@ -53,8 +53,8 @@ class Tokens {
     if (isNameStart(c)) {
       return take(Kind::name, lengthOf(isNamePart));
     }
-    if (isDigit(c)) {
-      return take(Kind::number, lengthOf([](char d) { return isDigit(d) || d == '.'; }));
+    if (isAsciiDigit(c)) {
+      return take(Kind::number, lengthOf([](char d) { return isAsciiDigit(d) || d == '.'; }));
     }
     if (c == '"' || c == '\'') {
       const std::size_t end = rest_.find(c, 1);

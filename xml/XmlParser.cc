@@ -35,8 +35,6 @@ constexpr int kMaxDeclarations = 256;
 constexpr std::size_t kMaxStructureBytes = 4096;
 // What all entity references and defaulted attributes of a document stand for together.
 constexpr std::size_t kMaxExpandedBytes = std::size_t{8} << 20U;
-// An entity that refers to an entity that refers to an entity …
-constexpr int kMaxEntityNesting = 40;
 
 // What libxml2 does with the whole name of an element for each of its attributes: bytes of names,
 // to a byte of text.

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace tamzo {
@@ -43,6 +44,12 @@ class XmlTree {
   mutable bool isOrdered_ = false;
 };
 
+/// An entity that refers to an entity that refers to an entity …: so deep, and no deeper.
+inline constexpr int kMaxEntityNesting = 40;
+
+inline const xmlChar* asXml(const std::string& text) noexcept {
+  return reinterpret_cast<const xmlChar*>(text.c_str());
+}
 inline const char* asChars(const xmlChar* text) noexcept {
   return reinterpret_cast<const char*>(text);
 }

@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "base/WhiteSpace.h"
 #include "explain/Rules.h"
 #include "explain/Words.h"
@@ -19,8 +20,7 @@ bool isClock(std::string_view text) {
   }
   std::string later(clock);
   later.insert(last + 1, "1");
-  return last + 1 < clock.size() && clock[last + 1] >= '0' && clock[last + 1] <= '9' &&
-         clockSeconds(later) != 0;
+  return last + 1 < clock.size() && isAsciiDigit(clock[last + 1]) && clockSeconds(later) != 0;
 }
 
 }  // namespace

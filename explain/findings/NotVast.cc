@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "explain/Rules.h"
 #include "explain/Words.h"
 #include "tamzo/vast/ErrorCodes.h"
@@ -10,7 +11,7 @@ std::string sentenceOf(std::string_view root) {
   if (local == "VMAP") {
     return "The document is a VMAP, a list of ad breaks, and no VAST document.";
   }
-  if (equalButForCase(root, "VAST")) {
+  if (equalsInAnyCase(root, "VAST")) {
     return "The root is " + quoted(root) + ": it must be \"VAST\" in capital letters.";
   }
   return "The root is " + quoted(root) + " and not \"VAST\".";

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include "base/Ascii.h"
 #include "base/WhiteSpace.h"
 #include "explain/Rules.h"
 #include "explain/Words.h"
@@ -13,18 +14,16 @@ struct TagKind {
   std::string_view words;
 };
 
-bool isLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-
 // "ftp://host", "data:text/xml", but not the port in "host:8080/path".
 bool hasScheme(std::string_view tag) noexcept {
   std::size_t at = 0;
-  while (at < tag.size() && (isLetter(tag[at]) || (at > 0 && (isDigit(tag[at]) || tag[at] == '+' ||
-                                                              tag[at] == '-' || tag[at] == '.')))) {
+  while (at < tag.size() &&
+         (isAsciiLetter(tag[at]) || (at > 0 && (isAsciiDigit(tag[at]) || tag[at] == '+' ||
+                                                tag[at] == '-' || tag[at] == '.')))) {
     ++at;
   }
   const std::string_view rest = tag.substr(at);
-  return at > 0 && rest.starts_with(':') && rest.size() > 1 && !isDigit(rest[1]);
+  return at > 0 && rest.starts_with(':') && rest.size() > 1 && !isAsciiDigit(rest[1]);
 }
 
 bool isPath(std::string_view tag) noexcept {

@@ -18,13 +18,13 @@ constexpr std::int32_t kIntMax = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kIntMin = std::numeric_limits<std::int32_t>::min();
 
 template <typename Value>
-struct Row {
+struct NumberRow {
   std::string_view text;
   Value value;
 };
 
 TEST(IntegerValue, ReadsTheNumberAtTheFront) {
-  const std::vector<Row<std::int32_t>> rows{
+  const std::vector<NumberRow<std::int32_t>> rows{
       {"", 0},
       {"0", 0},
       {"7", 7},
@@ -64,7 +64,7 @@ TEST(IntegerValue, ReadsTheNumberAtTheFront) {
 }
 
 TEST(BoolValue, IsDecidedByTheFirstCharacterThatCounts) {
-  const std::vector<Row<bool>> rows{
+  const std::vector<NumberRow<bool>> rows{
       {"", false},         {" ", false},   {"0", false},     {"000", false},  {"+", false},
       {"-", false},        {"no", false},  {"false", false}, {"F", false},    {"N", false},
       {"on", false},       {".1", false},  {"0.5", false},   {"a1", false},   {"0 1", false},
@@ -80,7 +80,7 @@ TEST(BoolValue, IsDecidedByTheFirstCharacterThatCounts) {
 }
 
 TEST(DoubleValue, ReadsTheDecimalNumberAtTheFront) {
-  const std::vector<Row<double>> rows{
+  const std::vector<NumberRow<double>> rows{
       {"", 0.0},
       {"0", 0.0},
       {"12.5", 12.5},

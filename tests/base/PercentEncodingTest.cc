@@ -21,14 +21,5 @@ TEST(PercentEncodingTest, EveryByteBecomesTwoCapitalHexadecimalDigits) {
   EXPECT_EQ(out, expected);
 }
 
-TEST(PercentEncodingTest, LettersAndDigitsAreThoseOfAscii) {
-  constexpr std::string_view kAlphanumeric =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
-  for (int byte = 0; byte < 256; ++byte) {
-    const char c = static_cast<char>(byte);
-    EXPECT_EQ(isAsciiAlphanumeric(c), kAlphanumeric.find(c) != std::string_view::npos) << byte;
-  }
-}
-
 }  // namespace
 }  // namespace tamzo::testing

@@ -119,13 +119,13 @@ TEST(TrimWhiteSpace, LooksAtATextOnce) {
 }
 
 template <typename Value>
-struct Row {
+struct ScanRow {
   std::string_view text;
   Value value;
 };
 
 TEST(RemoveNewlines, TakesOutEveryNewlineAndNoOtherWhiteSpace) {
-  const std::vector<Row<std::string_view>> rows{
+  const std::vector<ScanRow<std::string_view>> rows{
       {"", ""},
       {"plain", "plain"},
       {"a\nb", "ab"},

@@ -11,13 +11,13 @@ namespace tamzo::testing {
 namespace {
 
 template <typename Value>
-struct Row {
+struct DurationRow {
   std::string_view text;
   Value value;
 };
 
 TEST(TamzoAdDurationTest, ReadsAClockTimeInWholeSeconds) {
-  const std::vector<Row<std::int64_t>> rows{
+  const std::vector<DurationRow<std::int64_t>> rows{
       {"00:00:30", 30},
       {"00:00:30.000", 30},
       {"00:00:30.999", 30},

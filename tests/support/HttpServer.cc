@@ -14,7 +14,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "base/AsciiCase.h"
+#include "base/Ascii.h"
 
 namespace tamzo::testing {
 namespace {
@@ -126,16 +126,12 @@ class TlsPeer : public Peer {
   BIO* out_;
 };
 
-struct FreeContext {
-  void operator()(SSL_CTX* context) const noexcept { SSL_CTX_free(context); }
-};
-
 }  // namespace
 
 struct HttpServer::State {
   int listener = -1;
   int port = 0;
-  std::unique_ptr<SSL_CTX, FreeContext> tls;
+  std::shared_ptr<SSL_CTX> tls;
   std::atomic<bool> isClosing{false};
   mutable std::mutex mutex;
   std::map<std::string, Handler> handlers;
@@ -286,7 +282,7 @@ void HttpServer::State::listen() {
 }
 
 void HttpServer::State::useTls(const ServerCertificate& certificate) {
-  tls.reset(SSL_CTX_new(TLS_server_method()));
+  tls.reset(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
   if (SSL_CTX_use_certificate_chain_file(tls.get(), certificate.certificateFile.c_str()) != 1 ||
       SSL_CTX_use_PrivateKey_file(tls.get(), certificate.keyFile.c_str(), SSL_FILETYPE_PEM) != 1) {
     throw std::runtime_error("no certificate in " + certificate.certificateFile);

@@ -21,7 +21,7 @@ using command::AnswerPlan;
 using command::BatchAnswer;
 using command::Work;
 
-constexpr auto kGoodTime = std::chrono::seconds(20);
+constexpr auto kLongEnough = std::chrono::seconds(20);
 
 // A count that one thread raises and another waits for.
 class Count {
@@ -35,7 +35,7 @@ class Count {
   // False when it does not come to that in good time.
   bool waitFor(std::size_t value) {
     std::unique_lock lock(mutex_);
-    return raised_.wait_for(lock, kGoodTime, [&] { return value_ >= value; });
+    return raised_.wait_for(lock, kLongEnough, [&] { return value_ >= value; });
   }
 
   std::size_t value() {

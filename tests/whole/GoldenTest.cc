@@ -63,13 +63,13 @@ fs::path beside(const fs::path& response, const std::string& suffix) {
 }
 
 // What every record holds that no document has written to.
-ordered_json freshRecord() {
+ordered_json recordOfNothing() {
   const auto fresh = TamzoVastAd::initWithVast("");
   return ordered_json::parse(recordAsJson(*fresh));
 }
 
 ordered_json differenceFromFresh(const TamzoVastAd& ad, const std::string& response) {
-  ordered_json fresh = freshRecord();
+  ordered_json fresh = recordOfNothing();
   fresh["errorCode"] = 0;
   ordered_json difference = ordered_json::object();
   const ordered_json record = ordered_json::parse(recordAsJson(ad));

@@ -11,13 +11,13 @@
 namespace tamzo::testing {
 namespace {
 
-struct Row {
+struct EscapeRow {
   std::string xml;
   std::string written;
 };
 
 TEST(AssignmentEscape, WritesEachPieceInItsOwnWay) {
-  for (const Row& row : std::vector<Row>{
+  for (const EscapeRow& row : std::vector<EscapeRow>{
            {"<a>xmlns=1</a>", "<a>xmlns&#61;1</a>"},
            {"<a>xmlns=xmlns=</a>", "<a>xmlns&#61;xmlns&#61;</a>"},
            {"<a b=\"xmlns=1\"/>", "<a b=\"xmlns&#61;1\"/>"},

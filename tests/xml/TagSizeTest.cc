@@ -14,13 +14,13 @@ namespace {
 constexpr int kMost = 800;
 
 // Long enough for 800 of them to make a large tag.
-std::string attributes(int count) { return repeat(" name='a value'", count); }
+std::string manyAttributes(int count) { return repeat(" name='a value'", count); }
 
 TEST(TagSizeTest, ALargeTagMayHaveEightHundredAttributes) {
   for (const std::string open : {"<a", "<", "<x:a"}) {
     for (const std::string close : {">", "/>", "", " "}) {
-      EXPECT_FALSE(hasOversizedTag(open + attributes(kMost) + close)) << open << close;
-      EXPECT_TRUE(hasOversizedTag(open + attributes(kMost + 1) + close)) << open << close;
+      EXPECT_FALSE(hasOversizedTag(open + manyAttributes(kMost) + close)) << open << close;
+      EXPECT_TRUE(hasOversizedTag(open + manyAttributes(kMost + 1) + close)) << open << close;
     }
   }
 }
@@ -28,10 +28,10 @@ TEST(TagSizeTest, ALargeTagMayHaveEightHundredAttributes) {
 TEST(TagSizeTest, ItIsFoundWhereverItBegins) {
   for (std::size_t before = 0; before < 9000; before += 500) {
     const std::string front = "<r>" + std::string(before, 'x');
-    EXPECT_TRUE(hasOversizedTag(front + "<a" + attributes(kMost + 1) + "/></r>")) << before;
-    EXPECT_FALSE(hasOversizedTag(front + "<a" + attributes(kMost) + "/></r>")) << before;
+    EXPECT_TRUE(hasOversizedTag(front + "<a" + manyAttributes(kMost + 1) + "/></r>")) << before;
+    EXPECT_FALSE(hasOversizedTag(front + "<a" + manyAttributes(kMost) + "/></r>")) << before;
     EXPECT_TRUE(hasOversizedTag("<r>" + repeat("<b/>", 2000) + front + "<a" +
-                                attributes(kMost + 1) + "/></r>"))
+                                manyAttributes(kMost + 1) + "/></r>"))
         << before;
   }
 }
@@ -41,12 +41,12 @@ TEST(TagSizeTest, EqualsSignsInValuesAreNoAttributes) {
   EXPECT_FALSE(hasOversizedTag("<a b='" + pairs + "'/>"));
   EXPECT_FALSE(hasOversizedTag("<a b=\"" + pairs + "\"/>"));
   EXPECT_FALSE(hasOversizedTag("<a b='>" + pairs + "'/>")) << "nor does a value end the tag";
-  EXPECT_TRUE(hasOversizedTag("<a b='>'" + attributes(kMost) + "/>"));
+  EXPECT_TRUE(hasOversizedTag("<a b='>'" + manyAttributes(kMost) + "/>"));
 }
 
 TEST(TagSizeTest, WhatIsNoTagHasNoAttributes) {
-  const std::string large = "<a" + attributes(2 * kMost) + "/>";
-  const std::string pairs = attributes(2 * kMost);
+  const std::string large = "<a" + manyAttributes(2 * kMost) + "/>";
+  const std::string pairs = manyAttributes(2 * kMost);
   EXPECT_FALSE(hasOversizedTag(pairs)) << "text";
   EXPECT_FALSE(hasOversizedTag("<r>" + pairs + "</r>"));
   EXPECT_FALSE(hasOversizedTag("<r><!--" + large + "--></r>"));
@@ -68,7 +68,7 @@ TEST(TagSizeTest, ReadsATextOnce) {
   // Long enough for each to hold a whole block without "<", which is looked at more closely.
   const std::string signs(9000, '=');
   const std::string letters(9000, 'x');
-  for (const std::string& piece : {"<" + signs, "<a" + attributes(kMost) + ">" + signs,
+  for (const std::string& piece : {"<" + signs, "<a" + manyAttributes(kMost) + ">" + signs,
                                    "<!--" + signs + "-->", signs, "<a>" + letters}) {
     EXPECT_TRUE(growsLinearly(40, [&piece](std::size_t size) {
       const std::string text = "<r>" + repeat(piece, static_cast<int>(size));

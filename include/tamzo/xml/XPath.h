@@ -34,10 +34,12 @@ class XPath {
     isChildPath_ = isPathOfNames(steps_);
   }
 
+  // The requirement leaves copies and moves alone.
   template <typename T>
   requires(std::is_class_v<T> && !std::same_as<std::remove_const_t<T>, std::string_view> &&
-           std::convertible_to<T, std::string_view>) explicit XPath(T&&) =
-      delete;  ///< It would view what is gone.
+           std::convertible_to<T, std::string_view>)
+      // NOLINTNEXTLINE(bugprone-forwarding-reference-overload)
+      explicit XPath(T&&) = delete;  ///< It would view what is gone.
 
   /// The expression as it was given.
   constexpr std::string_view text() const noexcept { return text_; }

@@ -43,14 +43,14 @@ std::string property(const TamzoVastAd& ad, const std::string& name) {
 // ---- The document ------------------------------------------------------------------------------
 
 // A row of docs/vendor-block.md, without the remarks that follow a semicolon.
-struct Row {
+struct BlockRow {
   std::string element;
   std::string property;
   std::string reading;
   std::string absence;
 
-  bool operator==(const Row&) const = default;
-  friend void PrintTo(const Row& row, std::ostream* out) {
+  bool operator==(const BlockRow&) const = default;
+  friend void PrintTo(const BlockRow& row, std::ostream* out) {
     *out << row.element << " | " << row.property << " | " << row.reading << " | " << row.absence;
   }
 };
@@ -63,9 +63,9 @@ std::string takeCell(std::string& line) {
   return cell;
 }
 
-std::vector<Row> readDocument() {
+std::vector<BlockRow> readDocument() {
   std::ifstream document(std::string(testing::kDocs) + "/vendor-block.md");
-  std::vector<Row> rows;
+  std::vector<BlockRow> rows;
   std::string line;
   while (std::getline(document, line) && !line.starts_with("| element |")) {
   }
@@ -90,7 +90,7 @@ TEST_F(VendorSettingsTest, TheDocumentListsTheTableRowByRow) {
                                                        {"list of TamzoCard", "an empty list"},
                                                        {"list of TamzoHotspot360Info", ""},
                                                        {"flags", ""}};
-  std::vector<Row> table;
+  std::vector<BlockRow> table;
   for (const VendorSetting& row : vendorSettings()) {
     const auto& [reading, reset] = words[static_cast<std::size_t>(row.reading)];
     const char* absences[] = {reset, "kept", "kept, also when empty"};
@@ -103,15 +103,15 @@ TEST_F(VendorSettingsTest, TheDocumentListsTheTableRowByRow) {
 // ---- Rows that are texts as they stand ---------------------------------------------------------
 
 // Taken from the document, so that no row of the parser's own table vouches for itself.
-std::vector<Row> textRows() {
-  std::vector<Row> rows = readDocument();
+std::vector<BlockRow> textRows() {
+  std::vector<BlockRow> rows = readDocument();
   std::erase_if(rows,
-                [](const Row& row) { return row.reading != "text" || row.absence == "kept"; });
+                [](const BlockRow& row) { return row.reading != "text" || row.absence == "kept"; });
   EXPECT_EQ(rows.size(), 32U);
   return rows;
 }
 TEST_F(VendorSettingsTest, TextsAreTakenAsTheyStand) {
-  for (const Row& row : textRows()) {
+  for (const BlockRow& row : textRows()) {
     const auto ad = recordOf(element(row.element, " a &amp; <b>b</b><![CDATA[<c>]]>\n"));
     EXPECT_EQ(property(*ad, row.property), R"(" a & b<c>\n")") << row.element;
   }
@@ -120,13 +120,13 @@ TEST_F(VendorSettingsTest, TextsAreTakenAsTheyStand) {
 TEST_F(VendorSettingsTest, AnAbsentTextIsEmptyAndNotNil) {
   EXPECT_EQ(property(*TamzoVastAd::initWithVast(""), "trackId"), "null");
   const auto ad = recordOf("");
-  for (const Row& row : textRows()) {
+  for (const BlockRow& row : textRows()) {
     EXPECT_EQ(property(*ad, row.property), R"("")") << row.element;
   }
 }
 
 TEST_F(VendorSettingsTest, ALaterBlockOverwritesEveryText) {
-  for (const Row& row : textRows()) {
+  for (const BlockRow& row : textRows()) {
     const auto ad = recordOf(element(row.element, "first"));
     ad->updateTamzoExtensions(vendorBlock(element(row.element, "second")));
     EXPECT_EQ(property(*ad, row.property), R"("second")") << row.element;
@@ -136,7 +136,7 @@ TEST_F(VendorSettingsTest, ALaterBlockOverwritesEveryText) {
 }
 
 TEST_F(VendorSettingsTest, OnlyTheFirstDirectChildOfThatVeryNameCounts) {
-  for (const Row& row : textRows()) {
+  for (const BlockRow& row : textRows()) {
     std::string otherCase = row.element;
     otherCase[0] = static_cast<char>(otherCase[0] ^ 0x20);
     const auto ad =
@@ -148,11 +148,11 @@ TEST_F(VendorSettingsTest, OnlyTheFirstDirectChildOfThatVeryNameCounts) {
 
 TEST_F(VendorSettingsTest, EachTextFeedsItsOwnPropertyOnly) {
   std::string content;
-  for (const Row& row : textRows()) {
+  for (const BlockRow& row : textRows()) {
     content += element(row.element, row.property);
   }
   const ordered_json record = ordered_json::parse(recordAsJson(*recordOf(content)));
-  for (const Row& row : textRows()) {
+  for (const BlockRow& row : textRows()) {
     EXPECT_EQ(record.at(row.property), row.property) << row.element;
   }
 }
@@ -377,7 +377,7 @@ TEST_F(VendorSettingsTest, AReplayUrlAllowsReplay) {
 TEST_F(VendorSettingsTest, AnEmptyBlockResetsWhatIsNotMarkedAsKept) {
   const ordered_json fresh = ordered_json::parse(recordAsJson(*TamzoVastAd::initWithVast("")));
   ordered_json expected = fresh;
-  for (const Row& row : textRows()) {
+  for (const BlockRow& row : textRows()) {
     expected[row.property] = "";
   }
   expected["cards"] = ordered_json::array();
