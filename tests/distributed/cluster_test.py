@@ -154,7 +154,8 @@ class DaskTest(ClusterTest):
         path.write_bytes(faulty_line() + b"\n")
         for options, status in (([], 0), (["--fail-on", "media-without-url"], 1)):
             self.assertEqual(on_one_machine(path.read_bytes(), options)[1], status)
-            self.assertEqual(self.dask(path, "--", *options).returncode, status)
+            run = self.dask("--command", COMMAND, path, "--", *options)
+            self.assertEqual(run.returncode, status, run.stderr[-3000:])
             shutil.rmtree(self.folder / "out")
 
     def test_a_block_that_always_fails_costs_no_other(self):
