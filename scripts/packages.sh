@@ -3,7 +3,7 @@
 build_packages=(
   g++ cmake ninja-build pkg-config
   libxml2-dev libcurl4-openssl-dev rapidjson-dev libfast-float-dev libutfcpp-dev
-  libcli11-dev libfmt-dev libicu-dev ca-certificates
+  libcli11-dev libfmt-dev libicu-dev libtbb-dev ca-certificates
 )
 test_packages=(
   googletest nlohmann-json3-dev libssl-dev nodejs node-jsdom

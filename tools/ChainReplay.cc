@@ -122,12 +122,14 @@ void takeBody(const HarEntry& entry, const FetchRequest& request, FetchResult& r
   result.milliseconds = entry.milliseconds;
   if (!entry.failure.empty()) {
     result.failure = fetchFailureNamed(entry.failure);
+    result.cause = entry.cause;
   } else if (entry.status == 0 || (!entry.body && entry.status < kErrorsFrom)) {
     result.failure = FetchFailure::other;
   } else if (entry.status >= kErrorsFrom) {
     result.failure = FetchFailure::status;
   } else if (entry.body->size() > request.limits.maxBodyBytes) {
     result.failure = FetchFailure::tooLarge;
+    result.cause = FetchCause::bodySize;
   } else {
     result.body = entry.body;
     result.bytes = entry.body->size();

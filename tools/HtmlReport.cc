@@ -105,8 +105,9 @@ std::string statusOfHop(const explain::HopReport& hop) {
   }
   const std::string_view failure = fetchFailureName(hop.fetch->failure);
   const std::string status = hop.fetch->status == 0 ? "" : std::to_string(hop.fetch->status);
-  return fmt::format("{}{}{}, {:.0f} ms", status, status.empty() || failure.empty() ? "" : " ",
-                     failure, hop.fetch->milliseconds.total);
+  const double time = hop.fetch->milliseconds.total;
+  return fmt::format("{}{}{}{}", status, status.empty() || failure.empty() ? "" : " ", failure,
+                     time > 0.0 ? fmt::format(", {:.0f} ms", time) : "");
 }
 
 // The excerpt, with the spot marked.
