@@ -7,7 +7,7 @@ set -euo pipefail
 
 architecture=$1
 folder=$2
-packages=(libxml2-dev libxml2 libicu72 zlib1g liblzma5 libfmt-dev libfmt9)
+packages=(libxml2-dev libxml2 libicu72 zlib1g liblzma5 libfmt-dev libfmt9 libssl-dev libssl3)
 
 [ "$(cat "$folder/complete" 2>/dev/null || true)" != "${packages[*]}" ] || exit 0
 echo "fetching for $architecture: ${packages[*]}" >&2

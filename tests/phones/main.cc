@@ -27,6 +27,7 @@ std::string answerOf(const std::string& url) {
   std::string answer;
   if (connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
       send(connection, request.data(), request.size(), 0) == static_cast<ssize_t>(request.size())) {
+    shutdown(connection, SHUT_WR);  // the server keeps connections for those who may ask again
     char block[4096];
     for (ssize_t got = 0; (got = recv(connection, block, sizeof block, 0)) > 0;) {
       answer.append(block, static_cast<std::size_t>(got));
