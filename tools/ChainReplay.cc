@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/Ascii.h"
+#include "base/Utf8.h"
 #include "base/WhiteSpace.h"
 #include "explain/MacroFilling.h"
 #include "explain/Words.h"
@@ -72,7 +73,7 @@ std::optional<std::vector<std::string>> match(const TagPattern& pattern, std::st
 }
 
 bool beginsAsVast(std::string_view body) {
-  std::size_t at = body.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  std::size_t at = body.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
   while (at < body.size()) {
     if (const std::size_t blank = whiteSpaceAt(body, at)) {
       at += blank;

@@ -256,7 +256,7 @@ class HarWriter {
     json_.endObject();
   }
 
-  IndentedJsonWriter json_;
+  JsonWriter json_{JsonSpacing::indented};
   std::string started_ = timeNow();
 };
 

@@ -433,8 +433,8 @@ std::string withMark(const Shown& shown, const explain::Place* spot) {
     return htmlText(shown.text);
   }
   std::size_t at = beginOfLine(shown.text, spot->line - shown.firstLine + 1);
-  if (spot->line == 1 && shown.text.starts_with("\xEF\xBB\xBF")) {
-    at = 3;
+  if (spot->line == 1 && shown.text.starts_with(kByteOrderMark)) {
+    at = kByteOrderMark.size();
   }
   for (std::size_t column = 1; column < spot->column && at < shown.text.size(); ++column) {
     at += characterAt(shown.text, at).bytes;

@@ -56,7 +56,7 @@ FetchRequest TamzoVastAd::Chain::requestFor(const Text& escapedUrl) {
       std::min(request.limits.maxBodyBytes, mostBytes - std::min(bytes, mostBytes));
   request.deadline = deadline;
   request.cancellation = options.cancellation;
-  request.options = host.fetchOptions;
+  request.options = FetchOptions(host.fetchOptions);
   request.hop = number;
   request.cookies = &cookies;
   return request;
