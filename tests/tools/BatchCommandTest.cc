@@ -458,6 +458,21 @@ TEST_F(BatchCommandTest, ALineTooLongForMemoryIsOneThatFails) {
 }
 #endif
 
+TEST_F(BatchCommandTest, WhereDescriptorsRunOutTheFileIsRefusedAndTheNextOneRead) {
+  const auto leaveFive = [] {
+    const rlimit five{5, 5};
+    setrlimit(RLIMIT_NOFILE, &five);
+  };
+  const std::string lines = file("a.jsonl", requestLine(1, ad("a")));
+  RunningCommand batch({"batch", "-j", "1", lines, file("b.xml", ad("b"))},
+                       {"", "", "/dev/null", leaveFive});
+  const auto answers = jsonLines(batch.readAll());
+  EXPECT_EQ(batch.wait(), 2);
+  ASSERT_EQ(answers.size(), 2U);
+  EXPECT_EQ(answers[0]["error"], lines + ": Too many open files");
+  EXPECT_EQ(answers[1]["record"]["adID"], "b");
+}
+
 TEST_F(BatchCommandTest, ASignalLeavesNoHalfOfALine) {
   const std::string line = requestLine(1, ad("a", "<!--" + std::string(1'000'000, 'x') + "-->"));
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
