@@ -52,7 +52,6 @@ TESTED_ELSEWHERE = {
     "explain/Categories.cc": ("tests/explain/FindingsTest.cc", "what two findings compare"),
     "explain/Names.h": ("tests/explain/FindingsTest.cc", "what findings list"),
     "explain/Names.cc": ("tests/explain/FindingsTest.cc", "what findings list"),
-    "explain/TagText.cc": ("tests/explain/FindingsTest.cc", "what findings read of tags"),
     "explain/TrackerElements.cc": ("tests/explain/FindingsTest.cc", "where trackers stand"),
     "explain/MacroFilling.h": ("tests/explain/MacroFillingTest.cc", "a part of it"),
     "sdk/InlineVastMerge.cc":

@@ -204,6 +204,22 @@ TEST_F(FindingsTest, theFirstFaultOfAText) {
   });
 }
 
+TEST_F(FindingsTest, whatIsNoXmlIsToldInWords) {
+  const auto sentence = [this](const std::string& response) {
+    return explainResponse(response).findings.at(0).message;
+  };
+  EXPECT_EQ(sentence(" \n\t "), "The response is nothing but white space.");
+  EXPECT_EQ(sentence("\nNo ad today\n"), "The response is no XML: it is the text \"No ad today\".");
+  EXPECT_EQ(
+      sentence("<VAST><Ad></VAST>"),
+      "The text is not well-formed XML: Opening and ending tag mismatch: Ad line 1 and VAST.");
+  EXPECT_EQ(explainResponse("<VAST version='4.0'/>OK").findings.at(0).advice,
+            "Ad server: send nothing after the end tag of the root.");
+  EXPECT_EQ(explainResponse("<?xml version='1.0' encoding='?'?><VAST/>").findings.at(0).advice,
+            "Ad server: begin with <?xml version=\"1.0\" encoding=\"UTF-8\"?>, or leave the "
+            "declaration out.");
+}
+
 TEST_F(FindingsTest, whatIsNoVastAtAll) {
   check({
       {"\n<!-- a --><!DOCTYPE html>\n<title>\n 404 &amp; so\n</title>a & b<br>",
@@ -405,6 +421,49 @@ TEST_F(FindingsTest, trackersThatAreCalledTwice) {
           {"duplicate-tracker 1 3:1 event=\"Impression\" url=\"u\" hops=[1, 1]"}}});
 }
 
+// The place of one is its element's, whatever brought it.
+TEST_F(FindingsTest, trackersOfEachKindStandSomewhere) {
+  const auto twice = [](const std::string& element, const std::string& url) {
+    const std::string one = "<" + element + ">" + url + "</" + element.substr(0, element.find(' '));
+    return one + ">\n" + one + ">";
+  };
+  const auto found = [](const std::string& event, const std::string& place) {
+    return "duplicate-tracker 1 " + place + " event=\"" + event + "\" url=\"u\" hops=[1, 1]";
+  };
+  const auto inVideoClicks = [&](const std::string& element) {
+    return withLinear("<VideoClicks>" + twice(element, "u") + "</VideoClicks>");
+  };
+  const auto viewable = [&](const std::string& element) {
+    return playable("<ViewableImpression>" + twice(element, "u") + "</ViewableImpression>");
+  };
+  const std::string extra =
+      vendor("<ExtraTrackingEvents>" + twice("Tracking event='x'", "u") + "</ExtraTrackingEvents>");
+  check({
+      {playable(twice("Impression", "u")), {found("Impression", "3:1")}},
+      {playable(twice("Impression", "u"), "2.0"), {found("Impression", "3:1")}},
+      {withLinear("<TrackingEvents>" + twice("Tracking event='x'", "u") + "</TrackingEvents>"),
+       {found("x", "4:1")}},
+      {inVideoClicks("ClickTracking"), {found("ClickTracking", "4:1")}},
+      {inVideoClicks("CustomClick"), {found("CustomClickTracker", "4:1")}},
+      {inVideoClicks("ClickThrough"), {}},
+      {viewable("Viewable"), {found("Viewable", "3:1")}},
+      {viewable("NotViewable"), {found("NotViewable", "3:1")}},
+      {viewable("ViewUndetermined"), {found("ViewUndetermined", "3:1")}},
+      {playable("<AdVerifications><Verification>" + twice("ViewableImpression", "u") +
+                "</Verification></AdVerifications>"),
+       {found("AdVerificationViewable", "3:1")}},
+      {playable(extra), {found("x", "3:1")}},
+      {playable(extra, "3.0"), {}},
+      // A later one replaces an earlier one.
+      {playable(vendor("<canReplay>u</canReplay><canReplay>u</canReplay>")), {}},
+      {playable(vendor("<canReplay>http://u</canReplay>")), {"insecure-url 1 2:31 count=1"}},
+      {playable("<Extensions><Extension><Tamzo><canReplay>http://u</canReplay></Tamzo></Extension>"
+                "\n<Extension><Tamzo><canReplay>http://v</canReplay></Tamzo></Extension>"
+                "</Extensions>"),
+       {"insecure-url 1 3:19 count=1"}},
+  });
+}
+
 TEST_F(FindingsTest, fetchesThatWereRedirectedOrSlow) {
   FetchResult slow;
   slow.body = playable("");
@@ -440,6 +499,30 @@ TEST_F(FindingsTest, moreThanTwentyOfOneKindAreCounted) {
   EXPECT_EQ(found[0].find("duplicate-tracker 1 27:1 "), 0U) << found[0];
   EXPECT_NE(found[19].find(" more=5"), std::string::npos) << found[19];
   EXPECT_EQ(found[18].find(" more="), std::string::npos);
+}
+
+// Trackers are looked at event by event, and these stand in another order in the document.
+TEST_F(FindingsTest, theFirstTwentyAreThoseOfTheDocument) {
+  const auto twice = [](const std::string& element, int count) {
+    std::string all;
+    for (int i = 0; i < 2 * count; ++i) {
+      all += "<" + element + ">https://t/" + std::to_string(i / 2) + "</" +
+             element.substr(0, element.find(' ')) + ">\n";
+    }
+    return all;
+  };
+  const Lines found = findings(withLinear(
+      "<VideoClicks>\n" + twice("ClickTracking", 11) + "</VideoClicks><TrackingEvents>\n" +
+      twice("Tracking event='start'", 15) + "</TrackingEvents>"));
+  ASSERT_EQ(found.size(), 20U);
+  for (std::size_t i = 0; i < 20; ++i) {
+    const std::size_t line = i < 11 ? 5 + 2 * i : 28 + 2 * (i - 11);
+    const std::string event = i < 11 ? "ClickTracking" : "start";
+    EXPECT_EQ(found[i].find("duplicate-tracker 1 " + std::to_string(line) + ":1 event=\"" + event),
+              0U)
+        << found[i];
+    EXPECT_EQ(found[i].find(" more=6") != std::string::npos, i == 19) << found[i];
+  }
 }
 
 TEST_F(FindingsTest, worstComesFirstThenHopAndLine) {

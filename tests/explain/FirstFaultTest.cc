@@ -229,6 +229,69 @@ TEST(FirstFaultTest, whatHasNoNameOfItsOwn) {
   });
 }
 
+TEST(FirstFaultTest, aDeclarationThatIsNotInOrderComesFirst) {
+  for (const std::string attributes : {
+           "",
+           " encoding='UTF-8'",
+           " version=1.0",
+           " version='1.0",
+           " version=''",
+           " version='1'",
+           " version='2.0'",
+           " version='1.x'",
+           " version='1.0'encoding='UTF-8'",
+           " encoding='UTF-8' version='1.0'",
+           " version='1.0' standalone='no' encoding='UTF-8'",
+           " version='1.0' encoding='8'",
+           " version='1.0' encoding='UTF 8'",
+           " version='1.0' standalone='maybe'",
+           " version='1.0' other='a'",
+       }) {
+    check({{"^<?xml " + attributes + "?><a>&b</a>", "other"}});
+  }
+  check({{"^<?xml version='1.0'>\n<a>&b</a>", "other"}, {"^<?xml version='1.0' enc", "other"}});
+  for (const std::string attributes : {
+           "version='1.0'",
+           "version = \"1.1\"\n encoding='utf-8'  standalone='yes' ",
+           " version='1.0' standalone='no'",
+       }) {
+    EXPECT_EQ(told(explain::findFirstFault("<?xml " + attributes + "?><a>&b</a>")), "ampersand")
+        << attributes;
+  }
+}
+
+TEST(FirstFaultTest, whatHasNoNameSaysWhatToWriteInstead) {
+  const std::vector<std::pair<std::string, std::string>> remedies{
+      {"no ad", "answer with a VAST document"},
+      {"  \n ", "answer with a VAST document"},
+      {"<a/>x", "nothing after the end tag"},
+      {"<a/><b/>", "nothing after the end tag"},
+      {"<a/><!b>", "nothing after the end tag"},
+      {"<a/></a>", "end tag of its own name"},
+      {"<a><b></a>", "end tag of its own name"},
+      {"<a>1 < 2</a>", "\"&lt;\""},
+      {"<a b='<'/>", "its quote"},
+      {"<a b=c/>", "in straight quotes"},
+      {"<a b/>", "in straight quotes"},
+      {"<a b=\xE2\x80\x9C"
+       "c\xE2\x80\x9D/>",
+       "in straight quotes"},
+      {"<a b='c'd='e'/>", "with a blank before it"},
+      {"<a /b>", "end each tag"},
+      {"<a></a b>", "end each tag"},
+      {"<a><!-- b -- c --></a>", "\"--\""},
+      {"<a>]]></a>", "CDATA"},
+      {"<?xml version=1.0?><a/>", "leave the declaration out"},
+      {"<a><?xml version='1.0'?></a>", "once, before everything else"},
+      {"<a/><!-- b", "the whole document"},
+  };
+  for (const auto& [text, remedy] : remedies) {
+    const Fault fault = explain::findFirstFault(text);
+    EXPECT_EQ(nameOf(fault.kind), "other") << text;
+    EXPECT_NE(fault.remedy.find(remedy), std::string_view::npos) << text << ": " << fault.remedy;
+  }
+}
+
 TEST(FirstFaultTest, theFirstInTheTextCounts) {
   check({
       {"<a>^&b <c d='' d=''>\x01", "ampersand"},
