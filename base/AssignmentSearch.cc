@@ -1,5 +1,7 @@
 #include "base/AssignmentSearch.h"
 
+#include <cstring>
+
 namespace tamzo {
 namespace {
 
@@ -36,19 +38,38 @@ std::size_t matchAtEnd(std::string_view text, std::string_view word) noexcept {
   return text.size();
 }
 
+// The first "=" from there on that the letter, in either case, or what is no ASCII stands before;
+// null for none. Another letter stands before most, so that this is nearly all of the search.
+const char* findCandidate(const char* at, const char* end, char letter) noexcept {
+  const char upper =
+      letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - ('a' - 'A')) : letter;
+  for (; at < end; ++at) {
+    at = static_cast<const char*>(std::memchr(at, '=', static_cast<std::size_t>(end - at)));
+    if (at == nullptr || at[-1] == letter || at[-1] == upper || !isAscii(at[-1])) {
+      return at;
+    }
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 TextMatch findAssignment(std::string_view text, std::string_view word, std::size_t from) noexcept {
-  const char last = word.empty() ? '\0' : lower(word.back());
-  for (std::size_t at = text.find('=', from); at != std::string_view::npos;
-       at = text.find('=', at + 1)) {
-    // Another letter stands before most "=".
-    if (at > from && isAscii(text[at - 1]) && lower(text[at - 1]) != last && !word.empty()) {
-      continue;
-    }
-    const std::size_t begin = matchAtEnd(text.substr(from, at - from), word);
+  if (word.empty()) {
+    const std::size_t at = text.find('=', from);
+    return at == std::string_view::npos ? TextMatch{} : TextMatch{at, at + 1};
+  }
+  if (from >= text.size()) {
+    return {};
+  }
+  const std::string_view searched = text.substr(from);
+  const char* const end = searched.data() + searched.size();
+  const char* at = searched.data();
+  while ((at = findCandidate(at + 1, end, lower(word.back()))) != nullptr) {
+    const auto size = static_cast<std::size_t>(at - searched.data());
+    const std::size_t begin = matchAtEnd(searched.substr(0, size), word);
     if (begin != std::string_view::npos) {
-      return {from + begin, at + 1};
+      return {from + begin, from + size + 1};
     }
   }
   return {};

@@ -165,7 +165,7 @@ struct Decoded {
 // ---- Writing -------------------------------------------------------------------------------
 
 // The depth is bounded by what readJson takes.
-void write(const Node& node, CompactJsonWriter& json) {
+void write(const Node& node, JsonWriter& json) {
   if (node.IsArray()) {
     json.beginArray();
     for (const Node& entry : node.GetArray()) {
@@ -305,7 +305,7 @@ JsonValue JsonValue::find(std::string_view key) const noexcept {
 }
 
 std::string JsonValue::dump() const {
-  CompactJsonWriter json;
+  JsonWriter json(JsonSpacing::compact);
   write(nodeOf(node_), json);
   return json.take();
 }

@@ -10,36 +10,51 @@
 
 namespace tamzo {
 
-/// Where a JsonWriter's text goes: what RapidJSON calls a stream.
+/// How JSON is laid out.
+enum class JsonSpacing {
+  compact,   ///< on one line, without blanks
+  indented,  ///< two blanks a level
+};
+
+/// Where a JsonWriter's text goes: what RapidJSON calls a stream. Only structure comes this way, so
+/// that what is no more than spacing can be left out.
 class JsonOutput {
  public:
   using Ch = char;
-  void Put(char c) { text_ += c; }
+  explicit JsonOutput(JsonSpacing spacing) noexcept : spacing_(spacing) {}
+  void Put(char c) {
+    if (spacing_ == JsonSpacing::indented || c > ' ') {
+      text_ += c;
+    }
+  }
   static void Flush() noexcept {}
 
  protected:
+  JsonSpacing spacing_;
   std::string text_;
   JsonAllocator allocator_;
 };
 
-/// Writes one JSON document from front to back, so that memory is that of the text alone. `Layout`
-/// is RapidJSON's, which brings the structure; strings and numbers are written here.
-template <typename Layout>
-class JsonWriter : private JsonOutput, private Layout {
+/// RapidJSON's, which brings the structure.
+using JsonLayouter =
+    rapidjson::PrettyWriter<JsonOutput, rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator>;
+
+/// Writes one JSON document from front to back, so that memory is that of the text alone. Strings
+/// and numbers are written here.
+class JsonWriter : private JsonOutput, private JsonLayouter {
  public:
-  JsonWriter() : Layout(static_cast<JsonOutput&>(*this), &allocator_) {
-    if constexpr (kIsIndented) {
-      Layout::SetIndent(' ', 2);
-    }
+  explicit JsonWriter(JsonSpacing spacing)
+      : JsonOutput(spacing), JsonLayouter(static_cast<JsonOutput&>(*this), &allocator_) {
+    SetIndent(' ', spacing == JsonSpacing::indented ? 2 : 0);
   }
 
   /// Makes room for a document of about that length.
   void reserve(std::size_t bytes) { text_.reserve(bytes); }
 
-  void beginObject() { Layout::StartObject(); }
-  void endObject() { Layout::EndObject(); }
-  void beginArray() { Layout::StartArray(); }
-  void endArray() { Layout::EndArray(); }
+  void beginObject() { StartObject(); }
+  void endObject() { EndObject(); }
+  void beginArray() { StartArray(); }
+  void endArray() { EndArray(); }
 
   /// The key of the next value.
   void key(std::string_view name) { value(name); }
@@ -53,11 +68,11 @@ class JsonWriter : private JsonOutput, private Layout {
   void value(float number) { numeric(number); }
   /// Never as an integer: 150.0.
   void fraction(double number) {
-    prefix(rapidjson::kNumberType);
+    PrettyPrefix(rapidjson::kNumberType);
     appendJsonFraction(text_, number);
   }
   void value(std::string_view text) {
-    prefix(rapidjson::kStringType);
+    PrettyPrefix(rapidjson::kStringType);
     appendJsonString(text_, text);
   }
   /// Null for nil.
@@ -71,33 +86,18 @@ class JsonWriter : private JsonOutput, private Layout {
 
   /// A value that is JSON text already.
   void raw(std::string_view json) {
-    prefix(rapidjson::kNumberType);
+    PrettyPrefix(rapidjson::kNumberType);
     text_ += json;
   }
 
   std::string take() { return std::move(text_); }
 
  private:
-  static constexpr bool kIsIndented = requires(Layout & layout) { layout.SetIndent(' ', 2U); };
-
-  void prefix(rapidjson::Type type) {
-    if constexpr (kIsIndented) {
-      Layout::PrettyPrefix(type);
-    } else {
-      Layout::Prefix(type);
-    }
-  }
-
   template <typename Number>
   void numeric(Number number) {
-    prefix(rapidjson::kNumberType);
+    PrettyPrefix(rapidjson::kNumberType);
     appendJsonNumber(text_, number);
   }
 };
-
-using CompactJsonWriter =
-    JsonWriter<rapidjson::Writer<JsonOutput, rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator>>;
-using IndentedJsonWriter = JsonWriter<
-    rapidjson::PrettyWriter<JsonOutput, rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator>>;
 
 }  // namespace tamzo

@@ -1,12 +1,16 @@
 #include "base/Numbers.h"
 
-#include <fast_float/fast_float.h>
-
 #include <algorithm>
+#include <charconv>
 #include <limits>
 
 #include "base/Ascii.h"
 #include "base/WhiteSpace.h"
+
+// With tables of its own, so that the standard library reads numbers where it can.
+#ifndef __cpp_lib_to_chars
+#include <fast_float/fast_float.h>
+#endif
 
 namespace tamzo {
 namespace {
@@ -20,6 +24,41 @@ bool takeSign(std::string_view& text) noexcept {
   return isNegative;
 }
 
+#ifdef __cpp_lib_to_chars
+
+// What stands for a number that no Float holds. None of those has its first digit that counts near
+// the point.
+template <typename Float>
+Float beyondRange(std::string_view number) noexcept {
+  const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
+  const std::size_t point = std::min(number.find('.'), mark);
+  const std::size_t first = number.find_first_of("123456789");
+  const std::int64_t exponent = mark == number.size() ? 0 : integerValue(number.substr(mark + 1));
+  const bool isLarge =
+      static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first) + exponent > 0;
+  return isLarge ? std::numeric_limits<Float>::infinity() : Float{0};
+}
+
+template <typename Float>
+Float numberAtFront(std::string_view text) noexcept {
+  Float value{0};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return error == std::errc::result_out_of_range
+             ? beyondRange<Float>({text.data(), static_cast<std::size_t>(end - text.data())})
+             : value;
+}
+
+#else
+
+template <typename Float>
+Float numberAtFront(std::string_view text) noexcept {
+  Float value{0};
+  fast_float::from_chars(text.data(), text.data() + text.size(), value);
+  return value;
+}
+
+#endif
+
 template <typename Float>
 Float floatingValue(std::string_view text) noexcept {
   text = withoutLeadingWhiteSpace(text);
@@ -30,8 +69,7 @@ Float floatingValue(std::string_view text) noexcept {
   if (!startsNumber) {
     return Float{0};
   }
-  Float value{0};
-  fast_float::from_chars(text.data(), text.data() + text.size(), value);
+  const auto value = numberAtFront<Float>(text);
   return isNegative ? -value : value;
 }
 

@@ -9,7 +9,7 @@ Text::Text(std::string&& characters) : isTerminated_(true) {
     view_ = "";
     return;
   }
-  auto owner = std::make_shared<const std::string>(std::move(characters));
+  auto owner = std::make_shared<std::string>(std::move(characters));
   view_ = *owner;
   owner_ = std::move(owner);
 }

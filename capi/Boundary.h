@@ -3,6 +3,7 @@
 #include <exception>
 #include <new>
 #include <string_view>
+#include <utility>
 
 #include "tamzo/base/Text.h"
 #include "tamzo/tamzo_vast.h"
@@ -23,10 +24,32 @@ inline std::string_view viewOf(tamzo_vast_text text) noexcept {
   return text.data == nullptr ? std::string_view() : std::string_view(text.data, text.size);
 }
 
+template <typename Signature>
+class FunctionView;
+
+/// Something to call that outlives the call which it is handed to: what takes one need not be
+/// compiled for each.
+template <typename Result, typename... Arguments>
+class FunctionView<Result(Arguments...)> {
+ public:
+  template <typename Function>
+  FunctionView(const Function& function) noexcept  // NOLINT(google-explicit-constructor)
+      : function_(&function), call_([](const void* called, Arguments... arguments) -> Result {
+          return (*static_cast<const Function*>(called))(std::forward<Arguments>(arguments)...);
+        }) {}
+
+  Result operator()(Arguments... arguments) const {
+    return call_(function_, std::forward<Arguments>(arguments)...);
+  }
+
+ private:
+  const void* function_;
+  Result (*call_)(const void*, Arguments...);
+};
+
 /// Runs what stands behind a function for C. Nothing that is thrown gets past it: what is no
 /// std::exception comes from a hook of the host.
-template <typename Work>
-tamzo_vast_status guarded(Work work) noexcept {
+inline tamzo_vast_status guarded(FunctionView<tamzo_vast_status()> work) noexcept {
   try {
     return work();
   } catch (const std::bad_alloc&) {

@@ -15,6 +15,7 @@ using tamzo::FetchOptions;
 using tamzo::FetchRequest;
 using tamzo::FetchResult;
 using tamzo::Text;
+using tamzo::capi::FunctionView;
 using tamzo::capi::guarded;
 using tamzo::capi::viewOf;
 
@@ -50,23 +51,30 @@ struct Releaser {
   }
 };
 
-// Hands `install` the hook, or nothing where the default is to come back. The pointer is owned
-// first, so that it is released however this ends.
-template <typename Function, typename Install>
-tamzo_vast_status setHook(bool isNull, Function function, void* user,
-                          tamzo_vast_release_function release, Install install) noexcept {
+// Hands over the pointer with its owner, who releases it however this ends.
+tamzo_vast_status withOwned(bool isNull, void* user, tamzo_vast_release_function release,
+                            FunctionView<void(const std::shared_ptr<void>&)> take) noexcept {
   return guarded([&] {
-    Hook<Function> hook{function, std::shared_ptr<void>(user, Releaser{release})};
+    const std::shared_ptr<void> owned(user, Releaser{release});
     if (isNull) {
       return TAMZO_VAST_INVALID_ARGUMENT;
     }
-    install(function == nullptr ? nullptr : &hook);
+    take(owned);
     return TAMZO_VAST_OK;
   });
 }
 
-template <typename Change>
-tamzo_vast_status change(bool isNull, Change apply) noexcept {
+// Hands `install` the hook, or nothing where the default is to come back.
+template <typename Function, typename Install>
+tamzo_vast_status setHook(bool isNull, Function function, void* user,
+                          tamzo_vast_release_function release, const Install& install) noexcept {
+  return withOwned(isNull, user, release, [&](const std::shared_ptr<void>& owned) {
+    const Hook<Function> hook{function, owned};
+    install(function == nullptr ? nullptr : &hook);
+  });
+}
+
+tamzo_vast_status change(bool isNull, FunctionView<void()> apply) noexcept {
   return guarded([&] {
     if (isNull) {
       return TAMZO_VAST_INVALID_ARGUMENT;
@@ -77,8 +85,8 @@ tamzo_vast_status change(bool isNull, Change apply) noexcept {
 }
 
 // Changes how requests are made, unless they could not be sent so.
-template <typename Change>
-tamzo_vast_status changeFetch(tamzo_vast_options* options, bool isNull, Change apply) noexcept {
+tamzo_vast_status changeFetch(tamzo_vast_options* options, bool isNull,
+                              FunctionView<void(FetchOptions&)> apply) noexcept {
   return guarded([&] {
     if (isNull) {
       return TAMZO_VAST_INVALID_ARGUMENT;

@@ -257,6 +257,10 @@ class Converter {
 
 }  // namespace
 
+void* Arena::zeroed(std::size_t bytes) {
+  return blocks_.emplace_back(std::make_unique<std::byte[]>(bytes)).get();
+}
+
 tamzo_vast_text Arena::keep(Text text) { return viewOf(texts_.emplace_back(std::move(text))); }
 
 const tamzo_vast_element* Arena::keep(const DDXMLElement& element) {

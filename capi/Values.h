@@ -42,19 +42,17 @@ class Arena {
   /// That many of them, all zero; never null, also for 0.
   template <typename T>
   T* make(std::size_t count = 1) {
-    static_assert(std::is_trivially_destructible_v<T> && alignof(T) <= alignof(std::max_align_t));
+    static_assert(std::is_trivially_copyable_v<T> && alignof(T) <= alignof(std::max_align_t));
     // NOLINTNEXTLINE(bugprone-sizeof-expression): pointers are among them
-    auto block = std::make_unique<std::byte[]>(sizeof(T) * (count == 0 ? 1 : count));
-    auto* objects = reinterpret_cast<T*>(block.get());
-    std::uninitialized_value_construct_n(objects, count);
-    blocks_.push_back(std::move(block));
-    return objects;
+    return static_cast<T*>(zeroed(sizeof(T) * (count == 0 ? 1 : count)));
   }
   /// Keeps the text that it views.
   tamzo_vast_text keep(Text text);
   const tamzo_vast_element* keep(const DDXMLElement& element);
 
  private:
+  void* zeroed(std::size_t bytes);
+
   std::vector<std::unique_ptr<std::byte[]>> blocks_;
   std::deque<Text> texts_;
   std::deque<tamzo_vast_element> elements_;

@@ -14,6 +14,9 @@ install(TARGETS tamzo_vast EXPORT TamzoVastTargets
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development
   FILE_SET HEADERS COMPONENT development)
+# Swift and Objective-C import the interface for C by it.
+install(FILES bindings/swift/module.modulemap DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tamzo
+  COMPONENT development)
 install(EXPORT TamzoVastTargets NAMESPACE TamzoVast:: FILE TamzoVast-${TAMZO_KIND}.cmake
   DESTINATION ${TAMZO_CONFIG_FOLDER} COMPONENT development)
 configure_package_config_file(cmake/TamzoVastConfig.cmake.in

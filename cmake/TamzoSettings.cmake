@@ -39,6 +39,19 @@ check_linker_flag(CXX LINKER:--gc-sections TAMZO_LINKER_COLLECTS_SECTIONS)
 check_linker_flag(CXX LINKER:--version-script=${CMAKE_CURRENT_LIST_DIR}/exports.map
   TAMZO_LINKER_TAKES_VERSION_SCRIPTS)
 check_linker_flag(CXX LINKER:--exclude-libs,libtamzovast.a TAMZO_LINKER_EXCLUDES_LIBRARIES)
+# Within the library, calls of what it exports go straight there, and what it calls elsewhere is
+# known before the first call, in memory that nobody writes to after that.
+check_linker_flag(CXX LINKER:-Bsymbolic-functions TAMZO_LINKER_BINDS_FUNCTIONS)
+check_linker_flag(CXX LINKER:-z,relro,-z,now TAMZO_LINKER_BINDS_AT_LOAD)
+# Addresses within the library take a bit each in its table instead of 24 bytes, where the loader of
+# the system knows of it: that of glibc 2.36.
+include(CheckCXXSourceCompiles)
+check_linker_flag(CXX LINKER:-z,pack-relative-relocs TAMZO_LINKER_PACKS_RELOCATIONS)
+check_cxx_source_compiles("#include <features.h>
+  #if !__GLIBC_PREREQ(2, 36)
+  #error
+  #endif
+  int main() {}" TAMZO_LOADER_KNOWS_PACKED_RELOCATIONS)
 
 # The shared library that an app carries. Objects in a static one must do for any linker.
 include(CheckIPOSupported)
@@ -59,6 +72,19 @@ function(tamzo_shared target)
     target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections)
     target_link_options(${target} PRIVATE LINKER:--gc-sections)
   endif()
+  if(TAMZO_LINKER_BINDS_FUNCTIONS)
+    target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions)
+  endif()
+  if(TAMZO_LINKER_BINDS_AT_LOAD)
+    target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now)
+  endif()
+  if(TAMZO_LINKER_PACKS_RELOCATIONS AND TAMZO_LOADER_KNOWS_PACKED_RELOCATIONS)
+    target_link_options(${target} PRIVATE
+      $<$<CONFIG:MinSizeRel>:LINKER:-z,pack-relative-relocs>)
+  endif()
+  # g++ sees more of what is alike in one piece than in several.
+  target_link_options(${target} PRIVATE
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<CONFIG:MinSizeRel>>:-flto-partition=one>)
 endfunction()
 
 # Exports nothing from the host's own shared library either, those templates included.

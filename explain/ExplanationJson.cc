@@ -5,9 +5,10 @@
 namespace tamzo::explain {
 namespace {
 
-template <typename Json>
 class ExplanationWriter {
  public:
+  explicit ExplanationWriter(JsonSpacing spacing) : json_(spacing) {}
+
   std::string take() { return json_.take(); }
 
   void write(const Explanation& explanation) {
@@ -145,15 +146,8 @@ class ExplanationWriter {
     json_.endObject();
   }
 
-  Json json_;
+  JsonWriter json_;
 };
-
-template <typename Json>
-std::string writtenWith(const Explanation& explanation) {
-  ExplanationWriter<Json> writer;
-  writer.write(explanation);
-  return writer.take();
-}
 
 // One level further in. Line breaks stand between the parts of a value only.
 std::string indented(const std::string& json) {
@@ -171,8 +165,10 @@ std::string indented(const std::string& json) {
 }  // namespace
 
 std::string explanationAsJson(const Explanation& explanation, JsonLayout layout) {
-  return layout == JsonLayout::indented ? writtenWith<IndentedJsonWriter>(explanation)
-                                        : writtenWith<CompactJsonWriter>(explanation);
+  ExplanationWriter writer(layout == JsonLayout::indented ? JsonSpacing::indented
+                                                          : JsonSpacing::compact);
+  writer.write(explanation);
+  return writer.take();
 }
 
 std::string recordWithExplanation(const TamzoVastAd& ad, const Explanation& explanation,

@@ -9,7 +9,10 @@ build=${TAMZO_SIZE_BUILD:-build/size}
 
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=MinSizeRel -DBUILD_SHARED_LIBS=ON \
   -DTAMZO_WITH_CURL=OFF -DTAMZO_BUILD_TOOLS=OFF -DTAMZO_BUILD_TESTS=OFF "$@" >/dev/null
-cmake --build "$build" --target tamzo_vast >/dev/null
+if ! log=$(cmake --build "$build" --target tamzo_vast 2>&1); then
+  printf '%s\n' "$log" >&2
+  exit 2
+fi
 cmake --install "$build" --prefix "$build/stage" --strip >/dev/null
 library=$(find "$build/stage" -name 'libtamzovast.so*' -type f)
 bytes=$(stat -c %s "$library")

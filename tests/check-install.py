@@ -71,7 +71,8 @@ def check_names_no_folder(prefix, folders):
 
 def check_components(cmake, build):
     kinds = {"runtime": (".so.",), "command": ("tamzo-vast",),
-             "development": (".h", ".cmake", ".pc", ".a", ".so")}
+             "java": (".so", ".jar"),
+             "development": (".h", ".cmake", ".pc", ".a", ".so", ".modulemap")}
     with tempfile.TemporaryDirectory() as folder:
         everything = pathlib.Path(folder) / "everything"
         run(cmake, "--install", build, "--prefix", everything)

@@ -11,10 +11,10 @@ namespace {
 
 // How each type that occurs in a record is written. A property of a new type needs one more
 // overload here, a property of a known one nothing at all.
-template <typename Json>
 class RecordWriter {
  public:
-  explicit RecordWriter(RecordContent content) : isWhole_(content == RecordContent::whole) {}
+  RecordWriter(JsonSpacing spacing, RecordContent content)
+      : isWhole_(content == RecordContent::whole), json_(spacing) {}
 
   void write(const TamzoVastAd& ad) {
     // The two texts that are documents make up most of it.
@@ -32,15 +32,23 @@ class RecordWriter {
   std::string take() { return json_.take(); }
 
  private:
+  // Names are literals, whose lengths are known when this is compiled.
   template <typename T>
-  void property(std::string_view name, const T& value, const TamzoVastAd&) {
+  void property(Literal name, const T& value, const TamzoVastAd&) {
     field(name, value);
   }
 
-  void property(std::string_view name, const Text& value, const TamzoVastAd& ad) {
-    const bool isOfTheResponse = name == "vastResponseStr" ||
-                                 (name == "vastTagURI" && isDocument(value, ad.vastResponseStr()));
-    field(name, isWhole_ || !isOfTheResponse ? value : Text());
+  void property(Literal name, const Text& value, const TamzoVastAd& ad) {
+    if (!isWhole_ && isOfTheResponse(name.view(), value, ad)) {
+      field(name, Text());
+    } else {
+      field(name, value);
+    }
+  }
+
+  static bool isOfTheResponse(std::string_view name, const Text& value, const TamzoVastAd& ad) {
+    return name == "vastResponseStr" ||
+           (name == "vastTagURI" && isDocument(value, ad.vastResponseStr()));
   }
 
   // A tag that is no URL is parsed as it stands, but is a document only if it looks like one or is
@@ -54,6 +62,7 @@ class RecordWriter {
   void write(const Text& text) { json_.value(text); }
   void write(bool flag) { json_.value(flag); }
   void write(std::int32_t number) { json_.value(number); }
+  void write(std::int64_t number) { json_.value(number); }
   void write(double number) { json_.value(number); }
   void write(float number) { json_.value(number); }
   void write(const MutableText& text) { json_.value(text.asText()); }
@@ -68,8 +77,8 @@ class RecordWriter {
   }
 
   template <typename T>
-  void field(std::string_view name, const T& value) {
-    json_.key(name);
+  void field(Literal name, const T& value) {
+    json_.key(name.view());
     write(value);
   }
 
@@ -95,8 +104,7 @@ class RecordWriter {
   void write(const TamzoAdDuration& duration) {
     json_.beginObject();
     field("text", duration.text());
-    json_.key("durationInSeconds");
-    json_.value(duration.durationInSeconds());
+    field("durationInSeconds", duration.durationInSeconds());
     json_.endObject();
   }
 
@@ -247,21 +255,16 @@ class RecordWriter {
   }
 
   bool isWhole_;
-  Json json_;
+  JsonWriter json_;
 };
-
-template <typename Json>
-std::string writtenWith(const TamzoVastAd& ad, RecordContent content) {
-  RecordWriter<Json> writer(content);
-  writer.write(ad);
-  return writer.take();
-}
 
 }  // namespace
 
 std::string recordAsJson(const TamzoVastAd& ad, JsonLayout layout, RecordContent content) {
-  return layout == JsonLayout::indented ? writtenWith<IndentedJsonWriter>(ad, content)
-                                        : writtenWith<CompactJsonWriter>(ad, content);
+  RecordWriter writer(layout == JsonLayout::indented ? JsonSpacing::indented : JsonSpacing::compact,
+                      content);
+  writer.write(ad);
+  return writer.take();
 }
 
 }  // namespace tamzo

@@ -138,10 +138,30 @@ TEST(DoubleValue, WhatIsNoNumberHasNoSign) {
 }
 
 TEST(DoubleValue, IsInfiniteForANumberTooLargeAndNoughtForOneTooSmall) {
-  EXPECT_EQ(doubleValue("1e999"), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(doubleValue("-1e999"), -std::numeric_limits<double>::infinity());
-  EXPECT_EQ(doubleValue("1e-999"), 0.0);
-  EXPECT_EQ(doubleValue(std::string(400, '9')), std::numeric_limits<double>::infinity());
+  constexpr double kInfinite = std::numeric_limits<double>::infinity();
+  const std::string nines(400, '9');
+  const std::string noughts(400, '0');
+  const std::vector<NumberRow<double>> rows{
+      {"1e999", kInfinite},
+      {"-1e999", -kInfinite},
+      {"1e400px", kInfinite},
+      {"2e308e-999", kInfinite},
+      {"0.00001E+400", kInfinite},
+      {"1e99999999999999999999", kInfinite},
+      {"1.7976931348623157e308", std::numeric_limits<double>::max()},
+      {"5e-324", std::numeric_limits<double>::denorm_min()},
+      {"1e-99999999999999999999", 0.0},
+      {"0001000e-400", 0.0},
+      {"1e-999", 0.0},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(doubleValue(row.text), row.value) << '"' << row.text << '"';
+  }
+  EXPECT_EQ(doubleValue(nines), kInfinite);
+  EXPECT_EQ(doubleValue(nines + ".5e1 px"), kInfinite);
+  EXPECT_EQ(doubleValue(nines + "e-800"), 0.0);
+  EXPECT_EQ(doubleValue("0." + noughts + "1"), 0.0);
+  EXPECT_TRUE(std::signbit(doubleValue("-1e-999")));
 }
 
 TEST(FloatValue, IsRoundedOnceToSinglePrecision) {
@@ -150,6 +170,7 @@ TEST(FloatValue, IsRoundedOnceToSinglePrecision) {
   EXPECT_EQ(floatValue(""), 0.0F);
   EXPECT_EQ(floatValue("nan"), 0.0F);
   EXPECT_EQ(floatValue("1e39"), std::numeric_limits<float>::infinity());
+  EXPECT_EQ(floatValue("1e-50"), 0.0F);
   // Just above half-way between two floats. Read as a double first it would fall on the middle,
   // and from there to the even neighbour below.
   constexpr std::string_view kAboveTheMiddle = "1.00000005960464477540";

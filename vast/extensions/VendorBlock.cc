@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <utility>
 
@@ -155,15 +156,23 @@ constexpr auto kChildren = [] {
   return names;
 }();
 
-// The place of each row's child among them. Rows of one child share the first place of its name.
-constexpr auto kPlaces = [] {
-  std::array<std::size_t, kSettings.size()> places{};
-  std::transform(kSettings.begin(), kSettings.end(), places.begin(), [](const auto& setting) {
+// What a parse needs of a row: the place of its child among them, and how that is read. Rows of one
+// child share the first place of its name.
+struct Reader {
+  decltype(VendorSetting::read) read;
+  std::uint8_t place;
+  bool resets;
+};
+
+constexpr auto kReaders = [] {
+  std::array<Reader, kSettings.size()> readers{};
+  std::transform(kSettings.begin(), kSettings.end(), readers.begin(), [](const auto& setting) {
     const std::string_view name = XPath::firstStep(setting.element);
     const auto* at = std::lower_bound(kChildren.begin(), kChildren.end(), name);
-    return static_cast<std::size_t>(at - kChildren.begin());
+    return Reader{setting.read, static_cast<std::uint8_t>(at - kChildren.begin()),
+                  setting.absence == reset};
   });
-  return places;
+  return readers;
 }();
 
 }  // namespace
@@ -175,10 +184,10 @@ void TamzoVastAd::updateTamzoExtensions(const NodeList& vendorNodes) {
     return;
   }
   const auto children = vendorNodes.at(0).firstChildren(kChildren);
-  for (std::size_t i = 0; i < kSettings.size(); ++i) {
-    const DDXMLElement& child = children[kPlaces[i]];
-    if (child || kSettings[i].absence == reset) {
-      kSettings[i].read(*this, vendorNodes, child);
+  for (const Reader& reader : kReaders) {
+    const DDXMLElement& child = children[reader.place];
+    if (child || reader.resets) {
+      reader.read(*this, vendorNodes, child);
     }
   }
 }

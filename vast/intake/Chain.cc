@@ -56,7 +56,7 @@ FetchRequest TamzoVastAd::Chain::requestFor(const Text& escapedUrl) {
       std::min(request.limits.maxBodyBytes, mostBytes - std::min(bytes, mostBytes));
   request.deadline = deadline;
   request.cancellation = options.cancellation;
-  request.options = host.fetchOptions;
+  request.options = FetchOptions(host.fetchOptions);
   request.hop = number;
   request.cookies = &cookies;
   return request;
@@ -68,8 +68,13 @@ void TamzoVastAd::Chain::fetchDocument(const Text& from, const Text& escapedUrl)
   document = Text();
   // So it stands where a host's reader throws.
   fetch = failedFetch(escapedUrl, FetchFailure::other);
-  fetch = fetchByHost(host, requestFor(escapedUrl));
+  const FetchRequest request = requestFor(escapedUrl);
+  fetch = fetchByHost(host, request);
   bytes += fetch->bytes;
+  const bool isShortened = request.limits.maxBodyBytes < host.fetchLimits.maxBodyBytes;
+  if (fetch->cause == FetchCause::bodySize && isShortened) {
+    fetch->cause = FetchCause::chainSize;
+  }
   if (!fetch->body) {
     return;
   }
