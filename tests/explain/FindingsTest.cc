@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/explain/ExplainFixture.h"
 #include "tests/support/Growth.h"
 
@@ -298,6 +300,47 @@ TEST_F(FindingsTest, aFailedFetch) {
       {wrapperTo("https://b.example/"),
        {"fetch-failed 2 failure=\"empty\" status=204 host=\"b.example\""}},
   });
+}
+
+TEST_F(FindingsTest, eachWayInWhichAFetchFailsHasWordsOfItsOwn) {
+  struct Failed {
+    FetchFailure failure;
+    std::int32_t status;
+    std::string details;
+  };
+  Lines messages;
+  for (const auto& [failure, status, details] : std::vector<Failed>{
+           {FetchFailure::dns, 0, "failure=\"dns\" status=null"},
+           {FetchFailure::connect, 0, "failure=\"connect\" status=null"},
+           {FetchFailure::tls, 0, "failure=\"tls\" status=null"},
+           {FetchFailure::timeout, 0, "failure=\"timeout\" status=null"},
+           {FetchFailure::tooLarge, 200, "failure=\"too-large\" status=200"},
+           {FetchFailure::status, 503, "failure=\"status\" status=503"},
+           {FetchFailure::redirects, 302, "failure=\"redirects\" status=302"},
+           {FetchFailure::protocol, 0, "failure=\"protocol\" status=null"},
+           {FetchFailure::cutOff, 200, "failure=\"cut-off\" status=200"},
+           {FetchFailure::notUtf8, 200, "failure=\"not-utf8\" status=200"},
+           {FetchFailure::empty, 204, "failure=\"empty\" status=204"},
+           {FetchFailure::cancelled, 0, "failure=\"cancelled\" status=null"},
+           {FetchFailure::other, 0, "failure=\"other\" status=null"},
+       }) {
+    changeHost([failure, status](TamzoHost& host) {
+      host.fetch = [failure, status](const FetchRequest&) {
+        FetchResult result;
+        result.failure = failure;
+        result.status = status;
+        result.finalUrl = "https://user@b.example:8443/last";
+        return result;
+      };
+    });
+    const auto explanation = explainResponse(wrapperTo("https://a.example/first"));
+    EXPECT_EQ(linesOf(explanation), (Lines{"fetch-failed 2 " + details + " host=\"b.example\""}));
+    messages.push_back(explanation.findings.at(0).message);
+    EXPECT_NE(messages.back().find("b.example"), std::string::npos) << messages.back();
+    EXPECT_FALSE(explanation.findings.at(0).advice.empty());
+  }
+  std::sort(messages.begin(), messages.end());
+  EXPECT_EQ(std::adjacent_find(messages.begin(), messages.end()), messages.end());
 }
 
 TEST_F(FindingsTest, chainsThatAreTooLong) {
