@@ -113,6 +113,14 @@ TEST_F(FindingsTest, aTagThatIsParsedAsText) {
   }
 }
 
+// What is in front of it is told in words, not shown.
+TEST_F(FindingsTest, aTagInFrontOfWhichALineEndsIsToldOnOneLine) {
+  EXPECT_EQ(
+      explainResponse(wrapperTo("\n  <![CDATA[http://a.example/]]>\n ")).sentence,
+      "The Wrapper's tag \"http://a.example/\" begins with white space, so it was not fetched "
+      "(hop 1, line 2, column 2).");
+}
+
 TEST_F(FindingsTest, whatTheCleanUpBreaks) {
   const std::string body = "<Ad id='1'><InLine>" + linear(mediaFiles(kFile)) + "</InLine></Ad>";
   check({{"<VAST version='4.0' xmlns='u'>\n  <Ad>" + body + "</Ad></VAST>",
