@@ -214,6 +214,21 @@ TEST_F(FindingsTest, theFirstFaultOfAText) {
   });
 }
 
+TEST_F(FindingsTest, whatFollowsABrokenDeclarationIsNotTheFirstFault) {
+  const auto notXml = [](const std::string& place, const std::string& parser) {
+    return Lines{"not-xml 1 " + place + " parser=\"" + parser + "\""};
+  };
+  check({
+      {"<!-- a -->\n<!DOCTYPE VAST [<!ENTITY e>]>\n<VAST version='4.0'>\n&e; &f; & <a b='' b=''>",
+       notXml("2:1", "Space required after the entity name")},
+      {"\n<!DOCTYPE VAST [<!ENTITYe 'x'>]>\n<VAST version='4.0'>\n&e;</VAST>",
+       notXml("2:1", "Space required after '<!ENTITY'")},
+      {"<!DOCTYPE VAST [<!ENTITY e 'x'>]>\n<VAST version='4.0'>\n&f;</VAST>",
+       {"undefined-entity 1 3:1 entity=\"f\""}},
+      {"PHP Notice: a\n<?xml version='1.0'?><VAST/>", {"blank-before-declaration 1 2:1"}},
+  });
+}
+
 TEST_F(FindingsTest, whatIsNoXmlIsToldInWords) {
   const auto sentence = [this](const std::string& response) {
     return explainResponse(response).findings.at(0).message;
