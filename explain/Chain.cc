@@ -6,6 +6,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "explain/Places.h"
 #include "tamzo/vast/ErrorCodes.h"
 #include "xml/XmlParser.h"
 
@@ -39,6 +40,17 @@ std::size_t takeLine(std::string& message) {
   return 0;
 }
 
+// Declarations of entities and names of instructions are not looked into: what is wrong with those
+// the parser tells by its line. Where a text is cut off or does not begin as XML, what it says is
+// not the reason.
+bool isPastStop(const Text& text, const Refusal& refusal) {
+  const FaultKind kind = refusal.fault.kind;
+  const bool isCompared = kind == FaultKind::unescapedAmpersand ||
+                          kind == FaultKind::undefinedEntity ||
+                          kind == FaultKind::duplicateAttribute || kind == FaultKind::other;
+  return isCompared && refusal.line > 0 && linesOf(text, {refusal.fault.at}).front() > refusal.line;
+}
+
 Refusal refusalOf(const Text& text) {
   Refusal refusal;
   XmlParser parser;
@@ -51,6 +63,9 @@ Refusal refusalOf(const Text& text) {
   refusal.line = takeLine(refusal.parser);
   if (refusal.bound.empty()) {
     refusal.fault = findFirstFault(text);
+    if (isPastStop(text, refusal)) {
+      refusal.fault = {};
+    }
   }
   return refusal;
 }

@@ -48,7 +48,6 @@ Draft& Findings::add(std::optional<std::int32_t> hop) {
   isFound_ = true;
   Count& count = counts_[keyOf(hop)];
   ++count.kept;
-  count.lastDraft = drafts_.size();
   return drafts_.emplace_back(id_, severity_, hop);
 }
 
@@ -91,14 +90,26 @@ void Findings::locateIn(const Chain& chain, const SeenHop& hop) {
   }
 }
 
+// The last of a kind is known once they are in their order.
+void Findings::addCounts(std::vector<Finding>& findings) const {
+  std::map<Key, std::size_t> left;
+  for (const auto& [key, count] : counts_) {
+    if (count.more > 0) {
+      left.emplace(key, count.more);
+    }
+  }
+  for (auto finding = findings.rbegin(); finding != findings.rend() && !left.empty(); ++finding) {
+    const auto more = left.find(Key(finding->id, finding->hop.value_or(0)));
+    if (more != left.end()) {
+      finding->details.push_back({"more", std::to_string(more->second)});
+      left.erase(more);
+    }
+  }
+}
+
 std::vector<Finding> Findings::take(const Chain& chain) {
   for (const SeenHop& hop : chain.hops()) {
     locateIn(chain, hop);
-  }
-  for (const auto& [key, count] : counts_) {
-    if (count.more > 0) {
-      drafts_[count.lastDraft].with("more", count.more);
-    }
   }
   std::vector<Finding> findings;
   findings.reserve(drafts_.size());
@@ -107,6 +118,7 @@ std::vector<Finding> Findings::take(const Chain& chain) {
   }
   std::stable_sort(findings.begin(), findings.end(),
                    [](const Finding& a, const Finding& b) { return rankOf(a) < rankOf(b); });
+  addCounts(findings);
   return findings;
 }
 

@@ -103,11 +103,11 @@ class Findings {
   struct Count {
     std::size_t kept = 0;
     std::size_t more = 0;
-    std::size_t lastDraft = 0;
   };
 
   Key keyOf(std::optional<std::int32_t> hop) const noexcept { return {id_, hop.value_or(0)}; }
   void locateIn(const Chain& chain, const SeenHop& hop);
+  void addCounts(std::vector<Finding>& findings) const;
 
   std::string_view id_;
   Severity severity_ = Severity::note;

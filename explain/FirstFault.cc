@@ -45,6 +45,86 @@ bool isDeclaration(std::string_view text) noexcept {
   return text.starts_with("<?xml") && text.size() > 5 && isBlank(text[5]);
 }
 
+// What to do about a fault that has no finding of its own.
+constexpr std::string_view kSendXml = "answer with a VAST document, also when there is no ad.";
+constexpr std::string_view kOneRoot = "send nothing after the end tag of the root.";
+constexpr std::string_view kMatchTags =
+    "close each element with an end tag of its own name, the innermost first.";
+constexpr std::string_view kEscapeLess =
+    "write \"<\" in URLs and texts as \"&lt;\", or put them into CDATA.";
+constexpr std::string_view kQuoteValues =
+    "write each attribute as name=\"value\", in straight quotes, with a blank before it.";
+constexpr std::string_view kEndValues =
+    "end each value with its quote, and write \"<\" in it as \"&lt;\".";
+constexpr std::string_view kCloseTags = "end each tag with \">\" or \"/>\".";
+constexpr std::string_view kPlainComments = "write no \"--\" into a comment but its end, \"-->\".";
+constexpr std::string_view kEndCdataOnce =
+    "end a CDATA section once, and write \"]]>\" outside of one as \"]]&gt;\".";
+constexpr std::string_view kPlainDeclaration =
+    "begin with <?xml version=\"1.0\" encoding=\"UTF-8\"?>, or leave the declaration out.";
+constexpr std::string_view kDeclareOnce =
+    "write the XML declaration once, before everything else, or leave it out.";
+
+// Reads the declaration of a document to its end.
+class Declaration {
+ public:
+  explicit Declaration(std::string_view text) noexcept : rest_(text.substr(5)) {}
+
+  bool isInOrder() {
+    if (!takeAttribute("version", isVersion)) {
+      return false;
+    }
+    static_cast<void>(takeAttribute("encoding", isEncoding));
+    static_cast<void>(takeAttribute("standalone", isYesOrNo));
+    skipBlanks();
+    return rest_ == "?>";
+  }
+
+ private:
+  static bool isVersion(std::string_view value) noexcept {
+    return value.size() > 2 && value.starts_with("1.") &&
+           std::all_of(value.begin() + 2, value.end(), isAsciiDigit);
+  }
+  static bool isEncoding(std::string_view value) noexcept {
+    return !value.empty() && isAsciiLetter(value.front()) &&
+           std::all_of(value.begin(), value.end(), [](char c) {
+             return isAsciiAlphanumeric(c) || c == '.' || c == '_' || c == '-';
+           });
+  }
+  static bool isYesOrNo(std::string_view value) noexcept { return value == "yes" || value == "no"; }
+
+  bool skipBlanks() noexcept {
+    const std::size_t size = rest_.size();
+    while (!rest_.empty() && isBlank(rest_.front())) {
+      rest_.remove_prefix(1);
+    }
+    return rest_.size() < size;
+  }
+
+  // Takes nothing where it is another one, or not in order.
+  bool takeAttribute(std::string_view name, bool (*isValue)(std::string_view)) {
+    const std::string_view before = rest_;
+    bool isTaken = skipBlanks() && rest_.starts_with(name);
+    if (isTaken) {
+      rest_.remove_prefix(name.size());
+      skipBlanks();
+      isTaken = rest_.starts_with('=');
+    }
+    if (isTaken) {
+      rest_.remove_prefix(1);
+      skipBlanks();
+      const bool isQuoted = rest_.starts_with('"') || rest_.starts_with('\'');
+      const std::size_t end = isQuoted ? rest_.find(rest_.front(), 1) : kNowhere;
+      isTaken = end != kNowhere && isValue(rest_.substr(1, end - 1));
+      rest_.remove_prefix(isTaken ? end + 1 : 0);
+    }
+    rest_ = isTaken ? rest_ : before;
+    return isTaken;
+  }
+
+  std::string_view rest_;
+};
+
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : text_(text), controlAt_(firstControlCharacter(text)) {
@@ -62,7 +142,8 @@ class Scanner {
                 controlAt_,
                 "",
                 static_cast<std::uint32_t>(characterAt(text_, controlAt_).value),
-                {}};
+                {},
+                ""};
     }
     return std::move(fault_);
   }
@@ -78,7 +159,10 @@ class Scanner {
     fault_.at = at;
     fault_.name = name;
   }
-  void other(std::size_t at) { end(FaultKind::other, at); }
+  void other(std::size_t at, std::string_view remedy) {
+    end(FaultKind::other, at);
+    fault_.remedy = remedy;
+  }
   void cutOff() {
     end(FaultKind::cutOff, text_.size());
     fault_.open.assign(open_.begin(), open_.end());
@@ -86,7 +170,7 @@ class Scanner {
   // The text ends in something that stands between tags.
   void cutOffOutsideTag() {
     if (open_.empty()) {
-      other(text_.size());
+      other(text_.size(), "send the whole document.");
     } else {
       cutOff();
     }
@@ -137,6 +221,9 @@ void Scanner::readProlog() {
   const std::size_t begin = at_;
   if (isDeclaration(rest())) {
     at_ = pastFirst(text_, "?>", at_);
+    if (!Declaration(text_.substr(begin, at_ - begin)).isInOrder()) {
+      return other(begin, kPlainDeclaration);
+    }
   }
   while (!isDone_ && !hadRoot_) {
     const std::size_t before = at_;
@@ -145,7 +232,7 @@ void Scanner::readProlog() {
       return end(FaultKind::blankBeforeDeclaration, at_);
     }
     if (atEnd()) {
-      return other(before);
+      return other(before, kSendXml);
     }
     if (rest().starts_with("<!DOCTYPE")) {
       readDocumentType();
@@ -154,7 +241,7 @@ void Scanner::readProlog() {
     } else {
       const std::size_t markup = text_.find('<', at_);
       const bool leads = markup != kNowhere && isDeclaration(text_.substr(markup));
-      return leads ? end(FaultKind::blankBeforeDeclaration, markup) : other(at_);
+      return leads ? end(FaultKind::blankBeforeDeclaration, markup) : other(at_, kSendXml);
     }
   }
 }
@@ -188,7 +275,7 @@ void Scanner::readContent() {
     if (open_.empty()) {
       skipBlanks();
       if (!atEnd() && peek() != '<') {
-        return other(at_);
+        return other(at_, kOneRoot);
       }
       if (atEnd()) {
         continue;
@@ -202,7 +289,7 @@ void Scanner::readContent() {
       const std::size_t next = std::min(text_.find_first_of("<&", at_), text_.size());
       const std::size_t stray = text_.substr(at_, next - at_).find("]]>");
       if (stray != kNowhere) {
-        return other(at_ + stray);
+        return other(at_ + stray, kEndCdataOnce);
       }
       at_ = next;
     }
@@ -222,11 +309,13 @@ void Scanner::readMarkup() {
   } else if (here.starts_with("<!")) {
     const bool isBegun = std::string_view("<!--").starts_with(here) ||
                          std::string_view("<![CDATA[").starts_with(here);
-    return isBegun ? cutOffOutsideTag() : other(at_);
+    return isBegun ? cutOffOutsideTag() : other(at_, hadRoot_ && open_.empty() ? kOneRoot : "");
   } else if (here.size() == 1) {
     cutOff();
-  } else if (!beginsName(here[1]) || (hadRoot_ && open_.empty())) {
-    other(at_);
+  } else if (hadRoot_ && open_.empty()) {
+    other(at_, kOneRoot);
+  } else if (!beginsName(here[1])) {
+    other(at_, kEscapeLess);
   } else {
     readStartTag();
   }
@@ -238,14 +327,14 @@ void Scanner::readComment() {
     return cutOffOutsideTag();
   }
   if (text_[dashes + 2] != '>') {
-    return other(dashes);
+    return other(dashes, kPlainComments);
   }
   at_ = dashes + 3;
 }
 
 void Scanner::readInstruction() {
   if (isDeclaration(rest())) {
-    return other(at_);
+    return other(at_, kDeclareOnce);
   }
   const std::size_t close = text_.find("?>", at_ + 2);
   if (close == kNowhere) {
@@ -267,17 +356,17 @@ void Scanner::readEndTag() {
   at_ += 2;
   const std::string_view name = readName();
   if (atEnd()) {
-    return open_.empty() ? other(begin) : cutOff();
+    return open_.empty() ? other(begin, kMatchTags) : cutOff();
   }
   skipBlanks();
   if (open_.empty() || name != open_.back()) {
-    return other(begin);
+    return other(begin, kMatchTags);
   }
   if (atEnd()) {
     return cutOff();
   }
   if (peek() != '>') {
-    return other(at_);
+    return other(at_, kCloseTags);
   }
   ++at_;
   open_.pop_back();
@@ -306,13 +395,13 @@ void Scanner::readStartTag() {
         return cutOff();
       }
       if (peek() != '>') {
-        return other(at_ - 1);
+        return other(at_ - 1, kCloseTags);
       }
       ++at_;
       return;
     }
     if (before == at_ || !readAttribute(few, many)) {
-      return isDone_ ? void() : other(before);
+      return isDone_ ? void() : other(before, kQuoteValues);
     }
   }
 }
@@ -329,7 +418,7 @@ bool Scanner::readAttribute(std::vector<std::string_view>& few,
     return false;
   }
   if (name.empty() || peek() != '=') {
-    other(begin);
+    other(begin, kQuoteValues);
     return false;
   }
   bool isNew = true;
@@ -349,7 +438,7 @@ bool Scanner::readAttribute(std::vector<std::string_view>& few,
   if (atEnd()) {
     cutOff();
   } else if (peek() != '"' && peek() != '\'') {
-    other(at_);
+    other(at_, kQuoteValues);
   } else {
     const char quote = text_[at_++];
     readValue(quote);
@@ -368,7 +457,7 @@ void Scanner::readValue(char quote) {
       return;
     }
     if (c == '<') {
-      return other(at_);
+      return other(at_, kEndValues);
     }
     if (c == '&') {
       readReference();

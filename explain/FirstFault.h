@@ -27,6 +27,9 @@ struct Fault {
   std::string name;               ///< of the entity, or of the attribute
   std::uint32_t codePoint = 0;    ///< of the control character
   std::vector<std::string> open;  ///< elements that are open where the text ends, outermost first
+  /// Of the kind `other`: what to write instead, to follow "Ad server: "; "" where nothing more is
+  /// known than that it is no XML. A literal.
+  std::string_view remedy;
 };
 
 /// Finds the first fault in the order of the text. `none` does not say that a parser takes the

@@ -25,9 +25,12 @@ std::size_t widthOf(std::string_view name, std::string_view filled) noexcept {
     return std::min(std::size_t{1}, filled.size());
   }
   constexpr std::string_view kZone = "%2B00%3A00";
-  if (const std::size_t zone = filled.find(kZone);
-      name == "TIMESTAMP" && zone != std::string_view::npos) {
-    return zone + kZone.size();
+  constexpr std::size_t kLongestTime = 64;
+  if (name == "TIMESTAMP") {
+    const std::size_t zone = filled.substr(0, kLongestTime).find(kZone);
+    if (zone != std::string_view::npos) {
+      return zone + kZone.size();
+    }
   }
   if (filled.starts_with("-1") || filled.starts_with("-2")) {
     return 2;

@@ -52,7 +52,9 @@ class Walk {
   void goTo(std::size_t offset) noexcept {
     offset = std::min(offset, text_.size());
     while (at_ < offset) {
-      const std::size_t end = std::min(text_.find('\n', at_), offset);
+      // Not beyond the offset: a line may be as long as the text.
+      const std::size_t end =
+          at_ + std::min(text_.substr(at_, offset - at_).find('\n'), offset - at_);
       column_ += countCharacters(text_.substr(at_, end - at_));
       at_ = end;
       if (end < offset) {

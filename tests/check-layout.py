@@ -54,10 +54,8 @@ TESTED_ELSEWHERE = {
     "explain/Chain.cc": ("tests/explain/FindingsTest.cc", "what findings are looked for in"),
     "explain/SeenHop.cc": ("tests/explain/FindingsTest.cc", "what findings are looked for in"),
     "explain/Categories.cc": ("tests/explain/FindingsTest.cc", "what two findings compare"),
-    "explain/FirstFault.cc": ("tests/explain/FindingsTest.cc", "what seven findings tell"),
     "explain/Names.h": ("tests/explain/FindingsTest.cc", "what findings list"),
     "explain/Names.cc": ("tests/explain/FindingsTest.cc", "what findings list"),
-    "explain/TagText.cc": ("tests/explain/FindingsTest.cc", "what findings read of tags"),
     "explain/TrackerElements.cc": ("tests/explain/FindingsTest.cc", "where trackers stand"),
     "explain/MacroFilling.h": ("tests/explain/MacroFillingTest.cc", "a part of it"),
     "sdk/InlineVastMerge.cc":

@@ -1,11 +1,15 @@
 #include <algorithm>
+#include <cstdint>
 #include <map>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "base/WhiteSpace.h"
 #include "explain/Rules.h"
 #include "explain/TrackerElements.h"
 #include "explain/Words.h"
+#include "xml/StartTags.h"
 
 namespace tamzo::explain {
 namespace {
@@ -40,33 +44,78 @@ std::size_t beginOf(const TrackerTally::Event& event, std::int32_t hop) {
                                   event.hops.begin());
 }
 
+// A group, with the hop and the element of its second entry.
+struct Duplicate {
+  const TrackerTally::Event* event;
+  Group group;
+  std::int32_t hop;
+  DDXMLElement element;
+  std::size_t at;
+};
+
+std::vector<Duplicate> duplicatesOf(const Chain& chain) {
+  std::map<std::int32_t, TrackerElements> elements;
+  std::vector<Duplicate> duplicates;
+  for (const TrackerTally::Event& event : chain.trackers().events()) {
+    for (Group& group : duplicatesOf(event)) {
+      const std::size_t second = group.entries[1];
+      const std::int32_t hop = event.hops[second];
+      const SeenHop& seen = chain.hops()[static_cast<std::size_t>(hop) - 1];
+      const TrackerElements& ofHop = elements.try_emplace(hop, seen).first->second;
+      duplicates.push_back(
+          {&event, std::move(group), hop, ofHop.find(event.name, second - beginOf(event, hop)), 0});
+    }
+  }
+  return duplicates;
+}
+
+// They come event by event, but the first of them in the document are those to keep.
+void putInDocumentOrder(const Chain& chain, std::vector<Duplicate>& duplicates) {
+  for (const SeenHop& hop : chain.hops()) {
+    std::vector<DDXMLElement> elements;
+    std::vector<std::size_t> owners;
+    for (std::size_t i = 0; i < duplicates.size(); ++i) {
+      if (duplicates[i].hop == hop.number) {
+        elements.push_back(duplicates[i].element);
+        owners.push_back(i);
+      }
+    }
+    if (!hop.parsed || elements.empty()) {
+      continue;
+    }
+    const auto found = findStartTags(chain.textRead(hop), *hop.parsed, elements);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      duplicates[owners[i]].at = found[i];
+    }
+  }
+  std::stable_sort(duplicates.begin(), duplicates.end(),
+                   [](const Duplicate& a, const Duplicate& b) { return a.at < b.at; });
+}
+
 }  // namespace
 
 void findDuplicateTracker(const Chain& chain, Findings& findings) {
-  std::map<std::int32_t, TrackerElements> elements;
-  for (const TrackerTally::Event& event : chain.trackers().events()) {
-    for (const Group& group : duplicatesOf(event)) {
-      const std::size_t second = group.entries[1];
-      const std::int32_t hop = event.hops[second];
-      if (!findings.wants(hop)) {
-        findings.skip(hop);
-        continue;
-      }
-      std::vector<std::int32_t> hops;
-      for (const std::size_t entry : group.entries) {
-        hops.push_back(event.hops[entry]);
-      }
-      const SeenHop& seen = chain.hops()[static_cast<std::size_t>(hop) - 1];
-      const auto& ofHop = elements.try_emplace(hop, seen).first->second;
-      findings.add(hop)
-          .at(ofHop.find(event.name, second - beginOf(event, hop)))
-          .say("The event " + quoted(event.name) + " calls one URL " + std::to_string(hops.size()) +
-                   " times: " + quoted(group.url) + ".",
-               "Whoever owns the URL: call it once, or expect it to count more than once.")
-          .with("event", event.name)
-          .with("url", group.url)
-          .with("hops", hops);
+  std::vector<Duplicate> duplicates = duplicatesOf(chain);
+  if (duplicates.size() > Findings::kMostOfOne) {
+    putInDocumentOrder(chain, duplicates);
+  }
+  for (const Duplicate& duplicate : duplicates) {
+    if (!findings.wants(duplicate.hop)) {
+      findings.skip(duplicate.hop);
+      continue;
     }
+    std::vector<std::int32_t> hops;
+    for (const std::size_t entry : duplicate.group.entries) {
+      hops.push_back(duplicate.event->hops[entry]);
+    }
+    findings.add(duplicate.hop)
+        .at(duplicate.element)
+        .say("The event " + quoted(duplicate.event->name) + " calls one URL " +
+                 std::to_string(hops.size()) + " times: " + quoted(duplicate.group.url) + ".",
+             "Whoever owns the URL: call it once, or expect it to count more than once.")
+        .with("event", duplicate.event->name)
+        .with("url", duplicate.group.url)
+        .with("hops", hops);
   }
 }
 

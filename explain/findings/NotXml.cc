@@ -1,5 +1,7 @@
+#include "base/WhiteSpace.h"
 #include "explain/Places.h"
 #include "explain/Rules.h"
+#include "explain/Words.h"
 #include "tamzo/vast/ErrorCodes.h"
 
 namespace tamzo::explain {
@@ -18,6 +20,22 @@ std::size_t beginOfLine(std::string_view text, std::size_t line) noexcept {
   return at;
 }
 
+// What the parser says of a text without a tag helps nobody.
+std::string messageFor(std::string_view text, const Refusal& refusal) {
+  if (text.find('<') != std::string_view::npos) {
+    return "The text is not well-formed XML: " + shortened(refusal.parser, 200) + ".";
+  }
+  const std::string_view words = trimWhiteSpace(text);
+  return words.empty() ? "The response is nothing but white space."
+                       : "The response is no XML: it is the text " + quoted(words) + ".";
+}
+
+std::string adviceFor(const Fault& fault) {
+  return "Ad server: " + std::string(fault.remedy.empty()
+                                         ? "check the document with any XML parser."
+                                         : fault.remedy);
+}
+
 }  // namespace
 
 void findNotXml(const Chain& chain, Findings& findings) {
@@ -27,11 +45,9 @@ void findNotXml(const Chain& chain, Findings& findings) {
   const SeenHop& hop = chain.last();
   const Refusal& refusal = chain.refusal();
   const bool isKnown = refusal.fault.kind != FaultKind::none;
-  Draft& draft =
-      findings.add(hop.number)
-          .say("The text is not well-formed XML: " + shortened(refusal.parser, 200) + ".",
-               "Ad server: check the document with any XML parser.")
-          .with("parser", refusal.parser);
+  Draft& draft = findings.add(hop.number)
+                     .say(messageFor(hop.document, refusal), adviceFor(refusal.fault))
+                     .with("parser", refusal.parser);
   if (isKnown || refusal.line > 0) {
     draft.atByte(isKnown ? refusal.fault.at : beginOfLine(hop.document, refusal.line));
   }

@@ -66,7 +66,8 @@ void findTagNotFetched(const Chain& chain, Findings& findings) {
   const TagKind kind = kindOf(tag);
   findings.add(wrapper.number)
       .at(wrapper.followed.firstNodeForXPath("VASTAdTagURI"))
-      .say(fmt::format("The Wrapper's tag {} {}, so it was not fetched.", quoted(tag), kind.words),
+      .say(fmt::format("The Wrapper's tag {} {}, so it was not fetched.",
+                       quoted(trimWhiteSpace(tag)), kind.words),
            "Whoever made the Wrapper: write a whole URL that begins with \"http\", with nothing "
            "in front.")
       .with("kind", kind.name);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/explain/ExplainFixture.h"
 #include "tests/support/Growth.h"
 
@@ -111,6 +113,14 @@ TEST_F(FindingsTest, aTagThatIsParsedAsText) {
   }
 }
 
+// What is in front of it is told in words, not shown.
+TEST_F(FindingsTest, aTagInFrontOfWhichALineEndsIsToldOnOneLine) {
+  EXPECT_EQ(
+      explainResponse(wrapperTo("\n  <![CDATA[http://a.example/]]>\n ")).sentence,
+      "The Wrapper's tag \"http://a.example/\" begins with white space, so it was not fetched "
+      "(hop 1, line 2, column 2).");
+}
+
 TEST_F(FindingsTest, whatTheCleanUpBreaks) {
   const std::string body = "<Ad id='1'><InLine>" + linear(mediaFiles(kFile)) + "</InLine></Ad>";
   check({{"<VAST version='4.0' xmlns='u'>\n  <Ad>" + body + "</Ad></VAST>",
@@ -204,6 +214,37 @@ TEST_F(FindingsTest, theFirstFaultOfAText) {
   });
 }
 
+TEST_F(FindingsTest, whatFollowsABrokenDeclarationIsNotTheFirstFault) {
+  const auto notXml = [](const std::string& place, const std::string& parser) {
+    return Lines{"not-xml 1 " + place + " parser=\"" + parser + "\""};
+  };
+  check({
+      {"<!-- a -->\n<!DOCTYPE VAST [<!ENTITY e>]>\n<VAST version='4.0'>\n&e; &f; & <a b='' b=''>",
+       notXml("2:1", "Space required after the entity name")},
+      {"\n<!DOCTYPE VAST [<!ENTITYe 'x'>]>\n<VAST version='4.0'>\n&e;</VAST>",
+       notXml("2:1", "Space required after '<!ENTITY'")},
+      {"<!DOCTYPE VAST [<!ENTITY e 'x'>]>\n<VAST version='4.0'>\n&f;</VAST>",
+       {"undefined-entity 1 3:1 entity=\"f\""}},
+      {"PHP Notice: a\n<?xml version='1.0'?><VAST/>", {"blank-before-declaration 1 2:1"}},
+  });
+}
+
+TEST_F(FindingsTest, whatIsNoXmlIsToldInWords) {
+  const auto sentence = [this](const std::string& response) {
+    return explainResponse(response).findings.at(0).message;
+  };
+  EXPECT_EQ(sentence(" \n\t "), "The response is nothing but white space.");
+  EXPECT_EQ(sentence("\nNo ad today\n"), "The response is no XML: it is the text \"No ad today\".");
+  EXPECT_EQ(
+      sentence("<VAST><Ad></VAST>"),
+      "The text is not well-formed XML: Opening and ending tag mismatch: Ad line 1 and VAST.");
+  EXPECT_EQ(explainResponse("<VAST version='4.0'/>OK").findings.at(0).advice,
+            "Ad server: send nothing after the end tag of the root.");
+  EXPECT_EQ(explainResponse("<?xml version='1.0' encoding='?'?><VAST/>").findings.at(0).advice,
+            "Ad server: begin with <?xml version=\"1.0\" encoding=\"UTF-8\"?>, or leave the "
+            "declaration out.");
+}
+
 TEST_F(FindingsTest, whatIsNoVastAtAll) {
   check({
       {"\n<!-- a --><!DOCTYPE html>\n<title>\n 404 &amp; so\n</title>a & b<br>",
@@ -282,6 +323,47 @@ TEST_F(FindingsTest, aFailedFetch) {
       {wrapperTo("https://b.example/"),
        {"fetch-failed 2 failure=\"empty\" status=204 host=\"b.example\""}},
   });
+}
+
+TEST_F(FindingsTest, eachWayInWhichAFetchFailsHasWordsOfItsOwn) {
+  struct Failed {
+    FetchFailure failure;
+    std::int32_t status;
+    std::string details;
+  };
+  Lines messages;
+  for (const auto& [failure, status, details] : std::vector<Failed>{
+           {FetchFailure::dns, 0, "failure=\"dns\" status=null"},
+           {FetchFailure::connect, 0, "failure=\"connect\" status=null"},
+           {FetchFailure::tls, 0, "failure=\"tls\" status=null"},
+           {FetchFailure::timeout, 0, "failure=\"timeout\" status=null"},
+           {FetchFailure::tooLarge, 200, "failure=\"too-large\" status=200"},
+           {FetchFailure::status, 503, "failure=\"status\" status=503"},
+           {FetchFailure::redirects, 302, "failure=\"redirects\" status=302"},
+           {FetchFailure::protocol, 0, "failure=\"protocol\" status=null"},
+           {FetchFailure::cutOff, 200, "failure=\"cut-off\" status=200"},
+           {FetchFailure::notUtf8, 200, "failure=\"not-utf8\" status=200"},
+           {FetchFailure::empty, 204, "failure=\"empty\" status=204"},
+           {FetchFailure::cancelled, 0, "failure=\"cancelled\" status=null"},
+           {FetchFailure::other, 0, "failure=\"other\" status=null"},
+       }) {
+    changeHost([failure, status](TamzoHost& host) {
+      host.fetch = [failure, status](const FetchRequest&) {
+        FetchResult result;
+        result.failure = failure;
+        result.status = status;
+        result.finalUrl = "https://user@b.example:8443/last";
+        return result;
+      };
+    });
+    const auto explanation = explainResponse(wrapperTo("https://a.example/first"));
+    EXPECT_EQ(linesOf(explanation), (Lines{"fetch-failed 2 " + details + " host=\"b.example\""}));
+    messages.push_back(explanation.findings.at(0).message);
+    EXPECT_NE(messages.back().find("b.example"), std::string::npos) << messages.back();
+    EXPECT_FALSE(explanation.findings.at(0).advice.empty());
+  }
+  std::sort(messages.begin(), messages.end());
+  EXPECT_EQ(std::adjacent_find(messages.begin(), messages.end()), messages.end());
 }
 
 TEST_F(FindingsTest, chainsThatAreTooLong) {
@@ -405,6 +487,49 @@ TEST_F(FindingsTest, trackersThatAreCalledTwice) {
           {"duplicate-tracker 1 3:1 event=\"Impression\" url=\"u\" hops=[1, 1]"}}});
 }
 
+// The place of one is its element's, whatever brought it.
+TEST_F(FindingsTest, trackersOfEachKindStandSomewhere) {
+  const auto twice = [](const std::string& element, const std::string& url) {
+    const std::string one = "<" + element + ">" + url + "</" + element.substr(0, element.find(' '));
+    return one + ">\n" + one + ">";
+  };
+  const auto found = [](const std::string& event, const std::string& place) {
+    return "duplicate-tracker 1 " + place + " event=\"" + event + "\" url=\"u\" hops=[1, 1]";
+  };
+  const auto inVideoClicks = [&](const std::string& element) {
+    return withLinear("<VideoClicks>" + twice(element, "u") + "</VideoClicks>");
+  };
+  const auto viewable = [&](const std::string& element) {
+    return playable("<ViewableImpression>" + twice(element, "u") + "</ViewableImpression>");
+  };
+  const std::string extra =
+      vendor("<ExtraTrackingEvents>" + twice("Tracking event='x'", "u") + "</ExtraTrackingEvents>");
+  check({
+      {playable(twice("Impression", "u")), {found("Impression", "3:1")}},
+      {playable(twice("Impression", "u"), "2.0"), {found("Impression", "3:1")}},
+      {withLinear("<TrackingEvents>" + twice("Tracking event='x'", "u") + "</TrackingEvents>"),
+       {found("x", "4:1")}},
+      {inVideoClicks("ClickTracking"), {found("ClickTracking", "4:1")}},
+      {inVideoClicks("CustomClick"), {found("CustomClickTracker", "4:1")}},
+      {inVideoClicks("ClickThrough"), {}},
+      {viewable("Viewable"), {found("Viewable", "3:1")}},
+      {viewable("NotViewable"), {found("NotViewable", "3:1")}},
+      {viewable("ViewUndetermined"), {found("ViewUndetermined", "3:1")}},
+      {playable("<AdVerifications><Verification>" + twice("ViewableImpression", "u") +
+                "</Verification></AdVerifications>"),
+       {found("AdVerificationViewable", "3:1")}},
+      {playable(extra), {found("x", "3:1")}},
+      {playable(extra, "3.0"), {}},
+      // A later one replaces an earlier one.
+      {playable(vendor("<canReplay>u</canReplay><canReplay>u</canReplay>")), {}},
+      {playable(vendor("<canReplay>http://u</canReplay>")), {"insecure-url 1 2:31 count=1"}},
+      {playable("<Extensions><Extension><Tamzo><canReplay>http://u</canReplay></Tamzo></Extension>"
+                "\n<Extension><Tamzo><canReplay>http://v</canReplay></Tamzo></Extension>"
+                "</Extensions>"),
+       {"insecure-url 1 3:19 count=1"}},
+  });
+}
+
 TEST_F(FindingsTest, fetchesThatWereRedirectedOrSlow) {
   FetchResult slow;
   slow.body = playable("");
@@ -440,6 +565,30 @@ TEST_F(FindingsTest, moreThanTwentyOfOneKindAreCounted) {
   EXPECT_EQ(found[0].find("duplicate-tracker 1 27:1 "), 0U) << found[0];
   EXPECT_NE(found[19].find(" more=5"), std::string::npos) << found[19];
   EXPECT_EQ(found[18].find(" more="), std::string::npos);
+}
+
+// Trackers are looked at event by event, and these stand in another order in the document.
+TEST_F(FindingsTest, theFirstTwentyAreThoseOfTheDocument) {
+  const auto twice = [](const std::string& element, int count) {
+    std::string all;
+    for (int i = 0; i < 2 * count; ++i) {
+      all += "<" + element + ">https://t/" + std::to_string(i / 2) + "</" +
+             element.substr(0, element.find(' ')) + ">\n";
+    }
+    return all;
+  };
+  const Lines found = findings(withLinear(
+      "<VideoClicks>\n" + twice("ClickTracking", 11) + "</VideoClicks><TrackingEvents>\n" +
+      twice("Tracking event='start'", 15) + "</TrackingEvents>"));
+  ASSERT_EQ(found.size(), 20U);
+  for (std::size_t i = 0; i < 20; ++i) {
+    const std::size_t line = i < 11 ? 5 + 2 * i : 28 + 2 * (i - 11);
+    const std::string event = i < 11 ? "ClickTracking" : "start";
+    EXPECT_EQ(found[i].find("duplicate-tracker 1 " + std::to_string(line) + ":1 event=\"" + event),
+              0U)
+        << found[i];
+    EXPECT_EQ(found[i].find(" more=6") != std::string::npos, i == 19) << found[i];
+  }
 }
 
 TEST_F(FindingsTest, worstComesFirstThenHopAndLine) {

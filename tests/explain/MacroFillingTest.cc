@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/Growth.h"
+
 namespace tamzo::explain {
 namespace {
 
@@ -39,6 +41,18 @@ TEST(MacroFillingTest, whatWasFilledByOtherRulesIsLeftOut) {
   const auto filling = compareFilling("https://a/?[X]", "https://b/");
   EXPECT_THAT(filling.filled, IsEmpty());
   EXPECT_THAT(filling.unfilled, IsEmpty());
+}
+
+TEST(MacroFillingTest, costsTimeLinearInTheTag) {
+  EXPECT_TRUE(tamzo::testing::growsLinearly(4000, [](std::size_t count) {
+    std::string tag;
+    std::string filled;
+    for (std::size_t i = 0; i < count; ++i) {
+      tag += "[CACHEBUSTING][TIMESTAMP]";
+      filled += "12345678-1";
+    }
+    return [tag, filled] { compareFilling(tag, filled); };
+  }));
 }
 
 }  // namespace

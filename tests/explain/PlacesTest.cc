@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/Growth.h"
+
 namespace tamzo::explain {
 namespace {
 
@@ -33,6 +35,16 @@ TEST(PlacesTest, anExcerptIsCutAroundTheSpot) {
 
 TEST(PlacesTest, severalComeInTheOrderAsked) {
   EXPECT_EQ(linesOf("a\nb\nc", {4, 0, 2}), (std::vector<std::size_t>{3, 1, 2}));
+}
+
+TEST(PlacesTest, aLongLineTakesTimeInItsLength) {
+  EXPECT_TRUE(tamzo::testing::growsLinearly(5000, [](std::size_t count) {
+    std::vector<std::size_t> offsets;
+    for (std::size_t i = 0; i < count; ++i) {
+      offsets.push_back(i * 10);
+    }
+    return [text = std::string(count * 10, 'a'), offsets] { linesOf(text, offsets); };
+  }));
 }
 
 TEST(PlacesTest, textsAreShortenedByCharacters) {
