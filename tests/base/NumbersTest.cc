@@ -141,7 +141,7 @@ TEST(DoubleValue, IsInfiniteForANumberTooLargeAndNoughtForOneTooSmall) {
   constexpr double kInfinite = std::numeric_limits<double>::infinity();
   const std::string nines(400, '9');
   const std::string noughts(400, '0');
-  const std::vector<Row<double>> rows{
+  const std::vector<NumberRow<double>> rows{
       {"1e999", kInfinite},
       {"-1e999", -kInfinite},
       {"1e400px", kInfinite},
