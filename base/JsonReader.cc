@@ -271,7 +271,6 @@ JsonFault readJson(std::string_view text, JsonHandler& handler, JsonProblem* pro
     found = {0, "it is 4 GiB long or longer"};
     return JsonFault::tooLong;
   }
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   const std::size_t begin = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
   text.remove_prefix(begin);
 

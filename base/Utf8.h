@@ -5,6 +5,9 @@
 
 namespace tamzo {
 
+/// What some put in front of a text in UTF-8.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 // UTF-8, as far as the system looks into it. Every function takes any bytes whatever.
 
 /// True when the bytes are well-formed UTF-8.

@@ -34,6 +34,7 @@ std::size_t verificationsOf(const TamzoVastAd& ad) {
 FetchResult withoutBody(const FetchResult& fetch) {
   FetchResult copy;
   copy.failure = fetch.failure;
+  copy.cause = fetch.cause;
   copy.status = fetch.status;
   copy.finalUrl = fetch.finalUrl;
   copy.redirects = fetch.redirects;

@@ -12,7 +12,6 @@
 namespace tamzo::explain {
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kNowhere = std::string_view::npos;
 
 bool isBlank(char c) noexcept { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -31,7 +30,7 @@ bool isXmlCharacter(std::uint32_t c) noexcept {
 }
 
 // The first character that XML does not know.
-std::size_t findControlCharacter(std::string_view text) noexcept {
+std::size_t firstControlCharacter(std::string_view text) noexcept {
   for (std::size_t at = 0; at < text.size(); ++at) {
     const auto byte = static_cast<std::uint8_t>(text[at]);
     const bool isOdd = byte < 0x20U || byte == 0xEFU;
@@ -48,7 +47,7 @@ bool isDeclaration(std::string_view text) noexcept {
 
 class Scanner {
  public:
-  explicit Scanner(std::string_view text) : text_(text), controlAt_(findControlCharacter(text)) {
+  explicit Scanner(std::string_view text) : text_(text), controlAt_(firstControlCharacter(text)) {
     at_ = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
   }
 

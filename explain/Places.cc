@@ -9,7 +9,6 @@
 namespace tamzo::explain {
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kExcerptLength = 160;
 
 bool startsCharacter(char c) noexcept { return (static_cast<std::uint8_t>(c) & 0xC0U) != 0x80U; }

@@ -53,6 +53,7 @@ class Fetch {
     result_.failure = follow();
     takeCookies();
     result_.milliseconds.total = passed();
+    result_.cause = cause();
     result_.reusedConnection = result_.status != 0 && !hasConnected_;
     return std::move(result_);
   }
@@ -63,6 +64,7 @@ class Fetch {
   FetchFailure follow();
   FetchFailure redirect(const CurlUrl& from, const std::optional<CurlUrl>& to);
   FetchFailure ask(const CurlUrl& url);
+  FetchCause cause() const noexcept;
   void addHeaders(CurlTransfer& transfer, const CurlUrl& url) const;
   void logIn(CurlTransfer& transfer, const CurlUrl& url) const;
   void startCookies();
@@ -82,7 +84,10 @@ class Fetch {
   Deadline deadline_;
   Cancellation::OnCancel wake_;
   FetchSpending spent_;
-  std::string location_;  // where the last answer redirects to; "": nowhere
+  std::string location_;                 // where the last answer redirects to; "": nowhere
+  FetchCause cause_ = FetchCause::none;  // as far as one request can tell
+  // Whether the time of the chain ends before that of the fetch.
+  bool isHurriedByChain_ = request_.deadline.secondsLeft() < request_.limits.totalSeconds;
   bool hasConnected_ = false;
   FetchResult result_;
 };
@@ -107,13 +112,21 @@ FetchFailure Fetch::redirect(const CurlUrl& from, const std::optional<CurlUrl>& 
   if (result_.redirects.size() == kMostRedirects) {
     return FetchFailure::redirects;
   }
-  if (!to || (request_.options.httpsStaysHttps && from.isHttps() && !to->isHttps())) {
+  if (!to) {
+    return FetchFailure::protocol;
+  }
+  if (request_.options.httpsStaysHttps && from.isHttps() && !to->isHttps()) {
+    cause_ = FetchCause::httpsStaysHttps;
     return FetchFailure::protocol;
   }
   result_.redirects.push_back(to->text());
   result_.redirectStatuses.push_back(result_.status);
   result_.finalUrl = result_.redirects.back();
   return FetchFailure::none;
+}
+
+FetchCause Fetch::cause() const noexcept {
+  return cause_ == FetchCause::fetchTime && isHurriedByChain_ ? FetchCause::chainTime : cause_;
 }
 
 FetchFailure Fetch::ask(const CurlUrl& url) {
@@ -123,6 +136,7 @@ FetchFailure Fetch::ask(const CurlUrl& url) {
   addHeaders(transfer, url);
   logIn(transfer, url);
   const FetchFailure failure = transfer.perform();
+  cause_ = transfer.cause();
   transfer.addTimes(result_.milliseconds, before);
   hasConnected_ |= transfer.hasConnected();
   result_.status = transfer.status();
@@ -166,10 +180,12 @@ void Fetch::takeCookies() {
   }
 }
 
-FetchResult failedBefore(const FetchRequest& request, FetchFailure failure) {
+FetchResult failedBefore(const FetchRequest& request, FetchFailure failure,
+                         FetchCause cause = FetchCause::none) {
   FetchResult result;
   result.finalUrl = request.url.view();
   result.failure = failure;
+  result.cause = cause;
   return result;
 }
 
@@ -180,7 +196,10 @@ FetchResult fetchWithCurl(const FetchRequest& request) {
   if (!hasHttpScheme(text)) {
     return failedBefore(request, FetchFailure::protocol);
   }
-  if (!whyRefused(request.options).empty() || !initCurlOnce()) {
+  if (!whyRefused(request.options).empty()) {
+    return failedBefore(request, FetchFailure::other, FetchCause::options);
+  }
+  if (!initCurlOnce()) {
     return failedBefore(request, FetchFailure::other);
   }
   const auto url = CurlUrl::parse(text);

@@ -73,6 +73,12 @@ FetchFailure failureOfCode(CURLcode code) noexcept {
   }
 }
 
+// libcurl counts in whole milliseconds.
+bool hasPassed(const Deadline& deadline) noexcept {
+  constexpr double kSlack = 0.002;
+  return deadline.secondsLeft() < kSlack;
+}
+
 // Certificates as libcurl's build has them, without the folder: only a file's are read once for
 // all.
 bool hasSystemFile() noexcept {
@@ -184,7 +190,9 @@ FetchFailure CurlTransfer::perform() {
   if (ranOutOfMemory_) {
     throw std::bad_alloc();
   }
-  return failureOf(code);
+  const FetchFailure failure = failureOf(code);
+  cause_ = causeOf(failure, code);
+  return failure;
 }
 
 // Until something is said of it, the transfer goes on: a code comes from libcurl, or `stopped_`
@@ -273,6 +281,27 @@ FetchFailure CurlTransfer::failureOf(CURLcode code) const noexcept {
   return isNoChunk ? FetchFailure::protocol : failureOfCode(code);
 }
 
+FetchCause CurlTransfer::causeOf(FetchFailure failure, CURLcode code) const noexcept {
+  switch (failure) {
+    case FetchFailure::dns:
+      return code == CURLE_COULDNT_RESOLVE_PROXY ? FetchCause::proxy : FetchCause::none;
+    case FetchFailure::connect:
+      return isOnlyRefused_                              ? FetchCause::publicAddresses
+             : isRefusedByProxy() || code == CURLE_PROXY ? FetchCause::proxy
+                                                         : FetchCause::none;
+    case FetchFailure::tls:
+      return code == CURLE_SSL_CACERT_BADFILE ? FetchCause::caFile : FetchCause::none;
+    case FetchFailure::timeout:
+      return isConnected_ || hasPassed(deadline_) ? FetchCause::fetchTime : FetchCause::connectTime;
+    case FetchFailure::tooLarge:
+      return answer_.failure() == failure  ? answer_.cause()
+             : code == CURLE_OUT_OF_MEMORY ? FetchCause::headerSize
+                                           : FetchCause::bodySize;
+    default:
+      return FetchCause::none;
+  }
+}
+
 // A proxy that opens no tunnel; libcurl takes its answer for the server's.
 bool CurlTransfer::isRefusedByProxy() const noexcept {
   long status = 0;
@@ -339,11 +368,13 @@ curl_socket_t CurlTransfer::onOpen(void* self, curlsocktype, curl_sockaddr* addr
   auto& transfer = *static_cast<CurlTransfer*>(self);
   if (!transfer.hasOpened_) {
     transfer.hasOpened_ = true;
+    transfer.isOnlyRefused_ = transfer.request_.options.publicAddressesOnly;
     transfer.connectDeadline_ = Deadline::in(transfer.request_.limits.connectSeconds);
   }
   if (transfer.request_.options.publicAddressesOnly && !isPublicAddress(&address->addr)) {
     return CURL_SOCKET_BAD;
   }
+  transfer.isOnlyRefused_ = false;
   try {
     return transfer.session_.open(*address);
   } catch (const std::bad_alloc&) {
@@ -360,6 +391,7 @@ int CurlTransfer::onConnected(void* self, char* address, char*, int, int) noexce
     transfer.session_.shortenPatience();
   }
   const bool isRefused = transfer.request_.options.publicAddressesOnly && !isPublicAddress(address);
+  transfer.isOnlyRefused_ = isRefused;
   return isRefused ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 

@@ -34,6 +34,10 @@ class CurlTransfer {
   /// Throws std::bad_alloc.
   FetchFailure perform();
 
+  /// What exactly perform() failed at. A timeout after the connection is `fetchTime`, whoever set
+  /// the deadline.
+  FetchCause cause() const noexcept { return cause_; }
+
   FetchAnswer& answer() noexcept { return answer_; }
   /// HTTP's; 0 without an answer.
   int status() const noexcept;
@@ -61,6 +65,7 @@ class CurlTransfer {
   void noteReceived() noexcept;
   double milliseconds(CURLINFO info) const noexcept;
   FetchFailure failureOf(CURLcode code) const noexcept;
+  FetchCause causeOf(FetchFailure failure, CURLcode code) const noexcept;
   bool isRefusedByProxy() const noexcept;
 
   // Called by libcurl.
@@ -80,8 +85,10 @@ class CurlTransfer {
   Deadline connectDeadline_;
   CURLcode refusedOption_ = CURLE_OK;
   FetchFailure stopped_ = FetchFailure::none;
+  FetchCause cause_ = FetchCause::none;
   bool ranOutOfMemory_ = false;
   bool hasOpened_ = false;
+  bool isOnlyRefused_ = false;  // no address has been tried that the options allow
   bool isConnected_ = false;
 };
 

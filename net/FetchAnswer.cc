@@ -26,7 +26,7 @@ std::string_view trimmed(std::string_view text) noexcept {
 bool FetchAnswer::takeHeader(std::string_view line) {
   spent_.headerBytes += line.size();
   if (spent_.headerBytes > kMostHeaderBytes) {
-    return giveUp(FetchFailure::tooLarge);
+    return giveUp(FetchFailure::tooLarge, FetchCause::headerSize);
   }
   if (line.starts_with("HTTP/")) {
     begin(line);
@@ -64,12 +64,12 @@ bool FetchAnswer::addCodings(std::string_view list) noexcept {
         coding.empty() || equalsInAnyCase(coding, "identity") || equalsInAnyCase(coding, "chunked");
     codings_ += isPlain ? 0 : 1;
   }
-  return codings_ <= 1 || giveUp(FetchFailure::other);
+  return codings_ <= 1 || giveUp(FetchFailure::other, FetchCause::none);
 }
 
 bool FetchAnswer::takeBody(std::string_view bytes) {
   if (bytes.size() > maxBodyBytes_ - std::min(maxBodyBytes_, spent_.bodyBytes)) {
-    return giveUp(FetchFailure::tooLarge);
+    return giveUp(FetchFailure::tooLarge, FetchCause::bodySize);
   }
   spent_.bodyBytes += bytes.size();
   if (!isRedirect()) {
@@ -82,7 +82,7 @@ bool FetchAnswer::noteReceived(std::size_t bytes) noexcept {
   spent_.receivedBytes += bytes - std::min(bytes, received_);
   received_ = std::max(received_, bytes);
   return spent_.receivedBytes / 2 <= std::max(maxBodyBytes_, kMostOverhead) ||
-         giveUp(FetchFailure::tooLarge);
+         giveUp(FetchFailure::tooLarge, FetchCause::bodySize);
 }
 
 }  // namespace tamzo

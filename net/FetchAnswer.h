@@ -32,6 +32,7 @@ class FetchAnswer {
   bool noteReceived(std::size_t bytes) noexcept;
 
   FetchFailure failure() const noexcept { return failure_; }
+  FetchCause cause() const noexcept { return cause_; }
   /// True once the last line of the headers has come, which are not those of a 1xx.
   bool hasHead() const noexcept { return hasHead_; }
   /// True for a redirect that says where to.
@@ -40,8 +41,9 @@ class FetchAnswer {
   std::string& body() noexcept { return body_; }
 
  private:
-  bool giveUp(FetchFailure failure) noexcept {
+  bool giveUp(FetchFailure failure, FetchCause cause) noexcept {
     failure_ = failure;
+    cause_ = cause;
     return false;
   }
   void begin(std::string_view statusLine) noexcept;
@@ -51,6 +53,7 @@ class FetchAnswer {
   FetchSpending& spent_;
   std::size_t received_ = 0;
   FetchFailure failure_ = FetchFailure::none;
+  FetchCause cause_ = FetchCause::none;
   char statusClass_ = '0';
   bool hasHead_ = false;
   int codings_ = 0;

@@ -76,6 +76,8 @@ FetchResult TamzoUrlReader::fetch(const FetchRequest& request) {
     FetchResult result;
     result.finalUrl = request.url.view();
     result.failure = FetchFailure::timeout;
+    result.cause =
+        request.limits.connectSeconds > 0.0 ? FetchCause::fetchTime : FetchCause::connectTime;
     return result;
   }
   return fetchWithCurl(request);

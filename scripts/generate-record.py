@@ -2,7 +2,9 @@
 
 - include/tamzo/vast/TamzoVastAdProperties.h, the accessors as hosts and editors see them,
 - the getters in include/tamzo/tamzo_vast.h, for C,
-- the symbols of that in capi/symbols.txt, and
+- the symbols of that in capi/symbols.txt,
+- the fields of TamzoVastAd.java in bindings/java,
+- the properties of VastAd in bindings/swift, and
 - the tables of the record in docs/embedding.md.
 
     generate-record.py           writes them
@@ -47,6 +49,55 @@ C_TYPES = {
     "List<std::shared_ptr<TamzoCard>>": "const tamzo_vast_elements*",
     "List<std::shared_ptr<TamzoHotspot360Info>>": "const tamzo_vast_elements*",
     "List<std::shared_ptr<TamzoMeasurementProviderModel>>": "const tamzo_vast_verifications*",
+}
+
+# What Java gets, and how RecordReader reads it; what may be null is marked so.
+JAVA = ROOT / "bindings/java/src/com/tamzo/vast/TamzoVastAd.java"
+JAVA_BEGIN = "  // The properties below are written by scripts/generate-record.py.\n"
+JAVA_END = "  // The properties above are written by scripts/generate-record.py.\n"
+JAVA_TYPES = {
+    "Text": ("@Nullable String", "text()"),
+    "MutableText": ("@Nullable String", "text()"),
+    "bool": ("boolean", "flag()"),
+    "std::int32_t": ("int", "integer()"),
+    "double": ("double", "real()"),
+    "float": ("float", "shortReal()"),
+    "List<Text>": ("@Nullable List<String>", "texts()"),
+    "TamzoExtraActions": ("@Nullable ExtraActions", "extraActions()"),
+    "std::shared_ptr<TamzoAdDuration>": ("@Nullable AdDuration", "duration()"),
+    "std::shared_ptr<TrackerMap>": ("@Nullable Map<String, List<Tracker>>", "trackers()"),
+    "std::shared_ptr<IconMap>": ("@Nullable Map<String, VastElement>", "namedElements()"),
+    "std::shared_ptr<TamzoVpaidXML>": ("@Nullable VpaidXml", "vpaidXml()"),
+    "List<std::shared_ptr<TamzoCompanionAd>>": ("@Nullable List<CompanionAd>", "companionAds()"),
+    "List<std::shared_ptr<TamzoMediaFile>>": ("@Nullable List<MediaFile>", "mediaFiles()"),
+    "List<std::shared_ptr<TamzoCard>>": ("@Nullable List<VastElement>", "elements(VastElement.CARDS)"),
+    "List<std::shared_ptr<TamzoHotspot360Info>>":
+        ("@Nullable List<VastElement>", "elements(VastElement.HOTSPOTS)"),
+    "List<std::shared_ptr<TamzoMeasurementProviderModel>>":
+        ("@Nullable List<Verification>", "verifications()"),
+}
+
+# What Swift gets, and which function of Values.swift makes it.
+SWIFT = ROOT / "bindings/swift/Sources/TamzoVast/VastAdProperties.swift"
+SWIFT_TYPES = {
+    "Text": ("String?", "text"),
+    "MutableText": ("String?", "text"),
+    "bool": ("Bool", ""),
+    "std::int32_t": ("Int32", ""),
+    "double": ("Double", ""),
+    "float": ("Float", ""),
+    "List<Text>": ("[String]?", "texts"),
+    "TamzoExtraActions": ("VastExtraActions?", "extraActions"),
+    "std::shared_ptr<TamzoAdDuration>": ("VastDuration?", "duration"),
+    "std::shared_ptr<TrackerMap>": ("[VastEvent]?", "trackers"),
+    "std::shared_ptr<IconMap>": ("[String: VastElement]?", "namedElements"),
+    "std::shared_ptr<TamzoVpaidXML>": ("VastVpaidXml?", "vpaidXml"),
+    "List<std::shared_ptr<TamzoCompanionAd>>": ("[[VastCompanion]]?", "companionAds"),
+    "List<std::shared_ptr<TamzoMediaFile>>": ("[VastMediaFile]?", "mediaFiles"),
+    "List<std::shared_ptr<TamzoCard>>": ("[VastElement]?", "elements"),
+    "List<std::shared_ptr<TamzoHotspot360Info>>": ("[VastElement]?", "elements"),
+    "List<std::shared_ptr<TamzoMeasurementProviderModel>>":
+        ("[VastVerification]?", "verifications"),
 }
 
 # In the order of the header and the document. A note stands under the heading in both.
@@ -252,12 +303,52 @@ def c_symbols(header_text):
     return "".join(f"{name}\n" for name in sorted(names))
 
 
+def java_comment(text):
+    """A comment for Javadoc."""
+    text = text.replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
+    text = re.sub(r"`([^`]+)`", r"{@code \1}", re.sub(r"(\w+)\(\)", r"\1", text))
+    lines = textwrap.wrap(text, 94)
+    if len(lines) == 1 and len(lines[0]) <= 91:
+        return [f"  /** {lines[0]} */"]
+    return ["  /**", *(f"   * {line}" for line in lines), "   */"]
+
+
+def java(rows):
+    lines = []
+    for row in rows:
+        lines += [*java_comment(row.text), f"  public final {JAVA_TYPES[row.type][0]} {row.name};", ""]
+    lines += ["  /** In the order of the table. */", "  TamzoVastAd(RecordReader in) {"]
+    lines += [f"    {row.name} = in.{JAVA_TYPES[row.type][1]};" for row in rows]
+    lines += ["    mostSuitableCompanion = in.integer();", "    in.end();", "  }"]
+    old = JAVA.read_text(encoding="utf-8")
+    begin = old.index(JAVA_BEGIN) + len(JAVA_BEGIN)
+    return old[:begin] + "\n" + "\n".join(lines) + "\n\n" + old[old.index(JAVA_END):]
+
+
+def swift(rows):
+    lines = [
+        "// Written by scripts/generate-record.py from vast/TamzoVastAdProperties.def.",
+        "",
+        "// The properties of the record. The spellings are those of the SDK, and are meant.",
+        "extension VastAd {",
+    ]
+    for row in rows:
+        swift_type, function = SWIFT_TYPES[row.type]
+        value = f"tamzo_vast_ad_{row.name}($0)"
+        # A property hides the function of its name.
+        value = f"TamzoVast.{function}({value})" if function else value
+        text = re.sub(r"(\w+)\(\)", r"\1", row.text)
+        lines += [*(f"  /// {line}" for line in textwrap.wrap(text, 94)),
+                  f"  public var {row.name}: {swift_type} {{ read {{ {value} }} }}", ""]
+    return "\n".join(lines[:-1]) + "\n}\n"
+
+
 def main(arguments):
     rows = read_table()
     failed = False
     in_c = c_header(rows)
     for path, text in ((HEADER, header(rows)), (C_HEADER, in_c), (C_SYMBOLS, c_symbols(in_c)),
-                       (DOCUMENT, document(rows))):
+                       (JAVA, java(rows)), (SWIFT, swift(rows)), (DOCUMENT, document(rows))):
         if arguments != ["--check"]:
             path.write_text(text, encoding="utf-8")
         elif not path.exists() or path.read_text(encoding="utf-8") != text:

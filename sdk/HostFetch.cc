@@ -56,7 +56,9 @@ FetchResult failedFetch(const Text& url, FetchFailure failure) {
 FetchResult fetchByHost(const TamzoHost& host, const FetchRequest& request) {
   FetchFailure late = request.url.isNil() ? FetchFailure::protocol : whyTooLate(request);
   if (late != FetchFailure::none) {
-    return failedFetch(request.url, late);
+    FetchResult result = failedFetch(request.url, late);
+    result.cause = late == FetchFailure::timeout ? FetchCause::chainTime : FetchCause::none;
+    return result;
   }
   if (!host.fetch && !host.readUrl) {
     return TamzoUrlReader::fetch(request);

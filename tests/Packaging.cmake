@@ -57,6 +57,18 @@ tamzo_package_test(staticIsUsedFromCByPkgConfig ${CMAKE_CURRENT_SOURCE_DIR}/cons
   NEEDS static_stage OPTIONS -DKIND=static -DCMAKE_PREFIX_PATH=${stage}-static
   COMMAND player)
 if(Python3_FOUND)
+  add_test(NAME Package.standsAnywhere
+    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check-install.py
+      ${CMAKE_COMMAND} ${PROJECT_BINARY_DIR})
+  add_test(NAME Package.takesFoldersOfOthers
+    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check-install.py
+      ${CMAKE_COMMAND} --configure ${PROJECT_SOURCE_DIR})
+  if(NOT BUILD_SHARED_LIBS)
+    add_test(NAME Package.commandsOfItsPageWork
+      COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/run-packaging-commands.py
+        ${PROJECT_BINARY_DIR} ${CMAKE_CURRENT_BINARY_DIR}/package/sharedIsInstalled)
+    set_tests_properties(Package.commandsOfItsPageWork PROPERTIES FIXTURES_REQUIRED shared)
+  endif()
   add_test(NAME Package.checkOfSymbolsFindsWhatIsWrong
     COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check-symbols.py --self-test)
   foreach(which public c)

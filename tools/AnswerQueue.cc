@@ -1,10 +1,12 @@
 #include "tools/AnswerQueue.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <exception>
 #include <iterator>
 #include <list>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -65,8 +67,11 @@ class Crew {
   bool hasWork() const { return waiting_ > 0 && !isOutputOver_; }
   bool mayRead() const {
     const bool hasRoom = held_ < plan_.windowBytes || pieces_.size() < plan_.threads;
-    return !isReading_ && !isAtEnd_ && hasRoom;
+    const bool hasMemory = !isShortOfMemory_ || holdsNothing();
+    return !isReading_ && !isAtEnd_ && hasRoom && hasMemory;
   }
+  // No memory will come from answers that go.
+  bool holdsNothing() const { return pieces_.empty() && !isHandingOut_; }
   // Fewer pieces wait than there are threads that may come for one.
   bool isLow() const { return waiting_ < plan_.threads; }
 
@@ -113,34 +118,52 @@ class Crew {
   /// more. True when there are any.
   bool read(Lock& lock) noexcept {
     Pieces fresh;
-    std::size_t bytes = 0;
     bool isEnd = false;
     const bool mayWait = waiting_ == 0;
+    const bool isAlone = holdsNothing();
     isReading_ = true;
     wakeAnother();
     unlocked(lock, [&] {
-      bool goesOn = mayWait || source_.isReady();
-      while (goesOn) {
-        std::optional<Work> next = source_.next();
-        isEnd = !next;
-        if (next) {
-          fresh.push_back({*std::move(next), {}, {}, false});
-          bytes += fresh.back().bytes();
-        }
-        goesOn =
-            !isEnd && fresh.size() < kPiecesAtOnce && bytes < kBytesAtOnce && source_.isReady();
+      if (mayWait || source_.isReady()) {
+        isEnd = !readInto(fresh, isAlone);
       }
     });
     isReading_ = false;
     isAtEnd_ = isAtEnd_ || isEnd;
-    held_ += bytes;
-    waiting_ += fresh.size();
+    for (const Piece& piece : fresh) {
+      held_ += piece.bytes();
+      ++waiting_;
+    }
     if (begun_ == pieces_.end() && !fresh.empty()) {
       begun_ = fresh.begin();
     }
     const bool hasAny = !fresh.empty();
     pieces_.splice(pieces_.end(), fresh);
     return hasAny;
+  }
+
+  // False at the end. Where memory runs out and others may free some, the rest is left for later.
+  bool readInto(Pieces& fresh, bool isAlone) {
+    std::size_t bytes = 0;
+    do {
+      try {
+        Pieces one(1);
+        std::optional<Work> next = source_.next();
+        if (!next) {
+          return false;
+        }
+        one.front().work = *std::move(next);
+        bytes += one.front().bytes();
+        fresh.splice(fresh.end(), one);
+      } catch (const std::bad_alloc&) {
+        isShortOfMemory_ = !(isAlone && fresh.empty());
+        if (!isShortOfMemory_) {
+          throw;
+        }
+        return true;
+      }
+    } while (fresh.size() < kPiecesAtOnce && bytes < kBytesAtOnce && source_.isReady());
+    return true;
   }
 
   void doOne(Lock& lock) noexcept {
@@ -185,6 +208,7 @@ class Crew {
       isDone = true;
     });
     isHandingOut_ = false;
+    isShortOfMemory_ = false;
     isOutputOver_ = isOutputOver_ || !isDone;
     held_ -= bytes;
   }
@@ -211,6 +235,7 @@ class Crew {
   std::size_t busy_ = 0;                    // threads that are at something
   std::size_t asleep_ = 0;
   bool isReading_ = false;
+  std::atomic<bool> isShortOfMemory_{false};  // until answers have been handed out
   bool isHandingOut_ = false;
   bool isAtEnd_ = false;
   bool isOutputOver_ = false;

@@ -22,7 +22,7 @@ class WorkSource {
   WorkSource& operator=(const WorkSource&) = delete;
   virtual ~WorkSource() = default;
 
-  /// Nothing at the end. May wait, and may throw.
+  /// Nothing at the end. May wait, and may throw; after std::bad_alloc it may be asked again.
   virtual std::optional<Work> next() = 0;
   /// True when next() would not wait. May throw.
   virtual bool isReady() { return true; }

@@ -1,7 +1,6 @@
 #include "tools/Batch.h"
 
 #include <fmt/format.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -90,7 +89,7 @@ class BatchReport {
       ++counts_[answer.errorCode];
     } else {
       ++unreadable_;
-      complain(answer.problem);
+      complainOf(answer.problem);
     }
     progress_.step(answer.inputBytes);
   }
@@ -126,6 +125,14 @@ class BatchReport {
   }
 
  private:
+  static void complainOf(const std::string& problem) {
+    try {
+      complain(problem);
+    } catch (const std::bad_alloc&) {
+      complainOfMemory();
+    }
+  }
+
   const BatchRequest& request_;
   Output output_;
   Progress progress_;
@@ -135,20 +142,24 @@ class BatchReport {
   std::size_t unreadable_ = 0;
 };
 
-// Less where the process may not have much memory.
-std::size_t windowBytes() {
-  constexpr std::size_t kUsual = std::size_t{64} << 20U;
-  constexpr rlim_t kPart = 8;
-  rlimit memory{};
-  const bool isLimited = getrlimit(RLIMIT_AS, &memory) == 0 && memory.rlim_cur != RLIM_INFINITY;
-  return isLimited ? static_cast<std::size_t>(std::min<rlim_t>(memory.rlim_cur / kPart, kUsual))
-                   : kUsual;
+// A thread takes its stack and memory for what it does: as many as leave most of the rest free.
+AnswerPlan planFor(const BatchRequest& request) {
+  AnswerPlan plan;
+  plan.threads = request.threads;
+  plan.inOrder = request.inOrder;
+  if (const auto memory = freeMemory()) {
+    constexpr std::size_t kForAThread = std::size_t{32} << 20U;
+    constexpr std::size_t kPartForAnswers = 16;
+    plan.threads =
+        static_cast<unsigned>(std::clamp<std::size_t>(*memory / kForAThread, 1, request.threads));
+    plan.windowBytes = std::min(plan.windowBytes, *memory / kPartForAnswers);
+  }
+  return plan;
 }
 
 }  // namespace
 
 int runBatch(const BatchRequest& request) {
-  keepMemory();
   AnswerForm form = request.form;
   form.hasRecord = !request.isSummary;
   form.countsFindings = form.hasExplanation || !form.only.empty() || !request.failOn.empty() ||
@@ -156,7 +167,7 @@ int runBatch(const BatchRequest& request) {
   form.hasReport = !request.reportFolder.empty();
   const auto source = sourceOf(request.paths, request.isRecursive, form);
   BatchReport report(request, *source);
-  answerAll(*source, {request.threads, request.inOrder, windowBytes()},
+  answerAll(*source, planFor(request),
             [&report](BatchAnswer answer) { report.add(std::move(answer)); });
   report.finish();
   return report.status();

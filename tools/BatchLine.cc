@@ -126,6 +126,12 @@ std::string reasonOf(JsonFault fault, const JsonProblem& problem, std::string_vi
 
 Text withoutMark(std::string vast) { return Text(withoutByteOrderMark(std::move(vast))); }
 
+// With room for a line break, which is then no matter of memory.
+BatchAnswer refused(std::string line, const std::string& why) {
+  line.reserve(line.size() + 1);
+  return {std::move(line), why};
+}
+
 }  // namespace
 
 std::string idOf(std::string_view text) {
@@ -135,11 +141,12 @@ std::string idOf(std::string_view text) {
 }
 
 BatchAnswer refuse(const std::string& id, const std::string& why) {
-  return {R"({"id": )" + id + R"(, "error": )" + idOf(why) + "}", why};
+  return refused(fmt::format(R"({{"id": {}, "error": {}}})", id, idOf(why)), why);
 }
 
 BatchAnswer refuseLine(const std::string& id, std::size_t number, const std::string& why) {
-  return {fmt::format(R"({{"id": {}, "line": {}, "error": {}}})", id, number, idOf(why)), why};
+  return refused(fmt::format(R"({{"id": {}, "line": {}, "error": {}}})", id, number, idOf(why)),
+                 why);
 }
 
 namespace {

@@ -13,7 +13,7 @@ namespace tamzo::command {
 
 /// What one response of a batch is answered with.
 struct BatchAnswer {
-  std::string line;            ///< one line of JSON, without its line break
+  std::string line;            ///< one line of JSON, without its line break, with room for it
   std::string problem;         ///< why the input could not be read; empty when it could
   int errorCode = 0;           ///< the record's, where there is one
   std::size_t inputBytes = 0;  ///< how much of the input it answers

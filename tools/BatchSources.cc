@@ -68,7 +68,7 @@ struct Origin {
     return named(number, refuseLine(id, number, why));
   }
 
-  BatchAnswer answered(std::size_t number, const std::string& line) const {
+  BatchAnswer answered(std::size_t number, std::string_view line) const {
     try {
       return named(number, answerBatchLine(line, number, form));
     } catch (const std::bad_alloc&) {
@@ -77,22 +77,41 @@ struct Origin {
   }
 };
 
-/// The lines of a stream. One that memory does not hold is answered in its place, and so is an
-/// error that ends them.
-class LineSource {
+/// A file that is open, or standard input for "-".
+class InputFile {
  public:
-  /// Owns the descriptor where it is no standard stream.
-  LineSource(int descriptor, Origin origin)
-      : descriptor_(descriptor),
-        origin_(std::make_shared<const Origin>(std::move(origin))),
-        lines_(descriptor) {}
-  LineSource(const LineSource&) = delete;
-  LineSource& operator=(const LineSource&) = delete;
-  ~LineSource() {
+  /// Throws CommandError when it cannot be opened.
+  explicit InputFile(const std::string& path)
+      : descriptor_(path == "-" ? STDIN_FILENO
+                                : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY)) {
+    if (descriptor_ == -1) {
+      throw CommandError(std::strerror(errno));
+    }
+  }
+  InputFile(InputFile&& other) noexcept
+      : descriptor_(std::exchange(other.descriptor_, STDIN_FILENO)) {}
+  InputFile& operator=(InputFile&&) = delete;
+  ~InputFile() {
     if (descriptor_ > STDERR_FILENO) {
       close(descriptor_);
     }
   }
+
+  int descriptor() const noexcept { return descriptor_; }
+
+ private:
+  int descriptor_;
+};
+
+/// The lines of a stream. One that memory does not hold is answered in its place, and so is an
+/// error that ends them.
+class LineSource {
+ public:
+  /// Throws CommandError when the system has no descriptor left.
+  LineSource(InputFile file, Origin origin)
+      : file_(std::move(file)),
+        origin_(std::make_shared<const Origin>(std::move(origin))),
+        lines_(file_.descriptor()) {}
 
   std::optional<Work> next() {
     try {
@@ -110,23 +129,33 @@ class LineSource {
 
  private:
   std::optional<Work> nextLine() {
-    std::size_t bytes = 0;
-    while (std::optional<Line> line = lines_.next()) {
-      bytes += line->text.size() + 1;
-      if (++number_ == 1) {
-        line->text = withoutByteOrderMark(std::move(line->text));
-      }
-      if (!isBlank(line->text)) {
-        return workOf(*std::move(line), bytes);
-      }
+    if (!pending_ && !findLine()) {
+      isAtEnd_ = true;
+      return std::nullopt;
     }
-    isAtEnd_ = true;
-    return std::nullopt;
+    Work work = workOf(*pending_, pendingBytes_);
+    pending_.reset();
+    return work;
   }
 
-  Work workOf(Line line, std::size_t inputBytes) {
+  // The next line that is not blank, which is kept until there is memory for the work on it.
+  bool findLine() {
+    pendingBytes_ = 0;
+    while (std::optional<Line> line = lines_.next()) {
+      pendingBytes_ += line->text.size() + 1;
+      if (++number_ == 1) {
+        line->text.remove_prefix(byteOrderMarkOf(line->text));
+      }
+      if (!line->isWhole || !isBlank(line->text)) {
+        pending_ = std::move(line);
+        return true;
+      }
+    }
+    return false;
+  }
+
+  Work workOf(const Line& line, std::size_t inputBytes) {
     const bool isXml = isFirst_ && looksLikeXml(line.text);
-    isFirst_ = false;
     if (isXml) {
       isAtEnd_ = true;
       return refusal("is XML, not JSON: \"tamzo-vast parse " +
@@ -136,9 +165,10 @@ class LineSource {
     if (!line.isWhole) {
       return refusal("out of memory", searchId(line.text));
     }
+    isFirst_ = false;
     const std::size_t held = line.text.size();
-    return Work{[origin = origin_, text = std::move(line.text), number = number_, inputBytes] {
-                  BatchAnswer answer = origin->answered(number, text);
+    return Work{[origin = origin_, line, number = number_, inputBytes] {
+                  BatchAnswer answer = origin->answered(number, line.text);
                   answer.inputBytes = inputBytes;
                   return answer;
                 },
@@ -150,9 +180,11 @@ class LineSource {
         [origin = origin_, number = number_, why, id] { return origin->refused(number, why, id); }};
   }
 
-  int descriptor_;
+  InputFile file_;
   std::shared_ptr<const Origin> origin_;
   LineReader lines_;
+  std::optional<Line> pending_;
+  std::size_t pendingBytes_ = 0;
   std::size_t number_ = 0;
   bool isFirst_ = true;
   bool isAtEnd_ = false;
@@ -258,13 +290,14 @@ class PathSource : public BatchSource {
       if (items_.empty() || isStopped_) {
         return std::nullopt;
       }
-      Item item = std::move(items_.front());
+      // It goes once there is memory for the work on it.
+      const Item& item = items_.front();
+      std::optional<Work> work =
+          item.kind == Kind::lines ? open(item)
+                                   : Work{[item, &form = form_] { return answerItem(item, form); }};
       items_.pop_front();
-      if (item.kind != Kind::lines) {
-        return Work{[item = std::move(item), &form = form_] { return answerItem(item, form); }};
-      }
-      if (std::optional<Work> refusal = open(item)) {
-        return refusal;
+      if (work) {
+        return work;
       }
     }
   }
@@ -285,15 +318,14 @@ class PathSource : public BatchSource {
   // The next lines are those of the item; or work that says why not.
   std::optional<Work> open(const Item& item) {
     const bool isStandardInput = item.path == "-";
-    const int descriptor =
-        isStandardInput ? STDIN_FILENO : ::open(item.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
-    if (descriptor == -1) {
-      const std::string why = item.path + ": " + std::strerror(errno);
+    const std::string name = isStandardInput ? "standard input" : item.path;
+    try {
+      setLines(
+          std::make_unique<LineSource>(InputFile(item.path), Origin{name, isStandardInput, form_}));
+    } catch (const CommandError& error) {
+      const std::string why = name + ": " + error.what();
       return Work{[id = idOf(item.path), why] { return refuse(id, why); }};
     }
-    setLines(std::make_unique<LineSource>(
-        descriptor,
-        Origin{isStandardInput ? "standard input" : item.path, isStandardInput, form_}));
     return std::nullopt;
   }
 

@@ -68,6 +68,7 @@ void ChainRecorder::note(const FetchRequest& request, const FetchResult& result)
   entry.body = result.body;
   if (!isToldByAnswer(result)) {
     entry.failure = fetchFailureName(result.failure);
+    entry.cause = result.cause;
     entry.body.reset();
   }
   har_.entries.push_back(std::move(entry));

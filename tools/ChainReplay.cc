@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/Ascii.h"
+#include "base/Utf8.h"
 #include "base/WhiteSpace.h"
 #include "explain/MacroFilling.h"
 #include "explain/Words.h"
@@ -72,7 +73,7 @@ std::optional<std::vector<std::string>> match(const TagPattern& pattern, std::st
 }
 
 bool beginsAsVast(std::string_view body) {
-  std::size_t at = body.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  std::size_t at = body.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
   while (at < body.size()) {
     if (const std::size_t blank = whiteSpaceAt(body, at)) {
       at += blank;
@@ -121,12 +122,14 @@ void takeBody(const HarEntry& entry, const FetchRequest& request, FetchResult& r
   result.milliseconds = entry.milliseconds;
   if (!entry.failure.empty()) {
     result.failure = fetchFailureNamed(entry.failure);
+    result.cause = entry.cause;
   } else if (entry.status == 0 || (!entry.body && entry.status < kErrorsFrom)) {
     result.failure = FetchFailure::other;
   } else if (entry.status >= kErrorsFrom) {
     result.failure = FetchFailure::status;
   } else if (entry.body->size() > request.limits.maxBodyBytes) {
     result.failure = FetchFailure::tooLarge;
+    result.cause = FetchCause::bodySize;
   } else {
     result.body = entry.body;
     result.bytes = entry.body->size();

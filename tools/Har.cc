@@ -68,6 +68,21 @@ FetchTimes timesOf(const JsonValue& entry) {
   return times;
 }
 
+// By their numbers.
+constexpr std::array<std::string_view, 12> kCauses{
+    "",           "public-addresses", "https-stays-https",
+    "proxy",      "ca-file",          "connect-time",
+    "fetch-time", "chain-time",       "header-size",
+    "body-size",  "chain-size",       "options"};
+static_assert(kCauses.size() == static_cast<std::size_t>(FetchCause::options) + 1);
+
+// None for a name that nobody knows.
+FetchCause causeNamed(std::string_view name) {
+  const auto found = std::find(kCauses.begin(), kCauses.end(), name);
+  return found == kCauses.end() ? FetchCause::none
+                                : static_cast<FetchCause>(found - kCauses.begin());
+}
+
 HarEntry entryOf(const JsonValue& value) {
   HarEntry entry;
   const JsonValue response = value.find("response");
@@ -85,6 +100,7 @@ HarEntry entryOf(const JsonValue& value) {
   // Some makers have it with the response.
   const JsonValue failure = value.find("_failure");
   entry.failure = stringOf(failure.isNil() ? response.find("_failure") : failure);
+  entry.cause = causeNamed(stringOf(value.find("_cause")));
   entry.milliseconds = timesOf(value);
   return entry;
 }
@@ -233,6 +249,9 @@ class HarWriter {
     writeTimings(entry.milliseconds);
     if (!entry.failure.empty()) {
       text("_failure", entry.failure);
+    }
+    if (entry.cause != FetchCause::none) {
+      text("_cause", kCauses[static_cast<std::size_t>(entry.cause)]);
     }
     json_.endObject();
   }

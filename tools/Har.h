@@ -16,6 +16,7 @@ struct HarEntry {
   std::optional<std::string> body;  ///< nothing where none was saved
   std::optional<std::string> contentType;
   std::string failure;  ///< why the fetch failed, as fetchFailureName(); "" otherwise
+  FetchCause cause = FetchCause::none;  ///< what exactly it failed at
   FetchTimes milliseconds;
 };
 

@@ -105,8 +105,9 @@ std::string statusOfHop(const explain::HopReport& hop) {
   }
   const std::string_view failure = fetchFailureName(hop.fetch->failure);
   const std::string status = hop.fetch->status == 0 ? "" : std::to_string(hop.fetch->status);
-  return fmt::format("{}{}{}, {:.0f} ms", status, status.empty() || failure.empty() ? "" : " ",
-                     failure, hop.fetch->milliseconds.total);
+  const double time = hop.fetch->milliseconds.total;
+  return fmt::format("{}{}{}{}", status, status.empty() || failure.empty() ? "" : " ", failure,
+                     time > 0.0 ? fmt::format(", {:.0f} ms", time) : "");
 }
 
 // The excerpt, with the spot marked.
@@ -432,8 +433,8 @@ std::string withMark(const Shown& shown, const explain::Place* spot) {
     return htmlText(shown.text);
   }
   std::size_t at = beginOfLine(shown.text, spot->line - shown.firstLine + 1);
-  if (spot->line == 1 && shown.text.starts_with("\xEF\xBB\xBF")) {
-    at = 3;
+  if (spot->line == 1 && shown.text.starts_with(kByteOrderMark)) {
+    at = kByteOrderMark.size();
   }
   for (std::size_t column = 1; column < spot->column && at < shown.text.size(); ++column) {
     at += characterAt(shown.text, at).bytes;

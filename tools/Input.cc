@@ -59,11 +59,13 @@ void sayThatInputIsAwaited(const std::string& what, const std::string& command) 
   }
 }
 
-std::string withoutByteOrderMark(std::string text) {
+std::size_t byteOrderMarkOf(std::string_view text) {
   constexpr std::string_view kMark = "\xEF\xBB\xBF";
-  if (text.starts_with(kMark)) {
-    text.erase(0, kMark.size());
-  }
+  return text.starts_with(kMark) ? kMark.size() : 0;
+}
+
+std::string withoutByteOrderMark(std::string text) {
+  text.erase(0, byteOrderMarkOf(text));
   return text;
 }
 

@@ -14,8 +14,9 @@
 namespace tamzo::command {
 namespace {
 
-constexpr std::size_t kBlock = std::size_t{1} << 16U;
-constexpr std::size_t kMostKept = std::size_t{1} << 20U;
+constexpr std::size_t kBlock = std::size_t{1} << 18U;
+constexpr std::size_t kLeastRoom = std::size_t{1} << 14U;
+constexpr std::size_t kNone = std::string_view::npos;
 // How much is taken ahead of the call that asks for it.
 constexpr std::size_t kMostAhead = std::size_t{1} << 18U;
 // How much of a line is given out that memory does not hold.
@@ -39,22 +40,25 @@ LineReader::~LineReader() {
 std::optional<Line> LineReader::next() {
   try {
     std::size_t end = findBreak();
-    while (end == std::string::npos && fill(Waiting::allowed)) {
+    while (end == kNone && fill(Waiting::allowed)) {
       end = findBreak();
     }
     const bool hasLast = begin_ < end_ && !isStopped_;
-    if (end == std::string::npos && !hasLast) {
+    if (end == kNone && !hasLast) {
       return std::nullopt;
     }
     return take(std::min(end, end_));
   } catch (const std::bad_alloc&) {
+    if (end_ - begin_ < kBlock) {
+      throw;  // no long line; there may be room for it later
+    }
     return dropLongLine();
   }
 }
 
 bool LineReader::isReady() {
   try {
-    while (findBreak() == std::string::npos) {
+    while (findBreak() == kNone) {
       if (end_ - begin_ >= kMostAhead || !fill(Waiting::forbidden)) {
         return isAtEnd_ || isStopped_;
       }
@@ -71,7 +75,7 @@ void LineReader::stop() noexcept {
 }
 
 std::size_t LineReader::findBreak() {
-  const std::size_t at = std::string_view(buffer_.data(), end_).find('\n', searched_);
+  const std::size_t at = std::string_view(block_.get(), end_).find('\n', searched_);
   searched_ = std::min(at, end_);
   return at;
 }
@@ -82,7 +86,7 @@ bool LineReader::fill(Waiting waiting) {
     return false;
   }
   makeRoom();
-  const ssize_t count = read(descriptor_, buffer_.data() + end_, buffer_.size() - end_);
+  const ssize_t count = read(descriptor_, block_.get() + end_, size_ - end_);
   if (count < 0 && errno != EINTR && errno != EAGAIN) {
     fail();
   }
@@ -104,46 +108,59 @@ bool LineReader::isReadable(Waiting waiting) {
   return ready > 0 && !isStopped_;
 }
 
+// What was given out stays where it is: what is left of a block begins the next one.
 void LineReader::makeRoom() {
-  if (begin_ == end_ && buffer_.size() > kMostKept) {
-    forget();
+  if (size_ - end_ >= kLeastRoom) {
+    return;
   }
-  if (begin_ > 0) {
-    std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
-    end_ -= begin_;
-    searched_ -= begin_;
-    begin_ = 0;
-  }
-  if (buffer_.size() - end_ < kBlock) {
-    buffer_.resize(std::max(buffer_.size() + kBlock, buffer_.size() * 2));
-  }
+  const std::size_t left = end_ - begin_;
+  const std::size_t size = std::max(kBlock, left * 2);
+  std::shared_ptr<char[]> block(new char[size]);
+  std::copy_n(block_.get() + begin_, left, block.get());
+  block_ = std::move(block);
+  size_ = size;
+  searched_ -= begin_;
+  begin_ = 0;
+  end_ = left;
 }
 
 void LineReader::forget() noexcept {
-  std::string().swap(buffer_);
-  begin_ = end_ = searched_ = 0;
+  block_.reset();
+  size_ = begin_ = end_ = searched_ = 0;
 }
 
 Line LineReader::take(std::size_t end) {
-  Line line{buffer_.substr(begin_, end - begin_)};
+  Line line{std::string_view(block_.get() + begin_, end - begin_), block_, true};
   begin_ = std::min(end + 1, end_);
   searched_ = begin_;
   return line;
 }
 
 Line LineReader::dropLongLine() {
-  Line line{buffer_.substr(begin_, std::min(kBeginning, end_ - begin_)), false};
+  Line line{{}, nullptr, false};
+  try {
+    const std::size_t length = std::min(kBeginning, end_ - begin_);
+    const std::shared_ptr<char[]> block(new char[length]);
+    std::copy_n(block_.get() + begin_, length, block.get());
+    line = {{block.get(), length}, block, false};
+  } catch (const std::bad_alloc&) {
+    line.isWhole = false;  // of which then nothing is known
+  }
+  skipLine();
+  return line;
+}
+
+void LineReader::skipLine() {
   std::size_t end = findBreak();
-  while (end == std::string::npos) {
+  while (end == kNone) {
     forget();
     if (!fill(Waiting::allowed)) {
-      return line;
+      return;
     }
     end = findBreak();
   }
   begin_ = end + 1;
   searched_ = begin_;
-  return line;
 }
 
 }  // namespace tamzo::command

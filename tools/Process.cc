@@ -2,13 +2,14 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <unistd.h>
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <initializer_list>
 
@@ -44,6 +45,20 @@ bool isIgnored(int signal) {
   return sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN;
 }
 
+// Bytes of the address space that are in use; 0 where the system does not tell. Takes no memory.
+std::size_t usedMemory() noexcept {
+  const int file = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
+  if (file == -1) {
+    return 0;
+  }
+  std::array<char, 64> text{};
+  const ssize_t length = read(file, text.data(), text.size());
+  close(file);
+  std::size_t pages = 0;
+  std::from_chars(text.data(), text.data() + std::max<ssize_t>(length, 0), pages);
+  return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
 }  // namespace
 
 void holdStandardStreams() {
@@ -68,14 +83,13 @@ void handleSignals() {
   }
 }
 
-void keepMemory() noexcept {
-#ifdef __GLIBC__
-  constexpr int kKept = 32 << 20;
-  constexpr int kAtOnce = 1 << 20;
-  mallopt(M_MMAP_THRESHOLD, kKept);
-  mallopt(M_TRIM_THRESHOLD, kKept);
-  mallopt(M_TOP_PAD, kAtOnce);
-#endif
+std::optional<std::size_t> freeMemory() noexcept {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) {
+    return std::nullopt;
+  }
+  const std::size_t used = usedMemory();
+  return limit.rlim_cur > used ? limit.rlim_cur - used : 0;
 }
 
 void endByBrokenPipe() {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
+
 namespace tamzo::command {
 
 /// Puts something in the place of a standard stream that came closed, so that no file opened later
@@ -10,9 +13,8 @@ void holdStandardStreams();
 /// that end the command. For the start of the program.
 void handleSignals();
 
-/// Has the C library keep the memory that is freed, for a run that needs as much again and again on
-/// several threads: giving it back and asking for it anew took a tenth of the time.
-void keepMemory() noexcept;
+/// Bytes of the address space that are free, where it is limited.
+std::optional<std::size_t> freeMemory() noexcept;
 
 /// Ends the program as a closed pipe does where nobody asked for anything else; returns where
 /// whoever started it did.

@@ -44,9 +44,10 @@ std::string sizeOf(const std::optional<std::int32_t>& width,
   return fmt::format("{}x{}", orDash(width), orDash(height));
 }
 
-// Takes from the widest until all of them, and the gaps, fit into so many columns.
-void shrink(std::vector<std::size_t>& widths, std::size_t columns) {
-  constexpr std::size_t kNarrowest = 6;
+// Takes from the widest until all of them, and the gaps, fit into so many columns. False where they
+// do not, however narrow.
+bool shrink(std::vector<std::size_t>& widths, std::size_t columns) {
+  constexpr std::size_t kNarrowest = 10;
   std::size_t sum = kGap * widths.size();
   for (const std::size_t width : widths) {
     sum += width;
@@ -54,7 +55,7 @@ void shrink(std::vector<std::size_t>& widths, std::size_t columns) {
   while (sum > columns) {
     const auto widest = std::max_element(widths.begin(), widths.end());
     if (*widest <= kNarrowest) {
-      return;
+      return false;
     }
     // At once to where it is the widest no more.
     std::size_t next = kNarrowest;
@@ -65,6 +66,7 @@ void shrink(std::vector<std::size_t>& widths, std::size_t columns) {
     *widest -= taken;
     sum -= taken;
   }
+  return true;
 }
 
 /// Texts are handed in as they stand in the record.
@@ -72,17 +74,12 @@ class Report {
  public:
   explicit Report(const ReportStyle& style) : style_(style) {}
 
-  void heading(std::string_view title) { out_ += fmt::format("\n{}\n", styled("1", title)); }
+  void heading(std::string_view title) {
+    out_ += fmt::format("\n{}\n", styled("1", cut(std::string(title), 0)));
+  }
 
   void line(std::string_view label, std::string_view value) {
-    out_ += "  " + styled("2", label);
-    out_.append(kLabelWidth - std::min(kLabelWidth - 1, label.size()), ' ');
-    const std::string text = shown(value);
-    const std::size_t before = kGap + kLabelWidth;
-    out_ += isOnTerminal() && style_.columns > before
-                ? cutInTheMiddle(text, style_.columns - before)
-                : text;
-    out_ += '\n';
+    labelled(label, kLabelWidth - 1, shown(value));
   }
 
   /// A line for a text that is there, and none for one that is not.
@@ -98,7 +95,11 @@ class Report {
         cell = shown(cell);
       }
     }
-    const std::vector<std::size_t> widths = widthsOf(titles, rows);
+    std::vector<std::size_t> widths = widthsOf(titles, rows);
+    if (isOnTerminal() && !shrink(widths, style_.columns)) {
+      stack(titles, rows);
+      return;
+    }
     writeRow(titles, widths, "2");
     for (const Row& row : rows) {
       writeRow(row, widths, "");
@@ -179,10 +180,41 @@ class Report {
       }
       widths.push_back(width);
     }
-    if (isOnTerminal()) {
-      shrink(widths, style_.columns);
-    }
     return widths;
+  }
+
+  // What a terminal shows of it behind so many columns.
+  std::string cut(const std::string& text, std::size_t before) const {
+    return isOnTerminal() ? cutInTheMiddle(text, style_.columns - std::min(style_.columns, before))
+                          : text;
+  }
+
+  // A label in so many columns and its value, on two lines where one has no room for both.
+  void labelled(std::string_view label, std::size_t width, const std::string& value) {
+    constexpr std::size_t kLeastRoom = 10;
+    const std::size_t before = kGap + width + 1;
+    out_ += "  " + styled("2", cut(std::string(label), kGap));
+    if (isOnTerminal() && style_.columns < before + kLeastRoom) {
+      out_ += "\n    " + cut(value, 2 * kGap);
+    } else {
+      out_.append(width + 1 - std::min(width, label.size()), ' ');
+      out_ += cut(value, before);
+    }
+    out_ += '\n';
+  }
+
+  // A table for which the terminal is too narrow: each row by itself, cell under cell.
+  void stack(const Row& titles, const std::vector<Row>& rows) {
+    std::size_t width = 0;
+    for (const std::string& title : titles) {
+      width = std::max(width, title.size() + 1);
+    }
+    for (const Row& row : rows) {
+      out_ += &row == &rows.front() ? "" : "\n";
+      for (std::size_t column = 0; column < titles.size(); ++column) {
+        labelled(titles[column], width, row[column]);
+      }
+    }
   }
 
   void writeRow(const Row& row, const std::vector<std::size_t>& widths, std::string_view style) {
@@ -225,20 +257,34 @@ void reportTagAsRead(Report& report, const explain::Finding& finding) {
   }
 }
 
+// How far the fetch came, and how long that took.
+std::string phasesOf(const FetchResult& fetch) {
+  const FetchTimes& times = fetch.milliseconds;
+  std::string phases;
+  if (const double connect = times.connect + times.tls; connect > 0.0) {
+    phases = fmt::format("connected in {:.0f} ms, ", connect);
+  }
+  const bool hasAnswer = fetch.status != 0 || fetch.bytes > 0;
+  if (hasAnswer && times.firstByte > 0.0) {
+    phases += fmt::format("first byte after {:.0f} ms, ", times.firstByte);
+  }
+  phases += hasAnswer ? fmt::format("{} bytes", fetch.bytes)
+            : phases.empty()
+                ? std::string(fetch.failure == FetchFailure::tls ? "no secure connection"
+                                                                 : "no connection")
+                : std::string("no answer");
+  return fmt::format("{} in {:.1f} s", phases, times.total / 1000.0);
+}
+
 // What was asked for, so that whoever is to be called is known.
 void reportFetch(Report& report, const explain::HopReport& hop) {
   if (!hop.fetch) {
     return;
   }
-  const FetchTimes& times = hop.fetch->milliseconds;
-  std::string line = fmt::format("  hop {} asked for ", hop.number);
-  report.text(line);
+  report.text(fmt::format("  hop {} asked for ", hop.number));
   report.whole(hop.url);
-  if (times.total > 0.0) {
-    report.text(fmt::format(
-        "\n  connected in {:.0f} ms, first byte after {:.0f} ms, {} bytes in "
-        "{:.1f} s",
-        times.connect + times.tls, times.firstByte, hop.fetch->bytes, times.total / 1000.0));
+  if (hop.fetch->milliseconds.total > 0.0) {
+    report.text("\n  " + phasesOf(*hop.fetch));
   }
   report.text("\n");
 }

@@ -1,8 +1,13 @@
 // tamzo-vast: what the parser makes of an ad server's response, for people and for programs.
 
 #include <unistd.h>
+#ifdef TAMZO_SCALABLE_ALLOCATOR
+#include <tbb/scalable_allocator.h>
+#endif
 
 #include <CLI/CLI.hpp>
+#include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <new>
@@ -129,6 +134,19 @@ int runCommand(int argc, char** argv) {
   return status;
 }
 
+#ifdef TAMZO_SCALABLE_ALLOCATOR
+// It keeps what is freed, by size, and where memory is limited may come to keep all there is.
+void limitAllocator() noexcept {
+  constexpr std::size_t kPart = 4;
+  if (const auto memory = freeMemory()) {
+    scalable_allocation_mode(TBBMALLOC_SET_SOFT_HEAP_LIMIT,
+                             static_cast<std::intptr_t>(*memory / kPart));
+  }
+}
+#else
+void limitAllocator() noexcept {}
+#endif
+
 }  // namespace
 }  // namespace tamzo::command
 
@@ -136,6 +154,7 @@ int main(int argc, char** argv) {
   using namespace tamzo::command;
   holdStandardStreams();
   handleSignals();
+  limitAllocator();
   try {
     return runCommand(argc, argv);
   } catch (const std::bad_alloc&) {

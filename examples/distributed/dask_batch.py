@@ -6,8 +6,9 @@
 Each FILE holds lines {"id": ..., "vast": "..."}; it is a path or a URL that fsspec reads, plain or
 compressed. It is cut into blocks at ends of lines, and each block is a task. FOLDER, which all workers
 must see, gets part-00000.jsonl and so on: in the order of their names they hold one answer a line,
-in the order of the input. table.json has how many answers there were of each errorCode, and of each
-finding when the answers explain. The same is printed as a table.
+in the order of the input. table.json has how many answers there were of each errorCode and, when the
+answers explain, in how many each finding was made, and how often. The same is printed as tables, as
+batch prints them.
 
 Exit status, as that of batch: 0 when no ad failed, 1 when one did, 2 when a line could
 not be read; and 3 when a block failed on every try. The answers of all other blocks are there then.
@@ -30,7 +31,9 @@ import fsspec.utils
 from distributed import Client, LocalCluster, as_completed
 
 Block = collections.namedtuple("Block", "path offset length")
-Tally = collections.namedtuple("Tally", "codes findings refused")
+# Counted as batch does: by errorCode; by finding, the responses that it was made in and how often; what
+# could not be read; and the highest exit status.
+Tally = collections.namedtuple("Tally", "codes responses findings refused status")
 
 # The last in a refused line's answer: an id, which comes first, may hold anything.
 LINE_NUMBER = re.compile(rb'("line":\s*)(\d+)(\s*,\s*"error":\s*"(?:[^"\\]|\\.)*"\s*\}\s*)$')
@@ -60,9 +63,23 @@ def tally(answer, into):
     if "record" not in content:
         return False
     into.codes[content["record"]["errorCode"]] += 1
+    found = collections.Counter()
     for finding in content.get("explanation", {}).get("findings", []):
-        into.findings[finding["id"]] += 1
+        # Beyond a bound, findings of a kind are counted in the last of them.
+        found[finding["id"], finding["severity"]] += 1 + finding["details"].get("more", 0)
+    into.findings.update(found)
+    into.responses.update(found.keys())
     return True
+
+
+def empty_tally(status=0):
+    return Tally(collections.Counter(), collections.Counter(), collections.Counter(), 0, status)
+
+
+def sum_of(one, other):
+    return Tally(one.codes + other.codes, one.responses + other.responses,
+                 one.findings + other.findings, one.refused + other.refused,
+                 max(one.status, other.status))
 
 
 def shifted(answer, lines_before):
@@ -71,9 +88,9 @@ def shifted(answer, lines_before):
         lambda match: match[1] + str(int(match[2]) + lines_before).encode() + match[3], answer)
 
 
-def write_answers(answers, lines_before, target):
+def write_answers(answers, lines_before, target, status):
     """Writes the answers as they come and counts them."""
-    result = Tally(collections.Counter(), collections.Counter(), 0)
+    result = empty_tally(status)
     for answer in answers:
         if not tally(answer, result):
             result = result._replace(refused=result.refused + 1)
@@ -100,7 +117,7 @@ def parse_block(block, lines_before, part, command):
             raise RuntimeError(f"{command[0]} ended with {run.returncode}: {why}")
         answers.seek(0)
         with open(unfinished, "wb") as target:
-            result = write_answers(answers, lines_before, target)
+            result = write_answers(answers, lines_before, target, run.returncode)
     os.replace(unfinished, part)
     return result
 
@@ -123,33 +140,37 @@ def run_blocks(client, blocks, folder, command, retries):
     tasks = client.map(parse_block, blocks, lines_before_blocks(client, blocks), parts,
                        command=command, retries=retries, pure=False)
     block_of = {task.key: block for task, block in zip(tasks, blocks)}
-    total = Tally(collections.Counter(), collections.Counter(), 0)
+    total = empty_tally()
     failed = []
     for task in as_completed(tasks):
         if task.status != "finished":
             failed.append((block_of[task.key], str(task.exception())))
             continue
-        result = task.result()
-        total.codes.update(result.codes)
-        total.findings.update(result.findings)
-        total = total._replace(refused=total.refused + result.refused)
+        total = sum_of(total, task.result())
     return total, failed
 
 
-def print_table(total):
-    rows = [(count, code) for code, count in sorted(total.codes.items())]
-    rows += [(total.refused, "refused")] if total.refused else []
-    rows += [(count, finding) for finding, count in total.findings.most_common()]
-    for count, what in rows:
-        print(f"{count:10}  {what}")
-
-
-def status_of(total, failed):
-    if failed:
-        return 3
+def print_tables(total):
+    print("responses  error")
+    for code, count in sorted(total.codes.items()):
+        print(f"{count:9}  {code:5}")
     if total.refused:
-        return 2
-    return 1 if any(total.codes.keys() - {0}) else 0
+        print(f"{total.refused:9}      -  could not be read")
+    if total.findings:
+        print("\nresponses  findings  finding")
+    for (finding, severity), count in sorted(total.findings.items()):
+        print(f"{total.responses[finding, severity]:9}  {count:8}  {finding} ({severity})")
+
+
+def table_of(total, failed):
+    return {
+        "errorCodes": dict(sorted(total.codes.items())),
+        "findings": {
+            finding: {"responses": total.responses[finding, severity], "findings": count}
+            for (finding, severity), count in sorted(total.findings.items())},
+        "refused": total.refused,
+        "failedBlocks": len(failed),
+    }
 
 
 def arguments():
@@ -193,11 +214,9 @@ def main():
         left_over.unlink()
     for block, why in failed:
         print(f"{block.path}, from byte {block.offset}: {why}", file=sys.stderr)
-    (folder / "table.json").write_text(json.dumps({
-        "errorCodes": dict(sorted(total.codes.items())), "findings": total.findings,
-        "refused": total.refused, "failedBlocks": len(failed)}, indent=2) + "\n")
-    print_table(total)
-    return status_of(total, failed)
+    (folder / "table.json").write_text(json.dumps(table_of(total, failed), indent=2) + "\n")
+    print_tables(total)
+    return 3 if failed else total.status
 
 
 if __name__ == "__main__":

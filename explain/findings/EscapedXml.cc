@@ -1,3 +1,4 @@
+#include "base/Utf8.h"
 #include "base/WhiteSpace.h"
 #include "explain/Rules.h"
 #include "tamzo/base/JsonValue.h"
@@ -19,8 +20,8 @@ bool isQuotedXml(std::string_view text) {
 }
 
 bool isEscaped(std::string_view text) {
-  if (text.starts_with("\xEF\xBB\xBF")) {
-    text.remove_prefix(3);
+  if (text.starts_with(kByteOrderMark)) {
+    text.remove_prefix(kByteOrderMark.size());
   }
   text = trimWhiteSpace(text);
   return text.starts_with("&lt;") || isQuotedXml(text);

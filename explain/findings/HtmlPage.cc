@@ -1,3 +1,4 @@
+#include "base/Utf8.h"
 #include "base/WhiteSpace.h"
 #include "explain/Rules.h"
 #include "explain/TagText.h"
@@ -13,7 +14,7 @@ constexpr std::size_t kLongestTitle = 4096;
 // Past what may stand before the first tag: a byte order mark, white space, comments and
 // instructions.
 std::size_t beginOf(std::string_view text) noexcept {
-  std::size_t at = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  std::size_t at = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
   while (at < text.size()) {
     if (const std::size_t blank = whiteSpaceAt(text, at)) {
       at += blank;

@@ -1,4 +1,5 @@
 #include "base/JsonReader.h"
+#include "base/Utf8.h"
 #include "base/WhiteSpace.h"
 #include "explain/Rules.h"
 #include "tamzo/vast/ErrorCodes.h"
@@ -17,8 +18,8 @@ class NoHandler : public JsonHandler {
 };
 
 bool isJson(std::string_view text) {
-  if (text.starts_with("\xEF\xBB\xBF")) {
-    text.remove_prefix(3);
+  if (text.starts_with(kByteOrderMark)) {
+    text.remove_prefix(kByteOrderMark.size());
   }
   const std::string_view begin = withoutLeadingWhiteSpace(text);
   NoHandler handler;

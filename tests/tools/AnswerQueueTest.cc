@@ -263,12 +263,56 @@ TEST(AnswerQueueTest, WorkThatThrowsEndsTheRun) {
 
 TEST(AnswerQueueTest, WhatCameBeforeAFailedInputIsAnswered) {
   Source source(100, [](std::size_t i) -> Task {
-    return i == 10 ? throw std::bad_alloc() : Task([i] { return answer(i); });
+    return i == 10 ? throw std::runtime_error("gone") : Task([i] { return answer(i); });
   });
   std::vector<std::string> taken;
   EXPECT_THROW(answerAll(source, {4}, [&](BatchAnswer a) { taken.push_back(a.line); }),
-               std::bad_alloc);
+               std::runtime_error);
   EXPECT_EQ(taken, numbers(10));
+}
+
+// Gives out its work only while less than `most` of it is held, as if there were no memory for
+// more.
+class ScarceSource : public command::WorkSource {
+ public:
+  explicit ScarceSource(std::size_t most) : most_(most) {}
+
+  std::optional<Work> next() override {
+    if (given_ == kCount) {
+      return std::nullopt;
+    }
+    if (given_ - taken >= most_) {
+      ++refusals;
+      throw std::bad_alloc();
+    }
+    return Work{[i = given_++] { return answer(i); }};
+  }
+
+  static constexpr std::size_t kCount = 100;
+  std::atomic<std::size_t> taken{0};
+  std::size_t refusals = 0;
+
+ private:
+  std::size_t most_;
+  std::size_t given_ = 0;
+};
+
+TEST(AnswerQueueTest, InputThatMemoryHasNoRoomForWaitsUntilThereIsSome) {
+  for (const unsigned threads : {1U, 4U}) {
+    ScarceSource source(3);
+    std::vector<std::string> taken;
+    answerAll(source, {threads}, [&](BatchAnswer a) {
+      taken.push_back(a.line);
+      ++source.taken;
+    });
+    EXPECT_EQ(taken, numbers(ScarceSource::kCount)) << threads;
+    EXPECT_GT(source.refusals, 0U);
+  }
+}
+
+TEST(AnswerQueueTest, WithoutMemoryForOnePieceTheRunEnds) {
+  ScarceSource source(0);
+  EXPECT_THROW(answerAll(source, {4}, [](BatchAnswer) { FAIL(); }), std::bad_alloc);
 }
 
 }  // namespace

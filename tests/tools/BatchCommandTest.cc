@@ -313,7 +313,7 @@ TEST_F(BatchCommandTest, ASlowURLHoldsUpNoOtherResponse) {
     }
     exchange.respond(ad("slow"));
   });
-  RunningCommand batch({"batch", "--unordered", "-j", "2"}, {});
+  RunningCommand batch({"batch", "--unordered", "-j", "2", "--timeout", "900"}, {});
   batch.write(requestLine("slow", server.url("/slow")));
   for (int i = 0; i < 500; ++i) {
     batch.write(requestLine(i, ad("a")));
@@ -487,8 +487,8 @@ TEST_F(BatchCommandTest, ASecondSignalIsNotPutOff) {
 }
 
 TEST_F(BatchCommandTest, ASignalEndsAnIdleRun) {
-#ifdef TAMZO_SANITIZED  // the thread sanitizer puts a signal off while the main thread sleeps in
-                        // TBB
+#ifdef TAMZO_SANITIZED  // the thread sanitizer puts a signal off while the main thread waits for
+                        // another
   const std::vector<const char*> manyThreads{"1"};
 #else
   const std::vector<const char*> manyThreads{"1", "4"};

@@ -112,6 +112,17 @@ TEST_F(ExplainOptionsTest, ASavedChainGivesTheSameRecordWithoutServers) {
   EXPECT_EQ(run({"page", "--replay", har}).status, 0);
 }
 
+TEST_F(ExplainOptionsTest, ASavedFailureIsExplainedAsItWas) {
+  const std::string har = path("a.har");
+  const std::string response =
+      "<VAST version='4.0'><Ad id='w'><Wrapper><VASTAdTagURI>http://127.0.0.1:1/ad</VASTAdTagURI>"
+      "</Wrapper></Ad></VAST>";
+  const Result saved = run({"parse", "--format", "html", "--public-only", "--save", har}, response);
+  ASSERT_NE(saved.out.find("leave --public-only out"), std::string::npos);
+  const Result replayed = run({"parse", "--format", "html", "--replay", har});
+  EXPECT_NE(replayed.out.find("leave --public-only out"), std::string::npos);
+}
+
 TEST_F(ExplainOptionsTest, AFileThatCannotBePlayedEndsWithStatus2) {
   for (const std::string& name :
        {path("none.har"), file("a.har", "{}"), file("b.har", R"({"log": {"entries": []}})")}) {

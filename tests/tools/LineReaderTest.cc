@@ -21,7 +21,7 @@ using Lines = std::vector<std::string>;
 // What next() gives; nothing at the end.
 std::optional<std::string> textOf(LineReader& reader) {
   const auto line = reader.next();
-  return line ? std::optional(line->text) : std::nullopt;
+  return line ? std::optional(std::string(line->text)) : std::nullopt;
 }
 
 class LineReaderTest : public ::testing::Test {
@@ -71,7 +71,7 @@ TEST_F(LineReaderTest, LinesComeWithoutTheirBreaks) {
     Lines lines;
     while (auto line = reader.next()) {
       EXPECT_TRUE(line->isWhole);
-      lines.push_back(line->text);
+      lines.emplace_back(line->text);
     }
     EXPECT_TRUE(reader.isReady()) << "to say that there is nothing more";
     EXPECT_EQ(lines, row.lines) << row.text;

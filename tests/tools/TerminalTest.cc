@@ -235,6 +235,27 @@ TEST_F(TerminalTest, LongTextsAreCutToItsWidth) {
   EXPECT_NE(run({"parse", input}).out.find(url), std::string::npos) << "whole in a pipe";
 }
 
+// Sentences are left to the terminal to break.
+TEST_F(TerminalTest, TablesFitIntoIt) {
+  const std::string url = "https://cdn.example/" + std::string(200, 'x') + "/end.mp4";
+  const std::string input = file(
+      "a.xml",
+      ad("a", "<Impression>" + url + "</Impression><Category>\xE6\xBC\xA2" + url + "</Category>"));
+  for (unsigned short columns = 20; columns <= 90; ++columns) {
+    const std::string text = withoutColours(shown({"parse", input}, on("o", {}, columns)));
+    const std::size_t chain = text.find("\nChain");
+    ASSERT_NE(chain, std::string::npos);
+    for (const std::string& line : linesOf(text.substr(chain))) {
+      EXPECT_LE(command::columnsOf(line), columns) << line;
+    }
+    for (const char* shown : {"AdSystem", "version", "Impression", "video/mp4", ".mp4"}) {
+      EXPECT_NE(text.find(shown), std::string::npos) << columns << shown << text;
+    }
+  }
+  const std::string narrow = withoutColours(shown({"parse", input}, on("o", {}, 24)));
+  EXPECT_NE(narrow.find("  hop       1\n  fetch     -\n"), std::string::npos) << narrow;
+}
+
 TEST_F(TerminalTest, HelpFitsIntoIt) {
   for (const Arguments& command : {Arguments{}, {"parse"}, {"page"}, {"batch"}}) {
     Arguments help = command;

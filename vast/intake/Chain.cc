@@ -68,8 +68,13 @@ void TamzoVastAd::Chain::fetchDocument(const Text& from, const Text& escapedUrl)
   document = Text();
   // So it stands where a host's reader throws.
   fetch = failedFetch(escapedUrl, FetchFailure::other);
-  fetch = fetchByHost(host, requestFor(escapedUrl));
+  const FetchRequest request = requestFor(escapedUrl);
+  fetch = fetchByHost(host, request);
   bytes += fetch->bytes;
+  const bool isShortened = request.limits.maxBodyBytes < host.fetchLimits.maxBodyBytes;
+  if (fetch->cause == FetchCause::bodySize && isShortened) {
+    fetch->cause = FetchCause::chainSize;
+  }
   if (!fetch->body) {
     return;
   }

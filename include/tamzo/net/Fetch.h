@@ -33,6 +33,23 @@ enum class FetchFailure : std::uint8_t {
   other,      ///< anything else: a broken compression, no memory, options that cannot be sent
 };
 
+/// What a fetch failed at, where its failure alone does not say that; `none` from a host's reader
+/// that does not tell.
+enum class FetchCause : std::uint8_t {
+  none,             ///< the failure says it all
+  publicAddresses,  ///< `connect`: every address was refused by FetchOptions::publicAddressesOnly
+  httpsStaysHttps,  ///< `protocol`: a redirect was refused by FetchOptions::httpsStaysHttps
+  proxy,            ///< `dns` or `connect`: the proxy has no such name, or opens no way
+  caFile,           ///< `tls`: FetchOptions::caFile cannot be used
+  connectTime,      ///< `timeout`: FetchLimits::connectSeconds passed
+  fetchTime,        ///< `timeout`: FetchLimits::totalSeconds passed
+  chainTime,        ///< `timeout`: the deadline of the chain passed
+  headerSize,       ///< `tooLarge`: the headers of all answers, which no option allows more of
+  bodySize,         ///< `tooLarge`: FetchLimits::maxBodyBytes
+  chainSize,        ///< `tooLarge`: FetchLimits::maxChainBytes
+  options,          ///< `other`: FetchOptions cannot be sent, as whyRefused() tells
+};
+
 /// "dns", "connect", "tls", "timeout", "too-large", "status", "redirects", "protocol", "cut-off",
 /// "not-utf8", "empty", "cancelled" or "other"; "" for none.
 TAMZO_EXPORT std::string_view fetchFailureName(FetchFailure failure) noexcept;
@@ -80,6 +97,7 @@ struct FetchResult {
   std::optional<std::string> contentType;  ///< Content-Type of the last answer, as sent
   FetchTimes milliseconds;                 ///< how long it took
   bool reusedConnection = false;           ///< true: no connection had to be made
+  FetchCause cause = FetchCause::none;     ///< what exactly it failed at
 };
 
 /// A header that an app adds to its requests.

@@ -1,0 +1,1 @@
+#include <tamzo/tamzo_vast.h>
