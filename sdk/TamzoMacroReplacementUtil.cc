@@ -108,7 +108,6 @@ std::string fillList(const MacroValues& ad, const HostInUse&) {
   return listOf((ad.*property)());
 }
 
-std::string fillUnknown(const MacroValues&, const HostInUse&) { return std::string(kUnknown); }
 std::string fillZero(const MacroValues&, const HostInUse&) { return "0"; }
 
 const std::unordered_map<std::string_view, Fill>& macros() {
@@ -138,47 +137,28 @@ const std::unordered_map<std::string_view, Fill>& macros() {
          return listOf(TamzoState::getBlockedAdCategories());
        }},
       {"REGULATIONS", [](const MacroValues& ad, const HostInUse&) { return regulations(ad); }},
-      // Listed by the IAB, and nothing here knows them.
-      {"ADCATEGORIES", fillUnknown},
-      {"ADCOUNT", fillUnknown},
-      {"ADPLAYHEAD", fillUnknown},
-      {"ADSERVINGID", fillUnknown},
-      {"ADTYPE", fillUnknown},
-      {"APPBUNDLE", fillUnknown},
-      {"ASSETURI", fillUnknown},
-      {"BREAKMAXADLENGTH", fillUnknown},
-      {"BREAKMAXADS", fillUnknown},
-      {"BREAKMAXDURATION", fillUnknown},
-      {"BREAKMINADLENGTH", fillUnknown},
-      {"BREAKPOSITION", fillUnknown},
-      {"CLICKPOS", fillUnknown},
-      {"CONTENTCAT", fillUnknown},
-      {"CONTENTID", fillUnknown},
-      {"CONTENTPLAYHEAD", fillUnknown},
-      {"CONTENTURI", fillUnknown},
-      {"DEVICEUA", fillUnknown},
-      {"DOMAIN", fillUnknown},
-      {"DSAPARAMS", fillUnknown},
-      {"DSAPUBRENDER", fillUnknown},
-      {"DSAREQUIRED", fillUnknown},
-      {"GPPSECTIONID", fillUnknown},
-      {"GPPSTRING", fillUnknown},
-      {"IFA", fillUnknown},
-      {"IFATYPE", fillUnknown},
-      {"LATLONG", fillUnknown},
-      {"LIMITADTRACKING", fillUnknown},
-      {"MEDIAPLAYHEAD", fillUnknown},
-      {"PLACEMENTTYPE", fillUnknown},
-      {"PLAYBACKMETHODS", fillUnknown},
-      {"PLAYERSIZE", fillUnknown},
-      {"PLAYERSTATE", fillUnknown},
-      {"PODSEQUENCE", fillUnknown},
-      {"STOREID", fillUnknown},
-      {"STOREURL", fillUnknown},
-      {"TRANSACTIONID", fillUnknown},
-      {"UNIVERSALADID", fillUnknown},
   };
   return table;
+}
+
+// Listed by the IAB, and nothing here knows them. One text: a table of them would be four times as
+// long, which an app carries.
+constexpr std::string_view kUnknownMacros =
+    " ADCATEGORIES ADCOUNT ADPLAYHEAD ADSERVINGID ADTYPE APPBUNDLE ASSETURI"
+    " BREAKMAXADLENGTH BREAKMAXADS BREAKMAXDURATION BREAKMINADLENGTH BREAKPOSITION"
+    " CLICKPOS CONTENTCAT CONTENTID CONTENTPLAYHEAD CONTENTURI DEVICEUA DOMAIN DSAPARAMS"
+    " DSAPUBRENDER DSAREQUIRED GPPSECTIONID GPPSTRING IFA IFATYPE LATLONG LIMITADTRACKING"
+    " MEDIAPLAYHEAD PLACEMENTTYPE PLAYBACKMETHODS PLAYERSIZE PLAYERSTATE PODSEQUENCE"
+    " STOREID STOREURL TRANSACTIONID UNIVERSALADID ";
+
+bool isUnknownMacro(std::string_view name) noexcept {
+  for (std::size_t at = kUnknownMacros.find(name, 1); !name.empty() && at != std::string_view::npos;
+       at = kUnknownMacros.find(name, at + 1)) {
+    if (kUnknownMacros[at - 1] == ' ' && kUnknownMacros[at + name.size()] == ' ') {
+      return true;
+    }
+  }
+  return false;
 }
 
 // Each macro's value is worked out once per text: one cache-buster, one moment.
@@ -191,16 +171,17 @@ class Filler {
     if (const auto known = values_.find(name); known != values_.end()) {
       return &known->second;
     }
-    const auto macro = macros().find(name);
-    return macro == macros().end()
-               ? nullptr
-               : &values_.emplace(macro->first, macro->second(ad_, host_)).first->second;
+    if (const auto macro = macros().find(name); macro != macros().end()) {
+      return &values_.emplace(macro->first, macro->second(ad_, host_)).first->second;
+    }
+    return isUnknownMacro(name) ? &unknown_ : nullptr;
   }
 
  private:
   const MacroValues& ad_;
   const HostInUse& host_;
   std::unordered_map<std::string_view, std::string> values_;
+  const std::string unknown_{kUnknown};
 };
 
 // The name runs to the first character that no macro's name has.
