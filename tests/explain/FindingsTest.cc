@@ -347,8 +347,8 @@ TEST_F(FindingsTest, eachWayInWhichAFetchFailsHasWordsOfItsOwn) {
            {FetchFailure::cancelled, 0, "failure=\"cancelled\" status=null"},
            {FetchFailure::other, 0, "failure=\"other\" status=null"},
        }) {
-    changeHost([failure, status](TamzoHost& host) {
-      host.fetch = [failure, status](const FetchRequest&) {
+    changeHost([failure = failure, status = status](TamzoHost& host) {
+      host.fetch = [failure = failure, status = status](const FetchRequest&) {
         FetchResult result;
         result.failure = failure;
         result.status = status;

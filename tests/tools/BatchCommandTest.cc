@@ -419,7 +419,7 @@ TEST_F(BatchCommandTest, AClosedStandardInputIsNoFile) {
             "{\"id\": null, \"error\": \"standard input cannot be read\"}\n");
 }
 
-#ifndef TAMZO_SANITIZED  // sanitizers need the memory and the stack that these tests take away
+#ifndef TAMZO_SANITIZED  // sanitizers need what these tests take away: memory, stack, descriptors
 TEST_F(BatchCommandTest, ItRunsOnTheThreadsThatThereAre) {
   std::string input;
   for (int i = 0; i < 50; ++i) {
@@ -456,8 +456,6 @@ TEST_F(BatchCommandTest, ALineTooLongForMemoryIsOneThatFails) {
     EXPECT_EQ(lines[2].at("id"), 3);
   }
 }
-#endif
-
 TEST_F(BatchCommandTest, WhereDescriptorsRunOutTheFileIsRefusedAndTheNextOneRead) {
   const auto leaveFive = [] {
     const rlimit five{5, 5};
@@ -472,6 +470,8 @@ TEST_F(BatchCommandTest, WhereDescriptorsRunOutTheFileIsRefusedAndTheNextOneRead
   EXPECT_EQ(answers[0]["error"], lines + ": Too many open files");
   EXPECT_EQ(answers[1]["record"]["adID"], "b");
 }
+
+#endif
 
 TEST_F(BatchCommandTest, ASignalLeavesNoHalfOfALine) {
   const std::string line = requestLine(1, ad("a", "<!--" + std::string(1'000'000, 'x') + "-->"));

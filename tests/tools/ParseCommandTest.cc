@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <mutex>
 #include <thread>
 
 #include "tests/support/CommandFixture.h"
@@ -130,23 +131,29 @@ TEST_F(ParseCommandTest, RequestsAreMadeAsTheOptionsSay) {
   HttpServer server;
   HttpServer secure(TestCertificates::make());
   HttpServer proxy;
-  std::string seen;
+  std::mutex mutex;
+  std::string headers;
   server.on("/ad", [&](const Exchange& exchange) {
-    seen = exchange.header("User-Agent").value_or("-") + "|" +
-           exchange.header("X-One").value_or("-") + "|" + exchange.header("X-Two").value_or("-");
+    const std::lock_guard lock(mutex);
+    headers = exchange.header("User-Agent").value_or("-") + "|" +
+              exchange.header("X-One").value_or("-") + "|" + exchange.header("X-Two").value_or("-");
     exchange.respond(ad("a"));
   });
   secure.serve("/ad", ad("a"));
   proxy.serve(server.url("/ad"), ad("by the proxy"));
+  const auto seen = [&] {
+    const std::lock_guard lock(mutex);
+    return headers;
+  };
   const auto codeOf = [this](const Arguments& arguments) {
     return record(arguments).value("errorCode", -1);
   };
   EXPECT_EQ(codeOf({"parse", server.url("/ad")}), 0);
-  EXPECT_EQ(seen, "-|-|-");
+  EXPECT_EQ(seen(), "-|-|-");
   EXPECT_EQ(codeOf({"parse", "--user-agent", "App/1", "--header", "X-One: 1", "--header",
                     "X-Two:", server.url("/ad")}),
             0);
-  EXPECT_EQ(seen, "App/1|1|");
+  EXPECT_EQ(seen(), "App/1|1|");
   EXPECT_EQ(codeOf({"parse", secure.url("/ad")}), 301);
   EXPECT_EQ(codeOf({"parse", "--ca", TestCertificates::caFile(), secure.url("/ad")}), 0);
   EXPECT_EQ(codeOf({"parse", "--public-only", server.url("/ad")}), 301);
