@@ -14,10 +14,7 @@ if [ ! -f "$build/build.ninja" ]; then
   (cd "$root" && cmake --preset release -B "$build" -DTAMZO_BUILD_TESTS=OFF \
     -DTAMZO_BUILD_EXAMPLES=OFF) >&2
 fi
-if ! log=$(cmake --build "$build" 2>&1); then
-  printf '%s\n' "$log" >&2
-  exit 2
-fi
+"$root/scripts/quietly.sh" cmake --build "$build" || exit 2
 
 if [ "$#" -eq 0 ]; then
   set -- "$root/examples/sample-response.xml"

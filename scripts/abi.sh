@@ -8,7 +8,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
-scripts/install-packages.sh abigail-tools
+scripts/install-packages.sh abigail-tools python3
 renew=
 if [ "${1:-}" = --renew ]; then
   renew=1
@@ -21,7 +21,7 @@ if [ -z "$library" ]; then
   # As Debian builds it: what is inlined decides which copies of templates a library has.
   cmake -S . -B build/abi -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBUILD_SHARED_LIBS=ON \
     -DTAMZO_BUILD_TOOLS=OFF -DTAMZO_BUILD_TESTS=OFF -DTAMZO_DEVELOPER=OFF >/dev/null
-  cmake --build build/abi --target tamzo_vast >/dev/null
+  scripts/quietly.sh cmake --build build/abi --target tamzo_vast
   library=build/abi/libtamzovast.so
 fi
 python3 scripts/check-abi.py ${renew:+--renew} "$library"

@@ -17,7 +17,7 @@ find build/coverage -name '*.gcda' -delete
 build/coverage/tests/tamzo_tests --gtest_brief=1 \
   --gtest_filter='-*HostileShapes*:*HostileInLine*:*Truncation*:BatchCommand*:AnswerQueue*:ThreadsTest*'
 for program in tamzo_allocation_tests "${others[@]}"; do
-  GTEST_BRIEF=1 "build/coverage/tests/$program" >/dev/null
+  GTEST_BRIEF=1 scripts/quietly.sh "build/coverage/tests/$program"
 done
 gcovr --root . --filter '(base|net|sdk|vast|xml|capi|explain)/' --filter 'include/tamzo/' \
   --exclude-throw-branches --gcov-ignore-parse-errors --fail-under-line 97 build/coverage

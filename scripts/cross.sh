@@ -5,12 +5,19 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+architectures=("$@")
+[ "$#" -gt 0 ] || architectures=(arm64 armhf)
+for architecture in "${architectures[@]}"; do
+  if [ ! -f "cmake/debian-$architecture.cmake" ]; then
+    echo "no toolchain file cmake/debian-$architecture.cmake" >&2
+    exit 2
+  fi
+done
+
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
 scripts/install-packages.sh "${build_packages[@]}" "${cross_packages[@]}"
 
-architectures=("$@")
-[ "$#" -gt 0 ] || architectures=(arm64 armhf)
 for architecture in "${architectures[@]}"; do
   begin=$SECONDS
   sysroot=$PWD/build/sysroot-$architecture
@@ -23,9 +30,7 @@ for architecture in "${architectures[@]}"; do
   built=$SECONDS
   ctest --test-dir "$build" --output-on-failure --no-tests=error
   tested=$SECONDS
-  if [ -x scripts/size.sh ]; then
-    TAMZO_SIZE_BUILD=$build-size scripts/size.sh "${toolchain[@]}"
-  fi
+  TAMZO_SIZE_BUILD=$build-size scripts/size.sh "${toolchain[@]}"
   printf '%s: built in %d s, tested in %d s, size in %d s\n' "$architecture" \
     $((built - begin)) $((tested - built)) $((SECONDS - tested))
 done

@@ -4,6 +4,10 @@
 # the same tree.
 # Usage: scripts/debian-build.sh FOLDER
 set -euo pipefail
+if [ "$#" -ne 1 ]; then
+  echo "Usage: scripts/debian-build.sh FOLDER" >&2
+  exit 2
+fi
 mkdir -p "$1"
 folder=$(cd "$1" && pwd)
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -22,6 +26,7 @@ git archive "$tree" | tar -x -C "$folder/tamzo-vast"
 export DEB_BUILD_OPTIONS=${DEB_BUILD_OPTIONS-parallel=$(nproc)}
 (cd "$folder/tamzo-vast" && dpkg-buildpackage -us -uc) >"$folder/log" 2>&1 || {
   tail -n 40 "$folder/log" >&2
+  echo "the packages could not be built: $folder/log" >&2
   exit 1
 }
 mv "$folder"/*.{deb,dsc,tar.xz,buildinfo,changes} "$folder/packages"

@@ -7,6 +7,28 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# What apt's lists say of this machine's release; nothing where there are no lists.
+codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
+debian_sources() {
+  apt-get indextargets --format '$(ORIGIN) $(CODENAME) $(REPO_URI) $(COMPONENT)' \
+    "Created-By: Packages" |
+    awk -v name="$codename" '$1 == "Debian" && ($2 == name || index($2, name "-") == 1) &&
+      $4 == "main" { print "deb", $3, $2, $4 }' | sort -u
+}
+if [ "$(id -u)" -ne 0 ]; then
+  echo "no bare Debian to install into: that needs root" >&2
+  exit 2
+fi
+sources=$(debian_sources)
+if [ -z "$sources" ]; then
+  scripts/quietly.sh apt-get update
+  sources=$(debian_sources)
+fi
+if [ -z "$sources" ]; then
+  echo "no bare Debian to install into: apt has no sources of Debian $codename" >&2
+  exit 2
+fi
+
 begin=$SECONDS
 scripts/debian-build.sh build/debian
 packages=$PWD/build/debian/packages
@@ -37,23 +59,14 @@ nm -D --defined-only "$library" |
 
 # Runs what the packages' own tests are, in a Debian that has nothing else. It is never kept.
 begin=$SECONDS
-codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
-sources=$(apt-get indextargets --format '$(ORIGIN) $(CODENAME) $(REPO_URI) $(COMPONENT)' \
-  "Created-By: Packages" |
-  awk -v name="$codename" '$1 == "Debian" && ($2 == name || index($2, name "-") == 1) &&
-    $4 == "main" { print "deb", $3, $2, $4 }' | sort -u)
-if [ "$(id -u)" -ne 0 ] || [ -z "$sources" ]; then
-  echo "no bare Debian to install into: that needs root, and sources of Debian $codename in apt" >&2
-  exit 2
-fi
 mkdir "$contents/given"
 cp "$packages"/*.deb "$contents/given"
 rm -f "$contents"/given/*-dbgsym_*.deb
-cp -r debian examples "$contents/given"
+cp -r debian examples scripts/quietly.sh "$contents/given"
 cat >"$contents/given/run" <<'END'
 set -eu
 cd /given
-install() { apt-get install -qq --no-install-recommends "$@" >log 2>&1 || { cat log; exit 1; }; }
+install() { ./quietly.sh apt-get install -qq --no-install-recommends "$@"; }
 export DEBIAN_FRONTEND=noninteractive
 install ./tamzo-vast_*.deb
 debian/tests/command
@@ -64,7 +77,7 @@ install cmake g++ make pkg-config python3
 debian/tests/consumer
 install default-jdk-headless ./libtamzovast-j*.deb
 debian/tests/java
-apt-get purge -qq tamzo-vast 'libtamzovast*' >log 2>&1
+./quietly.sh apt-get purge -qq tamzo-vast 'libtamzovast*'
 left=$(find / -xdev -path /given -prune -o -path /proc -prune -o -path /tmp -prune -o \
   -iname '*tamzo*' -print)
 test -z "$left" || { echo "left behind: $left"; exit 1; }

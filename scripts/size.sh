@@ -4,15 +4,16 @@
 # Usage: scripts/size.sh [CMAKE ARGUMENT...]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+scripts/install-packages.sh "${build_packages[@]}"
 limit=350000
 build=${TAMZO_SIZE_BUILD:-build/size}
 
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=MinSizeRel -DBUILD_SHARED_LIBS=ON \
   -DTAMZO_WITH_CURL=OFF -DTAMZO_BUILD_TOOLS=OFF -DTAMZO_BUILD_TESTS=OFF "$@" >/dev/null
-if ! log=$(cmake --build "$build" --target tamzo_vast 2>&1); then
-  printf '%s\n' "$log" >&2
-  exit 2
-fi
+scripts/quietly.sh cmake --build "$build" --target tamzo_vast || exit 2
+rm -rf "$build/stage"
 cmake --install "$build" --prefix "$build/stage" --strip >/dev/null
 library=$(find "$build/stage" -name 'libtamzovast.so*' -type f)
 bytes=$(stat -c %s "$library")

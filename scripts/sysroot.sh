@@ -5,6 +5,10 @@
 # Usage: scripts/sysroot.sh ARCHITECTURE FOLDER
 set -euo pipefail
 
+if [ "$#" -ne 2 ]; then
+  echo "Usage: scripts/sysroot.sh ARCHITECTURE FOLDER" >&2
+  exit 2
+fi
 architecture=$1
 folder=$2
 packages=(libxml2-dev libxml2 libicu72 zlib1g liblzma5 libfmt-dev libfmt9 libssl-dev libssl3)
@@ -26,6 +30,7 @@ options=(-q -o APT::Architecture="$architecture" -o APT::Architectures="$archite
   (cd "$folder/apt" && apt-get "${options[@]}" download "${packages[@]}")
 } >"$folder/log" 2>&1 || {
   cat "$folder/log" >&2
+  echo "the libraries for $architecture could not be fetched" >&2
   exit 2
 }
 for package in "$folder"/apt/*.deb; do

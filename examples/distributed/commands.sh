@@ -11,7 +11,8 @@ dask-scheduler --port 0 --no-dashboard --scheduler-file cluster.json &
 scheduler=$!
 dask-worker --scheduler-file cluster.json --nworkers 2 --nthreads 1 --no-dashboard &
 worker=$!
-trap 'kill "$worker"; wait "$worker"; kill "$scheduler"' EXIT
+# The scheduler is stopped however the worker ends.
+trap 'kill "$worker" || true; wait "$worker" || true; kill "$scheduler"' EXIT
 examples/distributed/dask_batch.py --scheduler cluster.json --out cluster-answers \
   responses/*.jsonl -- --blocked-categories IAB7
 cat cluster-answers/part-*.jsonl > cluster-answers.jsonl

@@ -1,20 +1,9 @@
 /* The library from a C11 program, as a host in C meets it. */
 
-#include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 
+#include "../support/ExpectInC.h"
 #include "tamzo/tamzo_vast.h"
-
-static int failures = 0;
-
-#define EXPECT(condition)                                                     \
-  do {                                                                        \
-    if (!(condition)) {                                                       \
-      fprintf(stderr, "%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
-      ++failures;                                                             \
-    }                                                                         \
-  } while (0)
 
 static bool is(tamzo_vast_text text, const char* expected) {
   return text.data != NULL && text.size == strlen(expected) &&
@@ -380,6 +369,5 @@ int main(void) {
   testNulls();
   testHooks();
   testOptions();
-  if (failures == 0) puts("as it should be");
-  return failures == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+  return outcome();
 }

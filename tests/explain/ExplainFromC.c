@@ -1,19 +1,9 @@
 /* The explanation from a C11 program. */
 
-#include <stdio.h>
 #include <string.h>
 
+#include "../support/ExpectInC.h"
 #include "tamzo/tamzo_vast_explain.h"
-
-static int failures = 0;
-
-#define EXPECT(condition)                                                     \
-  do {                                                                        \
-    if (!(condition)) {                                                       \
-      fprintf(stderr, "%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
-      ++failures;                                                             \
-    }                                                                         \
-  } while (0)
 
 static bool holds(const tamzo_vast_string* json, const char* part) {
   /* A NUL follows the text. */
@@ -65,5 +55,5 @@ int main(void) {
   test_explanation();
   test_observer();
   test_bad_input();
-  return failures == 0 ? 0 : 1;
+  return outcome();
 }
