@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <string_view>
 
 #include "capi/Boundary.h"
@@ -160,6 +161,9 @@ tamzo_vast_status tamzo_vast_ad_get_image_ad(tamzo_vast_ad* ad, const tamzo_vast
     const auto before = ad->record->iconMap();
     try {
       ad->record->getImageAd(node->node);
+      if (ad->record->iconMap() == nullptr) {
+        throw std::bad_alloc();
+      }
       ad->values.readIconMap(*ad->record);
     } catch (...) {
       ad->record->setIconMap(before);
