@@ -59,4 +59,14 @@ inline tamzo_vast_status guarded(FunctionView<tamzo_vast_status()> work) noexcep
   }
 }
 
+/// The same for a function that gives something through `out`, which is null unless `make` sets it.
+/// `make` is not called for arguments that are invalid, or where there is no `out`.
+template <typename T>
+tamzo_vast_status give(bool isInvalid, T** out, FunctionView<tamzo_vast_status()> make) noexcept {
+  if (out != nullptr) {
+    *out = nullptr;
+  }
+  return isInvalid || out == nullptr ? TAMZO_VAST_INVALID_ARGUMENT : guarded(make);
+}
+
 }  // namespace tamzo::capi

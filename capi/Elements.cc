@@ -10,7 +10,7 @@
 
 using tamzo::DDXMLElement;
 using tamzo::Text;
-using tamzo::capi::guarded;
+using tamzo::capi::give;
 using tamzo::capi::viewOf;
 
 namespace {
@@ -23,15 +23,9 @@ struct Attributes : tamzo_vast_attributes, tamzo::capi::Handle {
 // Gives the text that `read` finds, or null for nil.
 template <typename Read>
 tamzo_vast_status giveText(bool isNull, tamzo_vast_string** out, Read read) noexcept {
-  return guarded([&] {
-    if (out != nullptr) {
-      *out = nullptr;
-    }
-    if (isNull || out == nullptr) {
-      return TAMZO_VAST_INVALID_ARGUMENT;
-    }
+  return give(isNull, out, [&] {
     if (const Text text = read(); !text.isNil()) {
-      // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): guarded() handles it
+      // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): give() handles it
       *out = new tamzo_vast_string(text);
     }
     return TAMZO_VAST_OK;
@@ -40,15 +34,9 @@ tamzo_vast_status giveText(bool isNull, tamzo_vast_string** out, Read read) noex
 
 template <typename Find>
 tamzo_vast_status giveElement(bool isNull, tamzo_vast_element** out, Find find) noexcept {
-  return guarded([&] {
-    if (out != nullptr) {
-      *out = nullptr;
-    }
-    if (isNull || out == nullptr) {
-      return TAMZO_VAST_INVALID_ARGUMENT;
-    }
+  return give(isNull, out, [&] {
     if (DDXMLElement found = find()) {
-      // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): guarded() handles it
+      // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): give() handles it
       *out = new tamzo_vast_element(std::move(found));
     }
     return TAMZO_VAST_OK;
@@ -107,14 +95,7 @@ tamzo_vast_status tamzo_vast_element_attribute(const tamzo_vast_element* element
 
 tamzo_vast_status tamzo_vast_element_attributes(const tamzo_vast_element* element,
                                                 tamzo_vast_attributes** attributes) {
-  const bool isNull = TAMZO_IS_NULL(element);
-  return guarded([&] {
-    if (attributes != nullptr) {
-      *attributes = nullptr;
-    }
-    if (isNull || attributes == nullptr) {
-      return TAMZO_VAST_INVALID_ARGUMENT;
-    }
+  return give(TAMZO_IS_NULL(element), attributes, [&] {
     *attributes = attributesOf(element->node).release();
     return TAMZO_VAST_OK;
   });

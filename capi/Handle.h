@@ -29,3 +29,5 @@ bool isNull(const Handle* handle, const char* function) noexcept;
 
 /// Asked first of each object that a function for C is given.
 #define TAMZO_IS_NULL(handle) ::tamzo::capi::isNull(handle, __func__)
+/// The same for one that may be null.
+#define TAMZO_MAY_BE_NULL(handle) static_cast<void>(TAMZO_IS_NULL(handle))

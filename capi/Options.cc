@@ -16,6 +16,7 @@ using tamzo::FetchRequest;
 using tamzo::FetchResult;
 using tamzo::Text;
 using tamzo::capi::FunctionView;
+using tamzo::capi::give;
 using tamzo::capi::guarded;
 using tamzo::capi::viewOf;
 
@@ -172,9 +173,9 @@ class Observer final : public tamzo::ParseObserver {
 }  // namespace
 
 tamzo_vast_status tamzo_vast_cancellation_create(tamzo_vast_cancellation** cancellation) {
-  return change(cancellation == nullptr, [&] {
-    *cancellation = nullptr;
+  return give(false, cancellation, [&] {
     *cancellation = new tamzo_vast_cancellation;
+    return TAMZO_VAST_OK;
   });
 }
 
@@ -195,9 +196,9 @@ void tamzo_vast_cancellation_release(tamzo_vast_cancellation* cancellation) {
 }
 
 tamzo_vast_status tamzo_vast_options_create(tamzo_vast_options** options) {
-  return change(options == nullptr, [&] {
-    *options = nullptr;
+  return give(false, options, [&] {
     *options = new tamzo_vast_options;
+    return TAMZO_VAST_OK;
   });
 }
 

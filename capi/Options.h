@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 

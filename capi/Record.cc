@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <string_view>
 
 #include "capi/Boundary.h"
@@ -14,6 +15,7 @@
 #include "tamzo/vast/TamzoVastAd.h"
 
 using tamzo::Text;
+using tamzo::capi::give;
 using tamzo::capi::guarded;
 
 struct tamzo_vast_ad : tamzo::capi::Handle {
@@ -100,16 +102,8 @@ int32_t tamzo_vast_error_code_at(size_t index) {
 
 tamzo_vast_status tamzo_vast_parse(const void* bytes, size_t length,
                                    const tamzo_vast_options* options, tamzo_vast_ad** ad) {
-  if (options != nullptr) {
-    TAMZO_IS_NULL(options);
-  }
-  return guarded([&] {
-    if (ad != nullptr) {
-      *ad = nullptr;
-    }
-    if (ad == nullptr || (bytes == nullptr && length > 0)) {
-      return TAMZO_VAST_INVALID_ARGUMENT;
-    }
+  TAMZO_MAY_BE_NULL(options);
+  return give(bytes == nullptr && length > 0, ad, [&] {
     auto record = parsed(bytes, length, options);
     if (record == nullptr) {
       return TAMZO_VAST_NO_MEMORY;
@@ -127,14 +121,7 @@ void tamzo_vast_ad_release(tamzo_vast_ad* ad) {
 
 tamzo_vast_status tamzo_vast_ad_as_json(const tamzo_vast_ad* ad, bool is_indented,
                                         tamzo_vast_string** json) {
-  const bool isNull = TAMZO_IS_NULL(ad);
-  return guarded([&] {
-    if (json != nullptr) {
-      *json = nullptr;
-    }
-    if (isNull || json == nullptr) {
-      return TAMZO_VAST_INVALID_ARGUMENT;
-    }
+  return give(TAMZO_IS_NULL(ad), json, [&] {
     const auto layout = is_indented ? tamzo::JsonLayout::indented : tamzo::JsonLayout::compact;
     *json = new tamzo_vast_string(tamzo::recordAsJson(*ad->record, layout));
     return TAMZO_VAST_OK;
@@ -154,14 +141,10 @@ tamzo_vast_status tamzo_vast_ad_companion_for_slot(const tamzo_vast_ad* ad,
                                                    const tamzo_vast_companion_ad* companions,
                                                    int32_t width, int32_t height,
                                                    const tamzo_vast_companion** companion) {
-  const bool isNull = TAMZO_IS_NULL(ad);
-  return guarded([&] {
-    if (companion != nullptr) {
-      *companion = nullptr;
-    }
-    const tamzo_vast_companion_ads* all = isNull ? nullptr : ad->values.companionAds;
+  return give(TAMZO_IS_NULL(ad) || companions == nullptr, companion, [&] {
+    const tamzo_vast_companion_ads* all = ad->values.companionAds;
     const std::size_t at = all == nullptr ? 0 : indexOf(all->items, all->count, companions);
-    if (all == nullptr || companions == nullptr || companion == nullptr || at == all->count) {
+    if (all == nullptr || at == all->count) {
       return TAMZO_VAST_INVALID_ARGUMENT;
     }
     *companion = companionForSlot(*ad, at, width, height);
@@ -178,6 +161,9 @@ tamzo_vast_status tamzo_vast_ad_get_image_ad(tamzo_vast_ad* ad, const tamzo_vast
     const auto before = ad->record->iconMap();
     try {
       ad->record->getImageAd(node->node);
+      if (ad->record->iconMap() == nullptr) {
+        throw std::bad_alloc();
+      }
       ad->values.readIconMap(*ad->record);
     } catch (...) {
       ad->record->setIconMap(before);
@@ -189,17 +175,8 @@ tamzo_vast_status tamzo_vast_ad_get_image_ad(tamzo_vast_ad* ad, const tamzo_vast
 
 tamzo_vast_status tamzo_vast_ad_get_page(tamzo_vast_ad* ad, const tamzo_vast_options* options,
                                          tamzo_vast_string** page) {
-  const bool isNull = TAMZO_IS_NULL(ad);
-  if (options != nullptr) {
-    TAMZO_IS_NULL(options);
-  }
-  return guarded([&] {
-    if (page != nullptr) {
-      *page = nullptr;
-    }
-    if (isNull || page == nullptr) {
-      return TAMZO_VAST_INVALID_ARGUMENT;
-    }
+  TAMZO_MAY_BE_NULL(options);
+  return give(TAMZO_IS_NULL(ad), page, [&] {
     const Text made = pageOf(*ad->record, options);
     ad->values.readPage(*ad->record);
     if (!made.hasCharacters()) {

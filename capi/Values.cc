@@ -276,9 +276,9 @@ Values::Values(const TamzoVastAd& record) {
 }
 
 void Values::readIconMap(const TamzoVastAd& record) {
-  Arena arena;
-  iconMap = Converter(arena).convert(record.iconMap());
-  std::swap(iconArena_, arena);
+  auto arena = std::make_unique<Arena>();
+  iconMap = Converter(*arena).convert(record.iconMap());
+  iconArena_ = std::move(arena);
 }
 
 void Values::readPage(const TamzoVastAd& record) noexcept {

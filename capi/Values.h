@@ -74,7 +74,7 @@ class Values {
 
  private:
   Arena arena_;
-  Arena iconArena_;
+  std::unique_ptr<Arena> iconArena_;  // a move of an Arena itself may throw
 };
 
 }  // namespace tamzo::capi

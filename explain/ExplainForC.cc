@@ -48,16 +48,8 @@ std::string explained(std::string_view response, const tamzo_vast_options* given
 tamzo_vast_status tamzo_vast_explain(const void* bytes, size_t length,
                                      const tamzo_vast_options* options, bool is_indented,
                                      tamzo_vast_string** json) {
-  if (options != nullptr) {
-    TAMZO_IS_NULL(options);
-  }
-  return tamzo::capi::guarded([&] {
-    if (json != nullptr) {
-      *json = nullptr;
-    }
-    if (json == nullptr || (bytes == nullptr && length > 0)) {
-      return TAMZO_VAST_INVALID_ARGUMENT;
-    }
+  TAMZO_MAY_BE_NULL(options);
+  return tamzo::capi::give(bytes == nullptr && length > 0, json, [&] {
     const std::string_view response(length == 0 ? "" : static_cast<const char*>(bytes), length);
     const auto layout = is_indented ? tamzo::JsonLayout::indented : tamzo::JsonLayout::compact;
     *json = new tamzo_vast_string(explained(response, options, layout));

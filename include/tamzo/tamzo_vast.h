@@ -71,7 +71,7 @@ typedef enum tamzo_vast_status {
   TAMZO_VAST_INVALID_ARGUMENT = 1, /**< a null, or a value that cannot be used */
   TAMZO_VAST_NO_MEMORY = 2,        /**< nothing was made or changed */
   TAMZO_VAST_HOOK_FAILED = 3,      /**< a hook threw what the parser does not take for a failure */
-  TAMZO_VAST_NO_PAGE = 4 /**< the ad has no tag or no template, or its page is too large */
+  TAMZO_VAST_NO_PAGE = 4           /**< tamzo_vast_ad_get_page() says when */
 } tamzo_vast_status;
 
 /** The status in words, with a NUL behind them; "" for a number that is none. Lives for good. */
@@ -143,11 +143,12 @@ TAMZO_VAST_API tamzo_vast_status tamzo_vast_options_set_deadline(tamzo_vast_opti
 /** Shares the cancellation; null takes it away again. */
 TAMZO_VAST_API tamzo_vast_status tamzo_vast_options_set_cancellation(
     tamzo_vast_options* options, const tamzo_vast_cancellation* cancellation);
-/** Seconds until a fetch has its connection, and for the whole of a fetch; 5 and 15 by default. */
+/** Seconds until a fetch has its connection, and for the whole of a fetch; 5 and 15 by default.
+ *  NaN, 0 and less leave no time, infinity is no limit. */
 TAMZO_VAST_API tamzo_vast_status tamzo_vast_options_set_fetch_seconds(tamzo_vast_options* options,
                                                                       double connect, double total);
 /** Most bytes of one body and of all bodies of a chain, after decompression; 16 and 32 MiB by
- *  default. */
+ *  default. Less for the chain than for a body counts as that of a body. */
 TAMZO_VAST_API tamzo_vast_status tamzo_vast_options_set_max_bytes(tamzo_vast_options* options,
                                                                   size_t body, size_t chain);
 /** Sent as User-Agent; nil or empty, the default: none. Copied. */
@@ -190,7 +191,7 @@ typedef struct tamzo_vast_reply tamzo_vast_reply;
 /** Answers with those bytes, which are copied; a nil text with length 0 is empty. */
 TAMZO_VAST_API tamzo_vast_status tamzo_vast_reply_set_bytes(tamzo_vast_reply* reply,
                                                             const void* bytes, size_t length);
-/** For a reader: HTTP's status, for whoever is told of the fetch. */
+/** For a reader: HTTP's status, for whoever is told of the fetch; 0 unless it is set. */
 TAMZO_VAST_API tamzo_vast_status tamzo_vast_reply_set_http_status(tamzo_vast_reply* reply,
                                                                   int32_t status);
 
@@ -200,7 +201,7 @@ typedef struct tamzo_vast_request tamzo_vast_request;
 TAMZO_VAST_API tamzo_vast_text tamzo_vast_request_url(const tamzo_vast_request* request);
 /** Which document of the chain, 1 for the first. */
 TAMZO_VAST_API int32_t tamzo_vast_request_hop(const tamzo_vast_request* request);
-/** Seconds that are left for this fetch. */
+/** Seconds that are left for this fetch; infinity without a limit. */
 TAMZO_VAST_API double tamzo_vast_request_seconds_left(const tamzo_vast_request* request);
 /** Most bytes that the body may have. */
 TAMZO_VAST_API size_t tamzo_vast_request_max_bytes(const tamzo_vast_request* request);
@@ -217,7 +218,8 @@ TAMZO_VAST_API tamzo_vast_status tamzo_vast_options_set_reader(tamzo_vast_option
                                                                void* user,
                                                                tamzo_vast_release_function release);
 
-/** Answers with a text; without an answer it is nil. False ends the ad with error 100. */
+/** Answers with a text; without an answer it is nil. False ends the ad with error 100, or leaves it
+ *  without a page. */
 typedef bool (*tamzo_vast_text_function)(void* user, tamzo_vast_reply* reply);
 /** Category codes that the app blocks, separated by ",". Nil, the default, blocks nothing. */
 TAMZO_VAST_API tamzo_vast_status tamzo_vast_options_set_blocked_categories(
@@ -241,7 +243,8 @@ TAMZO_VAST_API tamzo_vast_status tamzo_vast_options_set_macros(tamzo_vast_option
                                                                void* user,
                                                                tamzo_vast_release_function release);
 
-/** Milliseconds since the beginning of 1970, UTC. */
+/** Milliseconds since the beginning of 1970, UTC. A moment that the system's clock cannot hold is
+ *  taken for the nearest that it can. */
 typedef int64_t (*tamzo_vast_clock_function)(void* user);
 /** The moment for [TIMESTAMP]. */
 TAMZO_VAST_API tamzo_vast_status tamzo_vast_options_set_clock(tamzo_vast_options* options,
@@ -274,7 +277,7 @@ typedef struct tamzo_vast_hop {
   tamzo_vast_text document; /**< as received; nil where none came */
   tamzo_vast_text failure;  /**< why the fetch failed, such as "timeout"; nil where it did not */
   int32_t http_status;      /**< 0 without an answer */
-  double milliseconds;      /**< of the whole fetch */
+  double milliseconds;      /**< of the whole fetch; 0 where nothing was fetched */
   int32_t error_code;       /**< of the record after this hop */
 } tamzo_vast_hop;
 /** Told of each hop, in order, after it was processed or has failed. */
@@ -483,7 +486,9 @@ TAMZO_VAST_API tamzo_vast_status tamzo_vast_ad_companion_for_slot(
 TAMZO_VAST_API tamzo_vast_status tamzo_vast_ad_get_image_ad(tamzo_vast_ad* ad,
                                                             const tamzo_vast_element* node);
 /** The page that plays a JavaScript VPAID ad, which is the caller's, and is stored in vPaidHTML
- *  too. Changes the record: a vPaidHTML that was borrowed before is gone. `options` may be null. */
+ *  too. Changes the record: a vPaidHTML that was borrowed before is gone. `options` may be null.
+ *  TAMZO_VAST_NO_PAGE when the ad has no tag or no template, when the page is too large, when a
+ *  hook fails or when memory runs out while it is made; vPaidHTML keeps its value then. */
 TAMZO_VAST_API tamzo_vast_status tamzo_vast_ad_get_page(tamzo_vast_ad* ad,
                                                         const tamzo_vast_options* options,
                                                         tamzo_vast_string** page);

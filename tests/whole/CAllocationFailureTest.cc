@@ -70,7 +70,9 @@ void useRecord(tamzo_vast_ad* ad) {
   tamzo_vast_string_release(text);
   const tamzo_vast_elements* cards = tamzo_vast_ad_cards(ad);
   if (cards != nullptr && cards->count > 0) {
-    EXPECT_TRUE(isExpected(tamzo_vast_ad_get_image_ad(ad, cards->items[0])));
+    const tamzo_vast_status status = tamzo_vast_ad_get_image_ad(ad, cards->items[0]);
+    EXPECT_TRUE(isExpected(status));
+    EXPECT_EQ(status == TAMZO_VAST_OK, tamzo_vast_ad_iconMap(ad) != nullptr);
     ++imageAds;
   }
   const tamzo_vast_extra_actions* actions = tamzo_vast_ad_extraActions(ad);

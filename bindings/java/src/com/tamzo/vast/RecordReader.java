@@ -176,14 +176,15 @@ final class RecordReader {
     Map<String, List<Tracker>> events = new LinkedHashMap<>();
     for (int index = 0; index < count; ++index) {
       String name = textOrEmpty();
-      List<Tracker> trackers = orEmpty(list(Tracker::new));
-      List<Tracker> before = events.get(name);
-      if (before != null) {
-        List<Tracker> all = new ArrayList<>(before);
-        all.addAll(trackers);
-        trackers = Collections.unmodifiableList(all);
+      List<Tracker> all = events.get(name);
+      if (all == null) {
+        all = new ArrayList<>();
+        events.put(name, all);
       }
-      events.put(name, trackers);
+      all.addAll(orEmpty(list(Tracker::new)));
+    }
+    for (Map.Entry<String, List<Tracker>> event : events.entrySet()) {
+      event.setValue(Collections.unmodifiableList(event.getValue()));
     }
     return Collections.unmodifiableMap(events);
   }
