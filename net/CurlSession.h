@@ -11,7 +11,7 @@
 
 namespace tamzo {
 
-/// Initialises libcurl, once; false when it cannot be.
+/// Initialises libcurl, once; false when it cannot be. May be called from any thread.
 bool initCurlOnce();
 
 /// A client of HTTP for one fetch at a time, on any thread: what it has resolved, its connections
@@ -34,7 +34,8 @@ class CurlSession {
   /// The cookies there are, a line each. The session has none any more. Throws std::bad_alloc.
   std::vector<std::string> takeCookies();
 
-  /// Opens a socket for libcurl, and knows of it until it is closed.
+  /// Opens a socket for libcurl, and knows of it until it is closed; CURL_SOCKET_BAD when there is
+  /// none. Throws std::bad_alloc.
   curl_socket_t open(const curl_sockaddr& address);
   /// Before a connection is used again: one that a network has swallowed since fails soon enough to
   /// be made anew.

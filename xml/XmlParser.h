@@ -12,7 +12,7 @@ namespace tamzo {
 class DDXMLDocument;
 class XmlTree;
 
-/// One parse of one text: what it may take, and what came of it.
+/// One parse of one text: what it may take, and what came of it. Of one thread at a time.
 class XmlParser {
  public:
   /// How many nodes the tree may have (see `nodes`); there is no bound by default.
