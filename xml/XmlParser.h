@@ -48,7 +48,4 @@ class XmlParser {
   XmlError error_;
 };
 
-/// XmlParser::parse without a bound of nodes; `error` may be null.
-std::shared_ptr<const XmlTree> parseXml(const Text& text, XmlError* error);
-
 }  // namespace tamzo
