@@ -70,9 +70,10 @@ class CurlSessionPool {
 
   CurlSessionPool() { idle_.reserve(kMostIdle); }
 
-  /// The session given back last, or a new one. Throws std::bad_alloc.
+  /// The session given back last, or a new one. Closes those that were idle for longer than
+  /// kLongestIdle. Throws std::bad_alloc.
   std::unique_ptr<CurlSession> take(Clock::time_point now = Clock::now());
-  /// Keeps a session for the next take().
+  /// Keeps a session for the next take(). Of more than kMostIdle the oldest is closed.
   void give(std::unique_ptr<CurlSession> session, Clock::time_point now = Clock::now()) noexcept;
   /// Closes what is idle.
   void clear() noexcept;
