@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
+#include "explain/Categories.h"
 #include "explain/Places.h"
 #include "tamzo/vast/ErrorCodes.h"
 #include "xml/XmlParser.h"
@@ -71,18 +71,9 @@ Refusal refusalOf(const Text& text) {
 }
 
 bool isAnyBlocked(const SeenHop& hop) {
-  std::unordered_set<std::string_view> blocked;
-  std::string_view rest = hop.blockedCategories;
-  while (!hop.blockedCategories.isNil()) {
-    const std::size_t comma = rest.find(',');
-    blocked.insert(rest.substr(0, comma));
-    if (comma == std::string_view::npos) {
-      break;
-    }
-    rest.remove_prefix(comma + 1);
-  }
-  for (const DDXMLElement& category : hop.followed.nodesForXPath("Category")) {
-    if (hop.major == 4 && blocked.contains(category.stringValue().view())) {
+  const BlockedEntries blocked(hop.blockedCategories);
+  for (const DDXMLElement& category : comparedCategories(hop)) {
+    if (blocked.placeOf(category.stringValue()) != 0) {
       return true;
     }
   }
@@ -90,10 +81,9 @@ bool isAnyBlocked(const SeenHop& hop) {
 }
 
 bool hasMedia(const SeenHop& hop) {
-  bool isUnit = false;
   for (const DDXMLElement& file : hop.linears.nodesUnderFirst("MediaFiles/MediaFile")) {
-    isUnit = isUnit || mediaUseOf(file) == MediaUse::javaScriptVpaid;
-    if (isUnit || TamzoMediaFile(file).url().hasCharacters()) {
+    if (mediaUseOf(file) == MediaUse::javaScriptVpaid ||
+        TamzoMediaFile(file).url().hasCharacters()) {
       return true;
     }
   }

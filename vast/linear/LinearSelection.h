@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "tamzo/xml/DDXMLElement.h"
+#include "tamzo/xml/NodeList.h"
 
 namespace tamzo {
 
