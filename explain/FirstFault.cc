@@ -127,7 +127,7 @@ class Declaration {
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : text_(text), controlAt_(firstControlCharacter(text)) {
-    at_ = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+    at_ = byteOrderMarkOf(text);
   }
 
   Fault run() {

@@ -57,7 +57,7 @@ inline std::size_t pastRemark(std::string_view text, std::size_t at) noexcept {
 /// Past what may stand in front of the first tag: a byte order mark, white space of any kind,
 /// comments and instructions.
 inline std::size_t pastPreamble(std::string_view text) noexcept {
-  std::size_t at = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+  std::size_t at = byteOrderMarkOf(text);
   while (at < text.size()) {
     const std::size_t blank = whiteSpaceAt(text, at);
     const std::size_t past = blank > 0 ? at + blank : pastRemark(text, at);
