@@ -8,6 +8,7 @@
 #include "explain/Categories.h"
 #include "explain/Places.h"
 #include "tamzo/vast/ErrorCodes.h"
+#include "xml/StartTags.h"
 #include "xml/XmlParser.h"
 
 namespace tamzo::explain {
@@ -110,11 +111,33 @@ Text Chain::textRead(const SeenHop& hop) const {
   return isCleaned(hop) ? cleanUp().cleaned() : hop.document;
 }
 
+std::vector<std::size_t> Chain::startTagsOf(const SeenHop& hop,
+                                            const std::vector<DDXMLElement>& elements) const {
+  if (!hop.parsed) {
+    return std::vector<std::size_t>(elements.size(), std::string_view::npos);
+  }
+  std::vector<std::size_t> places = findStartTags(textRead(hop), *hop.parsed, elements);
+  if (isCleaned(hop)) {
+    for (std::size_t& place : places) {
+      place = cleanUp().toReceived(place);
+    }
+  }
+  return places;
+}
+
 const Refusal& Chain::refusal() const {
   if (!refusal_) {
     refusal_ = refusalOf(last().document);
   }
   return *refusal_;
+}
+
+const Fault* Chain::faultOf(FaultKind kind) const {
+  return errorCode() == kNotXml && refusal().fault.kind == kind ? &refusal().fault : nullptr;
+}
+
+bool Chain::isBrokenByCleanUp() const {
+  return errorCode() == kNotXml && isCleaned(last()) && cleanUp().changes() && refusal().isXml;
 }
 
 bool Chain::wouldPlayWithoutNamespace() const {

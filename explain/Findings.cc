@@ -4,7 +4,6 @@
 #include <tuple>
 
 #include "explain/Places.h"
-#include "xml/StartTags.h"
 
 namespace tamzo::explain {
 namespace {
@@ -65,13 +64,10 @@ void Findings::locateIn(const Chain& chain, const SeenHop& hop) {
       owners.push_back(i);
     }
   }
-  if (hop.parsed && !elements.empty()) {
-    const Text text = chain.textRead(hop);
-    const auto found = findStartTags(text, *hop.parsed, elements);
+  if (!elements.empty()) {
+    const std::vector<std::size_t> found = chain.startTagsOf(hop, elements);
     for (std::size_t i = 0; i < found.size(); ++i) {
-      const bool isFirstHop = Chain::isCleaned(hop);
-      const std::size_t at = isFirstHop ? chain.cleanUp().toReceived(found[i]) : found[i];
-      offsets[owners[i]] = std::min(offsets[owners[i]], at);
+      offsets[owners[i]] = std::min(offsets[owners[i]], found[i]);
     }
   }
   std::vector<std::size_t> known;
