@@ -36,12 +36,12 @@ Draft& Draft::with(std::string_view key, const std::vector<std::int32_t>& number
                   }));
 }
 
-bool Findings::wants(std::optional<std::int32_t> hop) const {
-  const auto count = counts_.find(keyOf(hop));
-  return count == counts_.end() || count->second.kept < kMostOfOne;
+bool Findings::takes(std::optional<std::int32_t> hop) {
+  Count& count = counts_[keyOf(hop)];
+  const bool isTaken = count.kept < kMostOfOne;
+  count.more += isTaken ? 0 : 1;
+  return isTaken;
 }
-
-void Findings::skip(std::optional<std::int32_t> hop) { ++counts_[keyOf(hop)].more; }
 
 Draft& Findings::add(std::optional<std::int32_t> hop) {
   isFound_ = true;

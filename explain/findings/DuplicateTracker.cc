@@ -99,8 +99,7 @@ void findDuplicateTracker(const Chain& chain, Findings& findings) {
     putInDocumentOrder(chain, duplicates);
   }
   for (const Duplicate& duplicate : duplicates) {
-    if (!findings.wants(duplicate.hop)) {
-      findings.skip(duplicate.hop);
+    if (!findings.takes(duplicate.hop)) {
       continue;
     }
     std::vector<std::int32_t> hops;

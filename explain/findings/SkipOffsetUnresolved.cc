@@ -10,8 +10,7 @@ void check(const SeenHop& hop, const DDXMLElement& element, const Text& offset,
   if (!offset.view().ends_with('%')) {
     return;
   }
-  if (!findings.wants(hop.number)) {
-    findings.skip(hop.number);
+  if (!findings.takes(hop.number)) {
     return;
   }
   findings.add(hop.number)
