@@ -123,6 +123,14 @@ std::string shortened(std::string_view text, std::size_t count) {
   return at == text.size() ? shorter : shorter + "\xE2\x80\xA6";
 }
 
+std::size_t byteOf(std::string_view text, std::size_t character) noexcept {
+  std::size_t at = 0;
+  for (; at < text.size() && character > 0; --character) {
+    at += characterAt(text, at).bytes;
+  }
+  return at;
+}
+
 std::size_t utf16Length(std::string_view text) noexcept {
   std::size_t length = 0;
   for (std::size_t at = 0; at < text.size();) {

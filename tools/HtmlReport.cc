@@ -10,6 +10,7 @@
 
 #include "base/Utf8.h"
 #include "base/WhiteSpace.h"
+#include "explain/Places.h"
 #include "explain/Words.h"
 #include "tamzo/base/JsonValue.h"
 #include "tamzo/sdk/TamzoHost.h"
@@ -95,11 +96,8 @@ std::string statusOfHop(const explain::HopReport& hop) {
 
 // The excerpt, with the spot marked.
 std::string markedExcerpt(const explain::Place& place) {
-  std::size_t at = 0;
-  for (std::size_t i = 0; i < place.spot && at < place.excerpt.size(); ++i) {
-    at += characterAt(place.excerpt, at).bytes;
-  }
   const std::string_view text = place.excerpt;
+  const std::size_t at = explain::byteOf(text, place.spot);
   const std::size_t width = at < text.size() ? characterAt(text, at).bytes : 0;
   return htmlText(text.substr(0, at)) + "<mark>" +
          (width == 0 ? "&nbsp;" : htmlText(text.substr(at, width))) + "</mark>" +
@@ -407,9 +405,7 @@ std::string withMark(const Shown& shown, const explain::Place* spot) {
   if (spot->line == 1) {
     at = byteOrderMarkOf(shown.text);
   }
-  for (std::size_t column = 1; column < spot->column && at < shown.text.size(); ++column) {
-    at += characterAt(shown.text, at).bytes;
-  }
+  at += explain::byteOf(shown.text.substr(at), spot->column - 1);
   const std::size_t end = std::min(shown.text.find_first_of(" \t\r\n>", at), at + 40);
   const std::size_t past = std::min(std::max(end, at), shown.text.size());
   const std::string_view marked = shown.text.substr(std::min(at, past), past - std::min(at, past));

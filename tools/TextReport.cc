@@ -9,6 +9,7 @@
 
 #include "base/Utf8.h"
 #include "base/WhiteSpace.h"
+#include "explain/Places.h"
 #include "explain/Words.h"
 #include "tools/Printable.h"
 
@@ -110,7 +111,7 @@ class Report {
 
   /// The line of a document, with a mark under the spot.
   void excerpt(const std::string& label, const explain::Place& place) {
-    const std::size_t at = byteOf(place.excerpt, place.spot);
+    const std::size_t at = explain::byteOf(place.excerpt, place.spot);
     std::string before = shown(std::string_view(place.excerpt).substr(0, at));
     std::string after = shown(std::string_view(place.excerpt).substr(at));
     std::string front = "  " + label;
@@ -134,13 +135,6 @@ class Report {
   std::string take() { return std::move(out_); }
 
  private:
-  static std::size_t byteOf(std::string_view text, std::size_t character) {
-    std::size_t at = 0;
-    for (; at < text.size() && character > 0; --character) {
-      at += characterAt(text, at).bytes;
-    }
-    return at;
-  }
   std::string firstColumns(std::string_view text, std::size_t columns) const {
     std::size_t at = 0;
     while (at < text.size()) {
