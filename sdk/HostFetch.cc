@@ -1,5 +1,6 @@
 #include "sdk/HostFetch.h"
 
+#include <chrono>
 #include <new>
 #include <optional>
 #include <string>
@@ -24,11 +25,15 @@ FetchResult resultOf(const Text& url, std::optional<std::string> body) {
   return result;
 }
 
-FetchFailure whyTooLate(const FetchRequest& request) noexcept {
+// What has failed because the chain was cancelled or has no time left; nullopt where neither is so.
+std::optional<FetchResult> lateFetch(const FetchRequest& request) {
   if (request.cancellation.isCancelled()) {
-    return FetchFailure::cancelled;
+    return failedFetch(request.url, FetchFailure::cancelled);
   }
-  return request.deadline.isPast() ? FetchFailure::timeout : FetchFailure::none;
+  if (request.deadline.isPast()) {
+    return failedFetch(request.url, FetchFailure::timeout, FetchCause::chainTime);
+  }
+  return std::nullopt;
 }
 
 FetchResult askHost(const TamzoHost& host, const FetchRequest& request) {
@@ -48,17 +53,24 @@ FetchResult askHost(const TamzoHost& host, const FetchRequest& request) {
 }  // namespace
 
 FetchResult fetchByHost(const TamzoHost& host, const FetchRequest& request) {
-  FetchFailure late = request.url.isNil() ? FetchFailure::protocol : whyTooLate(request);
-  if (late != FetchFailure::none) {
-    return failedFetch(request.url, late,
-                       late == FetchFailure::timeout ? FetchCause::chainTime : FetchCause::none);
+  using Clock = std::chrono::steady_clock;
+  if (request.url.isNil()) {
+    return failedFetch(request.url, FetchFailure::protocol);
+  }
+  if (std::optional<FetchResult> late = lateFetch(request)) {
+    return *std::move(late);
   }
   if (!host.fetch && !host.readUrl) {
     return TamzoUrlReader::fetch(request);
   }
+  const Clock::time_point begin = Clock::now();
   FetchResult result = askHost(host, request);
-  late = whyTooLate(request);
-  return late == FetchFailure::none ? std::move(result) : failedFetch(request.url, late);
+  if (std::optional<FetchResult> late = lateFetch(request)) {
+    late->milliseconds.total =
+        std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+    return *std::move(late);
+  }
+  return result;
 }
 
 }  // namespace tamzo

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include "tests/support/FetchFixture.h"
 
@@ -73,7 +75,10 @@ TEST_F(HostFetchTest, NobodyIsAskedForWhatIsNoUrlOrTooLate) {
   EXPECT_EQ(fetchByHost(host, requestOf(Text())).failure, FetchFailure::protocol);
   FetchRequest request = requestOf("http://a/");
   request.deadline = Deadline::in(0.0);
-  EXPECT_EQ(fetchByHost(host, request).failure, FetchFailure::timeout);
+  const FetchResult late = fetchByHost(host, request);
+  EXPECT_EQ(late.failure, FetchFailure::timeout);
+  EXPECT_EQ(late.cause, FetchCause::chainTime);
+  EXPECT_EQ(late.milliseconds.total, 0.0) << "nobody was asked";
   request.cancellation = Cancellation();
   request.cancellation.cancel();
   EXPECT_EQ(fetchByHost(host, request).failure, FetchFailure::cancelled);
@@ -90,6 +95,23 @@ TEST_F(HostFetchTest, WhatAReaderBringsTooLateHasFailed) {
   };
   const FetchResult result = fetchByHost(host, request);
   EXPECT_EQ(result.failure, FetchFailure::cancelled);
+  EXPECT_EQ(result.body, std::nullopt);
+}
+
+TEST_F(HostFetchTest, WhatAReaderBringsAfterTheChainsTimeSaysHowLongItTook) {
+  FetchRequest request = requestOf("http://a/");
+  request.deadline = Deadline::in(0.02);
+  TamzoHost host;
+  host.readUrl = [&](const Text&) {
+    while (!request.deadline.isPast()) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return std::optional<std::string>("body");
+  };
+  const FetchResult result = fetchByHost(host, request);
+  EXPECT_EQ(result.failure, FetchFailure::timeout);
+  EXPECT_EQ(result.cause, FetchCause::chainTime);
+  EXPECT_GT(result.milliseconds.total, 0.0);
   EXPECT_EQ(result.body, std::nullopt);
 }
 
