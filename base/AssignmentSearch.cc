@@ -2,14 +2,10 @@
 
 #include <cstring>
 
+#include "base/Ascii.h"
+
 namespace tamzo {
 namespace {
-
-constexpr bool isAscii(char c) noexcept { return (static_cast<unsigned char>(c) & 0x80U) == 0; }
-
-constexpr char lower(char c) noexcept {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
 
 // Bytes of the character at the end of `text` that equals `letter` but for case; 0 when it does
 // not.
@@ -17,7 +13,7 @@ std::size_t matchLastLetter(std::string_view text, char letter) noexcept {
   if (text.empty()) {
     return 0;
   }
-  if (lower(text.back()) == letter) {
+  if (asciiLower(text.back()) == letter) {
     return 1;
   }
   if (letter == 's' && text.ends_with("\xC5\xBF")) {  // U+017F, long s
@@ -29,7 +25,7 @@ std::size_t matchLastLetter(std::string_view text, char letter) noexcept {
 // Where the word begins that ends `text`; npos when another text does.
 std::size_t matchAtEnd(std::string_view text, std::string_view word) noexcept {
   for (; !word.empty(); word.remove_suffix(1)) {
-    const std::size_t length = matchLastLetter(text, lower(word.back()));
+    const std::size_t length = matchLastLetter(text, asciiLower(word.back()));
     if (length == 0) {
       return std::string_view::npos;
     }
@@ -45,7 +41,7 @@ const char* findCandidate(const char* at, const char* end, char letter) noexcept
       letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - ('a' - 'A')) : letter;
   for (; at < end; ++at) {
     at = static_cast<const char*>(std::memchr(at, '=', static_cast<std::size_t>(end - at)));
-    if (at == nullptr || at[-1] == letter || at[-1] == upper || !isAscii(at[-1])) {
+    if (at == nullptr || at[-1] == letter || at[-1] == upper || isBeyondAscii(at[-1])) {
       return at;
     }
   }
@@ -65,7 +61,7 @@ TextMatch findAssignment(std::string_view text, std::string_view word, std::size
   const std::string_view searched = text.substr(from);
   const char* const end = searched.data() + searched.size();
   const char* at = searched.data();
-  while ((at = findCandidate(at + 1, end, lower(word.back()))) != nullptr) {
+  while ((at = findCandidate(at + 1, end, asciiLower(word.back()))) != nullptr) {
     const auto size = static_cast<std::size_t>(at - searched.data());
     const std::size_t begin = matchAtEnd(searched.substr(0, size), word);
     if (begin != std::string_view::npos) {

@@ -7,8 +7,8 @@
 namespace tamzo {
 
 /// A class-level value that a host may set and any thread may read. A reader keeps what it got for
-/// as long as it uses it, even while another thread sets something new; the value of the beginning
-/// goes with the slot. Only `set` takes memory.
+/// as long as it uses it, even while another thread sets something new; only the value that the
+/// slot was made with is gone when the slot is. Only `set` takes memory.
 template <typename T>
 class HookSlot {
  public:

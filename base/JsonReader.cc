@@ -281,7 +281,7 @@ JsonFault readJson(std::string_view text, JsonHandler& handler, JsonProblem* pro
     found = {0, "it is 4 GiB long or longer"};
     return JsonFault::tooLong;
   }
-  const std::size_t begin = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+  const std::size_t begin = byteOrderMarkOf(text);
   text.remove_prefix(begin);
 
   JsonStream stream(text);

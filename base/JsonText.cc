@@ -1,6 +1,5 @@
 #include "base/JsonText.h"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -114,11 +113,13 @@ void appendFixed(std::string& out, std::string_view digits, int exponent) {
   }
 }
 
+// Numbers of a higher or lower exponent are written with it.
+constexpr int kLeastFixed = -4;
+constexpr int kMostFixed = 15;
+
 // The shortest digits that read as that number again.
 template <typename Float>
-void appendFinite(std::string& out, Float number) {
-  constexpr int kLeastFixed = -4;
-  constexpr int kMostFixed = 15;
+void appendFinite(std::string& out, Float number, int mostFixed = kMostFixed) {
   if (number < 0) {
     out += '-';
   }
@@ -129,7 +130,7 @@ void appendFinite(std::string& out, Float number) {
   const std::string_view written(text.data(), static_cast<std::size_t>(end - text.data()));
   const std::size_t mark = written.find('e');
   const int exponent = integerValue(written.substr(mark + 1));
-  if (exponent < kLeastFixed || exponent > kMostFixed) {
+  if (exponent < kLeastFixed || exponent > mostFixed) {
     out += written;
     return;
   }
@@ -149,14 +150,6 @@ void appendFloat(std::string& out, Float number) {
   } else {
     appendFinite(out, number);
   }
-}
-
-// "1234567890123456" as "1.234567890123456e+15".
-void toScientific(std::string& digits) {
-  digits.erase(std::remove(digits.begin(), digits.end(), '.'), digits.end());
-  digits.erase(digits.find_last_not_of('0') + 1);
-  digits.insert(1, digits.size() > 1 ? "." : "");
-  digits += "e+15";
 }
 
 }  // namespace
@@ -191,10 +184,8 @@ void appendJsonNumber(std::string& out, std::uint64_t number) { appendInteger(ou
 
 void appendJsonFraction(std::string& out, double number) {
   std::string text;
-  appendFinite(text, std::abs(number));
-  if (std::abs(number) >= 1e15 && std::abs(number) < 1e16) {
-    toScientific(text);
-  } else if (text.find_first_of(".e") == std::string::npos) {
+  appendFinite(text, std::abs(number), kMostFixed - 1);
+  if (text.find_first_of(".e") == std::string::npos) {
     text += ".0";
   }
   out += std::signbit(number) ? "-" : "";

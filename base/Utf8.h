@@ -10,6 +10,25 @@ inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // UTF-8, as far as the system looks into it. Every function takes any bytes whatever.
 
+/// How many bytes a byte order mark takes at the start of the text; 0 where there is none.
+constexpr std::size_t byteOrderMarkOf(std::string_view text) noexcept {
+  return text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+}
+
+/// False for a byte that goes on with a character.
+constexpr bool startsCharacter(char c) noexcept {
+  return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+}
+
+/// The beginning of a text, of at most so many bytes, that cuts no character in two.
+constexpr std::string_view beginningOf(std::string_view text, std::size_t bytes) noexcept {
+  std::size_t end = bytes < text.size() ? bytes : text.size();
+  while (end < text.size() && end > 0 && !startsCharacter(text[end])) {
+    --end;
+  }
+  return text.substr(0, end);
+}
+
 /// True when the bytes are well-formed UTF-8.
 bool isUtf8(std::string_view bytes) noexcept;
 

@@ -6,6 +6,7 @@
 //                                          each on a connection of its own, for callgrind
 //   tamzo_bench_chains --kept-hops N       the same over one connection
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>

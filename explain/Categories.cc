@@ -1,5 +1,6 @@
 #include "explain/Categories.h"
 
+#include "base/Ascii.h"
 #include "base/WhiteSpace.h"
 
 namespace tamzo::explain {
@@ -13,8 +14,7 @@ std::string bareOf(std::string_view text) {
       at += blank;
       continue;
     }
-    const char c = text[at++];
-    bare += c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+    bare += asciiLower(text[at++]);
   }
   return bare;
 }

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <charconv>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
+#include "explain/Categories.h"
 #include "explain/Places.h"
 #include "tamzo/vast/ErrorCodes.h"
+#include "xml/StartTags.h"
 #include "xml/XmlParser.h"
 
 namespace tamzo::explain {
@@ -71,18 +72,9 @@ Refusal refusalOf(const Text& text) {
 }
 
 bool isAnyBlocked(const SeenHop& hop) {
-  std::unordered_set<std::string_view> blocked;
-  std::string_view rest = hop.blockedCategories;
-  while (!hop.blockedCategories.isNil()) {
-    const std::size_t comma = rest.find(',');
-    blocked.insert(rest.substr(0, comma));
-    if (comma == std::string_view::npos) {
-      break;
-    }
-    rest.remove_prefix(comma + 1);
-  }
-  for (const DDXMLElement& category : hop.followed.nodesForXPath("Category")) {
-    if (hop.major == 4 && blocked.contains(category.stringValue().view())) {
+  const BlockedEntries blocked(hop.blockedCategories);
+  for (const DDXMLElement& category : comparedCategories(hop)) {
+    if (blocked.placeOf(category.stringValue()) != 0) {
       return true;
     }
   }
@@ -90,10 +82,9 @@ bool isAnyBlocked(const SeenHop& hop) {
 }
 
 bool hasMedia(const SeenHop& hop) {
-  bool isUnit = false;
   for (const DDXMLElement& file : hop.linears.nodesUnderFirst("MediaFiles/MediaFile")) {
-    isUnit = isUnit || mediaUseOf(file) == MediaUse::javaScriptVpaid;
-    if (isUnit || TamzoMediaFile(file).url().hasCharacters()) {
+    if (mediaUseOf(file) == MediaUse::javaScriptVpaid ||
+        TamzoMediaFile(file).url().hasCharacters()) {
       return true;
     }
   }
@@ -120,11 +111,33 @@ Text Chain::textRead(const SeenHop& hop) const {
   return isCleaned(hop) ? cleanUp().cleaned() : hop.document;
 }
 
+std::vector<std::size_t> Chain::startTagsOf(const SeenHop& hop,
+                                            const std::vector<DDXMLElement>& elements) const {
+  if (!hop.parsed) {
+    return std::vector<std::size_t>(elements.size(), std::string_view::npos);
+  }
+  std::vector<std::size_t> places = findStartTags(textRead(hop), *hop.parsed, elements);
+  if (isCleaned(hop)) {
+    for (std::size_t& place : places) {
+      place = cleanUp().toReceived(place);
+    }
+  }
+  return places;
+}
+
 const Refusal& Chain::refusal() const {
   if (!refusal_) {
     refusal_ = refusalOf(last().document);
   }
   return *refusal_;
+}
+
+const Fault* Chain::faultOf(FaultKind kind) const {
+  return errorCode() == kNotXml && refusal().fault.kind == kind ? &refusal().fault : nullptr;
+}
+
+bool Chain::isBrokenByCleanUp() const {
+  return errorCode() == kNotXml && isCleaned(last()) && cleanUp().changes() && refusal().isXml;
 }
 
 bool Chain::wouldPlayWithoutNamespace() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -45,8 +46,17 @@ class Chain {
   /// The text that the parser read.
   Text textRead(const SeenHop& hop) const;
 
+  /// Where the "<" of each element of that hop stands in the document as it was received; npos for
+  /// a nil element, for one that an entity brought, and for all of a document that was not parsed.
+  std::vector<std::size_t> startTagsOf(const SeenHop& hop,
+                                       const std::vector<DDXMLElement>& elements) const;
+
   /// Of the last hop, whose text as it was read is no XML.
   const Refusal& refusal() const;
+  /// The fault for which the last hop's text was refused, where it is of that kind; null otherwise.
+  const Fault* faultOf(FaultKind kind) const;
+  /// True when the last hop's text was XML before the clean-up, and is none any more.
+  bool isBrokenByCleanUp() const;
 
   /// True when a parse without the default namespaces of the response ends with an ad that plays.
   /// Asks no server, and nothing of the app's state is changed.

@@ -117,28 +117,27 @@ CollapseFault CleanUp::findFault() const {
   using Kind = MarkupPiece::Kind;
   CollapseFault fault;
   bool isFound = false;
-  visitPieces(
-      [&](const Collapse& collapse, const MarkupPiece& piece, [[maybe_unused]] const TagText& tag) {
-        const bool tookEnd = collapse.end >= piece.end;
-        Effect effect = tookEnd ? Effect::brokeMarkup : Effect::harmless;
-        if (piece.kind == Kind::startTag) {
-          effect = tookEnd ? Effect::tookTagEnd : effectOf(collapse, tag);
-        } else if (piece.kind == Kind::text) {
-          effect = collapse.end > piece.end ? Effect::brokeMarkup : Effect::harmless;
-        }
-        if (effect == Effect::harmless) {
-          return true;
-        }
-        isFound = true;
-        fault.at = collapse.begin;
-        fault.tookTagEnd = effect == Effect::tookTagEnd;
-        if (fault.tookTagEnd) {
-          const std::string_view rest = cleaned_.view().substr(toCleaned(piece.begin));
-          const std::size_t end = std::min(rest.find('>'), rest.size() - 1) + 1;
-          fault.read = rest.substr(0, std::min(end, kLongestTag));
-        }
-        return false;
-      });
+  visitPieces([&](const Collapse& collapse, const MarkupPiece& piece, const TagText& tag) {
+    const bool tookEnd = collapse.end >= piece.end;
+    Effect effect = tookEnd ? Effect::brokeMarkup : Effect::harmless;
+    if (piece.kind == Kind::startTag) {
+      effect = tookEnd ? Effect::tookTagEnd : effectOf(collapse, tag);
+    } else if (piece.kind == Kind::text) {
+      effect = collapse.end > piece.end ? Effect::brokeMarkup : Effect::harmless;
+    }
+    if (effect == Effect::harmless) {
+      return true;
+    }
+    isFound = true;
+    fault.at = collapse.begin;
+    fault.tookTagEnd = effect == Effect::tookTagEnd;
+    if (fault.tookTagEnd) {
+      const std::string_view rest = cleaned_.view().substr(toCleaned(piece.begin));
+      const std::size_t end = std::min(rest.find('>'), rest.size() - 1) + 1;
+      fault.read = rest.substr(0, std::min(end, kLongestTag));
+    }
+    return false;
+  });
   if (!isFound && changes()) {
     fault.at = collapses_.front().begin;
   }
@@ -146,8 +145,7 @@ CollapseFault CleanUp::findFault() const {
 }
 
 // The attributes of a received tag that the tag as read has not, `xmlns` aside.
-std::vector<std::string> CleanUp::takenFrom(std::size_t tagAt) const {
-  const TagText before = readTag(received_, tagAt);
+std::vector<std::string> CleanUp::takenFrom(const TagText& before, std::size_t tagAt) const {
   const TagText after = readTag(cleaned_, toCleaned(tagAt));
   std::unordered_set<std::string_view> kept;
   for (const AttributeText& attribute : after.attributes) {
@@ -166,40 +164,40 @@ std::optional<TakenAttributes> CleanUp::findTaken() const {
   TakenAttributes taken;
   std::unordered_set<std::string> known;
   std::size_t lastTag = std::string_view::npos;
-  visitPieces(
-      [&](const Collapse& collapse, const MarkupPiece& piece, [[maybe_unused]] const TagText& tag) {
-        if (piece.kind == MarkupPiece::Kind::startTag && piece.begin != lastTag) {
-          lastTag = piece.begin;
-          for (std::string& name : takenFrom(piece.begin)) {
-            if (known.insert(name).second) {
-              taken.at = taken.names.empty() ? collapse.begin : taken.at;
-              taken.names.push_back(std::move(name));
-            }
-          }
+  visitPieces([&](const Collapse& collapse, const MarkupPiece& piece, const TagText& tag) {
+    if (piece.kind == MarkupPiece::Kind::startTag && piece.begin != lastTag) {
+      lastTag = piece.begin;
+      for (std::string& name : takenFrom(tag, piece.begin)) {
+        if (known.insert(name).second) {
+          taken.at = taken.names.empty() ? collapse.begin : taken.at;
+          taken.names.push_back(std::move(name));
         }
-        return true;
-      });
+      }
+    }
+    return true;
+  });
   return taken.names.empty() ? std::nullopt : std::optional(std::move(taken));
 }
 
-bool CleanUp::tookVersion(std::size_t& at) const {
+std::optional<std::size_t> CleanUp::findVersionTaken() const {
   const std::size_t root = findRoot(received_);
   if (root == std::string_view::npos || !changes()) {
-    return false;
+    return std::nullopt;
   }
   const TagText before = readTag(received_, root);
   const AttributeText* version = findAttribute(before, "version");
   const TagText after = readTag(cleaned_, toCleaned(root));
   if (version == nullptr || version->value.empty() || findAttribute(after, "version") != nullptr) {
-    return false;
+    return std::nullopt;
   }
   // The last one before the attribute took it.
+  std::size_t at = 0;
   for (const Collapse& collapse : collapses_) {
     if (collapse.begin >= root && collapse.begin < version->nameAt) {
       at = collapse.begin;
     }
   }
-  return true;
+  return at;
 }
 
 std::string CleanUp::withoutDefaultNamespaces() const {
@@ -207,20 +205,19 @@ std::string CleanUp::withoutDefaultNamespaces() const {
   std::string without;
   without.reserve(text.size());
   std::size_t copied = 0;
-  visitPieces(
-      [&](const Collapse& collapse, const MarkupPiece& piece, [[maybe_unused]] const TagText& tag) {
-        if (piece.kind != MarkupPiece::Kind::startTag || collapse.begin < copied) {
-          return true;
-        }
-        const auto found = std::lower_bound(
-            tag.attributes.begin(), tag.attributes.end(), collapse.begin,
-            [](const AttributeText& attribute, std::size_t at) { return attribute.nameAt < at; });
-        if (found != tag.attributes.end() && found->nameAt == collapse.begin) {
-          without += text.substr(copied, found->nameAt - copied);
-          copied = found->end;
-        }
-        return true;
-      });
+  visitPieces([&](const Collapse& collapse, const MarkupPiece& piece, const TagText& tag) {
+    if (piece.kind != MarkupPiece::Kind::startTag || collapse.begin < copied) {
+      return true;
+    }
+    const auto found = std::lower_bound(
+        tag.attributes.begin(), tag.attributes.end(), collapse.begin,
+        [](const AttributeText& attribute, std::size_t at) { return attribute.nameAt < at; });
+    if (found != tag.attributes.end() && found->nameAt == collapse.begin) {
+      without += text.substr(copied, found->nameAt - copied);
+      copied = found->end;
+    }
+    return true;
+  });
   without += text.substr(copied);
   return without;
 }

@@ -45,9 +45,9 @@ class CleanUp {
   /// Of a cleaned text that is XML; nothing where none were taken. Names stand once each.
   std::optional<TakenAttributes> findTaken() const;
 
-  /// True when the root lost its attribute `version`. Where the `xmlns` stands that took it is
-  /// `at`.
-  bool tookVersion(std::size_t& at) const;
+  /// Where the `xmlns` stands that took the root's attribute `version`; nothing when the root has
+  /// none, or still has it.
+  std::optional<std::size_t> findVersionTaken() const;
 
   /// The received text without attributes named `xmlns`.
   std::string withoutDefaultNamespaces() const;
@@ -57,7 +57,7 @@ class CleanUp {
 
   std::size_t toCleaned(std::size_t receivedAt) const noexcept;
   Effect effectOf(const Collapse& collapse, const TagText& tag) const;
-  std::vector<std::string> takenFrom(std::size_t tagAt) const;
+  std::vector<std::string> takenFrom(const TagText& before, std::size_t tagAt) const;
   template <typename Visit>
   void visitPieces(Visit visit) const;
 

@@ -46,25 +46,20 @@ FetchResult withoutBody(const FetchResult& fetch) {
   return copy;
 }
 
+Text trimmed(const Text& text) { return text.isNil() ? text : text.part(trimWhiteSpace(text)); }
+
 // The text of the first such child, trimmed; nil where there is none.
 Text trimmedChild(const DDXMLElement& element, const XPath& path) {
-  const Text text = element.firstNodeForXPath(path).stringValue();
-  return text.isNil() ? text : text.part(trimWhiteSpace(text));
+  return trimmed(element.firstNodeForXPath(path).stringValue());
 }
-
-Text trimmed(const Text& text) { return text.isNil() ? text : text.part(trimWhiteSpace(text)); }
 
 void countElements(const SeenHop& hop, HopReport& report) {
   report.ads = hop.ads.size();
   for (const DDXMLElement& ad : hop.ads) {
-    for (const DDXMLElement& inside : ad.nodesForXPath("Wrapper")) {
-      report.creatives += inside.nodesForXPath("Creatives/Creative").size();
-      report.linears += inside.nodesForXPath("Creatives/Creative/Linear").size();
-    }
-    for (const DDXMLElement& inside : ad.nodesForXPath("InLine")) {
-      report.creatives += inside.nodesForXPath("Creatives/Creative").size();
-      report.linears += inside.nodesForXPath("Creatives/Creative/Linear").size();
-    }
+    report.creatives += ad.nodesForXPath("Wrapper/Creatives/Creative").size() +
+                        ad.nodesForXPath("InLine/Creatives/Creative").size();
+    report.linears += ad.nodesForXPath("Wrapper/Creatives/Creative/Linear").size() +
+                      ad.nodesForXPath("InLine/Creatives/Creative/Linear").size();
   }
   report.icons = hop.linears.nodesUnderFirst("Icons/Icon").size();
   report.errorUrls = hop.followed.nodesForXPath("Error").size();

@@ -1,5 +1,7 @@
 #include "explain/Explanation.h"
 
+#include <algorithm>
+
 namespace tamzo::explain {
 
 std::string_view nameOf(Severity severity) noexcept {
@@ -50,6 +52,12 @@ const Finding* errorOf(const Explanation& explanation) noexcept {
   const bool hasError =
       !explanation.findings.empty() && explanation.findings.front().severity == Severity::error;
   return hasError ? &explanation.findings.front() : nullptr;
+}
+
+std::string_view detailOf(const Finding& finding, std::string_view key) noexcept {
+  const auto found = std::find_if(finding.details.begin(), finding.details.end(),
+                                  [key](const Detail& detail) { return detail.key == key; });
+  return found == finding.details.end() ? std::string_view() : found->json;
 }
 
 }  // namespace tamzo::explain

@@ -111,4 +111,7 @@ std::string_view nameOf(HopSource source) noexcept;
 /// The finding that says why there is no ad; null when there is one.
 const Finding* errorOf(const Explanation& explanation) noexcept;
 
+/// A detail of a finding, as JSON text; "" where it has none of that key.
+std::string_view detailOf(const Finding& finding, std::string_view key) noexcept;
+
 }  // namespace tamzo::explain

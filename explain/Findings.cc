@@ -4,7 +4,6 @@
 #include <tuple>
 
 #include "explain/Places.h"
-#include "xml/StartTags.h"
 
 namespace tamzo::explain {
 namespace {
@@ -37,12 +36,12 @@ Draft& Draft::with(std::string_view key, const std::vector<std::int32_t>& number
                   }));
 }
 
-bool Findings::wants(std::optional<std::int32_t> hop) const {
-  const auto count = counts_.find(keyOf(hop));
-  return count == counts_.end() || count->second.kept < kMostOfOne;
+bool Findings::takes(std::optional<std::int32_t> hop) {
+  Count& count = counts_[keyOf(hop)];
+  const bool isTaken = count.kept < kMostOfOne;
+  count.more += isTaken ? 0 : 1;
+  return isTaken;
 }
-
-void Findings::skip(std::optional<std::int32_t> hop) { ++counts_[keyOf(hop)].more; }
 
 Draft& Findings::add(std::optional<std::int32_t> hop) {
   isFound_ = true;
@@ -65,13 +64,10 @@ void Findings::locateIn(const Chain& chain, const SeenHop& hop) {
       owners.push_back(i);
     }
   }
-  if (hop.parsed && !elements.empty()) {
-    const Text text = chain.textRead(hop);
-    const auto found = findStartTags(text, *hop.parsed, elements);
+  if (!elements.empty()) {
+    const std::vector<std::size_t> found = chain.startTagsOf(hop, elements);
     for (std::size_t i = 0; i < found.size(); ++i) {
-      const bool isFirstHop = Chain::isCleaned(hop);
-      const std::size_t at = isFirstHop ? chain.cleanUp().toReceived(found[i]) : found[i];
-      offsets[owners[i]] = std::min(offsets[owners[i]], at);
+      offsets[owners[i]] = std::min(offsets[owners[i]], found[i]);
     }
   }
   std::vector<std::size_t> known;

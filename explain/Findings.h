@@ -88,11 +88,10 @@ class Findings {
   }
   bool isFound() const noexcept { return isFound_; }
 
-  /// True when one more of this kind would be kept. Where it is false, `add` need not be called
-  /// with a message that costs something to make: `skip` counts it.
-  bool wants(std::optional<std::int32_t> hop) const;
-  void skip(std::optional<std::int32_t> hop);
-  /// A new finding, until the next is added. Only where wants() is true.
+  /// True when one more of this kind is kept; otherwise it is counted here, and must not be added.
+  /// To be asked before each of a kind that can come more than kMostOfOne times.
+  bool takes(std::optional<std::int32_t> hop);
+  /// A new finding, until the next is added.
   Draft& add(std::optional<std::int32_t> hop);
 
   /// All of them, in their order, each at its place.

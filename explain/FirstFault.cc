@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::size_t kNowhere = std::string_view::npos;
 
-bool isBlank(char c) noexcept { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 bool beginsName(char c) noexcept {
   return isAsciiLetter(c) || c == '_' || c == ':' || isBeyondAscii(c);
 }
@@ -42,7 +41,7 @@ std::size_t firstControlCharacter(std::string_view text) noexcept {
 }
 
 bool isDeclaration(std::string_view text) noexcept {
-  return text.starts_with("<?xml") && text.size() > 5 && isBlank(text[5]);
+  return text.starts_with("<?xml") && text.size() > 5 && isXmlBlank(text[5]);
 }
 
 // What to do about a fault that has no finding of its own.
@@ -95,7 +94,7 @@ class Declaration {
 
   bool skipBlanks() noexcept {
     const std::size_t size = rest_.size();
-    while (!rest_.empty() && isBlank(rest_.front())) {
+    while (!rest_.empty() && isXmlBlank(rest_.front())) {
       rest_.remove_prefix(1);
     }
     return rest_.size() < size;
@@ -128,7 +127,7 @@ class Declaration {
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : text_(text), controlAt_(firstControlCharacter(text)) {
-    at_ = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+    at_ = byteOrderMarkOf(text);
   }
 
   Fault run() {
@@ -177,7 +176,7 @@ class Scanner {
   }
 
   void skipBlanks() noexcept {
-    while (!atEnd() && isBlank(peek())) {
+    while (!atEnd() && isXmlBlank(peek())) {
       ++at_;
     }
   }

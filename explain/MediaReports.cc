@@ -5,7 +5,6 @@
 #include "explain/Places.h"
 #include "explain/Words.h"
 #include "tamzo/vast/ErrorCodes.h"
-#include "xml/StartTags.h"
 
 namespace tamzo::explain {
 namespace {
@@ -87,13 +86,7 @@ class MediaReporter {
   }
 
   void addLines() {
-    std::vector<std::size_t> offsets =
-        findStartTags(chain_.textRead(hop_), *hop_.parsed, elements_);
-    if (Chain::isCleaned(hop_)) {
-      for (std::size_t& offset : offsets) {
-        offset = chain_.cleanUp().toReceived(offset);
-      }
-    }
+    const std::vector<std::size_t> offsets = chain_.startTagsOf(hop_, elements_);
     const std::vector<std::size_t> lines = linesOf(hop_.document, offsets);
     for (std::size_t i = 0; i < offsets.size(); ++i) {
       if (offsets[i] != std::string_view::npos) {

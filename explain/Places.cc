@@ -1,7 +1,6 @@
 #include "explain/Places.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <numeric>
 
 #include "base/Utf8.h"
@@ -10,8 +9,6 @@ namespace tamzo::explain {
 namespace {
 
 constexpr std::size_t kExcerptLength = 160;
-
-bool startsCharacter(char c) noexcept { return (static_cast<std::uint8_t>(c) & 0xC0U) != 0x80U; }
 
 std::size_t countCharacters(std::string_view text) noexcept {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), startsCharacter));
@@ -43,11 +40,8 @@ std::size_t backward(std::string_view text, std::size_t at, std::size_t count,
 // Goes over a text once, for offsets in ascending order.
 class Walk {
  public:
-  explicit Walk(std::string_view text) noexcept : text_(text) {
-    if (text.starts_with(kByteOrderMark)) {
-      at_ = lineBegin_ = kByteOrderMark.size();
-    }
-  }
+  explicit Walk(std::string_view text) noexcept
+      : text_(text), at_(byteOrderMarkOf(text)), lineBegin_(at_) {}
 
   void goTo(std::size_t offset) noexcept {
     offset = std::min(offset, text_.size());
@@ -86,8 +80,8 @@ class Walk {
 
  private:
   std::string_view text_;
-  std::size_t at_ = 0;
-  std::size_t lineBegin_ = 0;
+  std::size_t at_;
+  std::size_t lineBegin_;
   std::size_t line_ = 1;
   std::size_t column_ = 1;
 };
@@ -127,6 +121,14 @@ std::string shortened(std::string_view text, std::size_t count) {
   }
   std::string shorter(text.substr(0, at));
   return at == text.size() ? shorter : shorter + "\xE2\x80\xA6";
+}
+
+std::size_t byteOf(std::string_view text, std::size_t character) noexcept {
+  std::size_t at = 0;
+  for (; at < text.size() && character > 0; --character) {
+    at += characterAt(text, at).bytes;
+  }
+  return at;
 }
 
 std::size_t utf16Length(std::string_view text) noexcept {

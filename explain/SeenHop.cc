@@ -5,11 +5,6 @@
 namespace tamzo::explain {
 namespace {
 
-NodeList filesOf(const NodeList& linears) {
-  NodeList files = linears.nodesUnderFirst("MediaFiles/MediaFile");
-  return files.empty() ? linears.nodesUnderFirst("MediaFiles/InteractiveCreativeFile") : files;
-}
-
 DDXMLElement firstWithoutEvent(const NodeList& trackings) {
   for (const DDXMLElement& tracking : trackings) {
     if (!tracking.attributeForName("event")) {
@@ -30,6 +25,13 @@ void findFollowed(SeenHop& hop) {
     }
     ++hop.followedIndex;
   }
+}
+
+// True when the parser got as far as trackers and extensions: an InLine without a Linear to play
+// ends it before.
+bool isPastLinear(const SeenHop& hop) {
+  return hop.isRead() &&
+         (hop.kind == AdKind::wrapper || (!hop.linears.empty() && isUsable(hop.linears.at(0))));
 }
 
 }  // namespace
@@ -57,18 +59,8 @@ void inspect(SeenHop& hop) {
   }
 }
 
-MediaUse mediaUseOf(const DDXMLElement& file) {
-  const Text type = file.attributeValue("type");
-  if (type.view() == "video/mp4" || type.view() == "video/x-mp4") {
-    return MediaUse::video;
-  }
-  const bool isVpaid = type.view() == "application/javascript" &&
-                       file.attributeValue("apiFramework").view() == "VPAID";
-  return isVpaid ? MediaUse::javaScriptVpaid : MediaUse::unusable;
-}
-
 bool isUsable(const DDXMLElement& linear) {
-  for (const DDXMLElement& file : filesOf(NodeList::of(linear))) {
+  for (const DDXMLElement& file : decidingFilesOf(NodeList::of(linear))) {
     if (mediaUseOf(file) != MediaUse::unusable) {
       return true;
     }
@@ -77,30 +69,25 @@ bool isUsable(const DDXMLElement& linear) {
 }
 
 DDXMLElement findTrackingWithoutEvent(const SeenHop& hop) {
-  if (!hop.isRead()) {
+  if (!isPastLinear(hop)) {
     return {};
   }
-  if (hop.kind == AdKind::wrapper || (!hop.linears.empty() && isUsable(hop.linears.at(0)))) {
-    if (auto found = firstWithoutEvent(hop.linears.nodesUnderFirst("TrackingEvents/Tracking"))) {
-      return found;
-    }
-    if (hop.major == 4) {
-      return firstWithoutEvent(
-          hop.followed.nodesForXPath("Extensions/Extension/Tamzo/ExtraTrackingEvents/Tracking"));
-    }
+  if (auto found = firstWithoutEvent(hop.linears.nodesUnderFirst("TrackingEvents/Tracking"))) {
+    return found;
   }
-  return {};
+  return hop.major != 4 ? DDXMLElement()
+                        : firstWithoutEvent(hop.followed.nodesForXPath(
+                              "Extensions/Extension/Tamzo/ExtraTrackingEvents/Tracking"));
 }
 
 std::vector<DDXMLElement> vendorBlocksOf(const SeenHop& hop) {
   std::vector<DDXMLElement> blocks;
-  const bool isReached = hop.isRead() && (hop.kind == AdKind::wrapper ||
-                                          (!hop.linears.empty() && isUsable(hop.linears.at(0))));
-  if (isReached) {
-    for (const DDXMLElement& extension : hop.followed.nodesForXPath("Extensions/Extension")) {
-      if (auto block = extension.firstNodeForXPath("Tamzo")) {
-        blocks.push_back(std::move(block));
-      }
+  if (!isPastLinear(hop)) {
+    return blocks;
+  }
+  for (const DDXMLElement& extension : hop.followed.nodesForXPath("Extensions/Extension")) {
+    if (auto block = extension.firstNodeForXPath("Tamzo")) {
+      blocks.push_back(std::move(block));
     }
   }
   return blocks;

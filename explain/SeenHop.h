@@ -9,6 +9,7 @@
 #include "explain/TrackerTally.h"
 #include "tamzo/vast/ParseOptions.h"
 #include "tamzo/vast/TamzoVastAd.h"
+#include "vast/linear/LinearSelection.h"
 
 namespace tamzo::explain {
 
@@ -43,10 +44,6 @@ struct SeenHop {
 
 /// Fills in what the document holds.
 void inspect(SeenHop& hop);
-
-/// How the parser looks at the type of a MediaFile or InteractiveCreativeFile.
-enum class MediaUse : std::uint8_t { unusable, video, javaScriptVpaid };
-MediaUse mediaUseOf(const DDXMLElement& file);
 
 /// The first Tracking element without an event name that the parser meets in the document; nil when
 /// there is none.

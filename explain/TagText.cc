@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/Ascii.h"
+#include "xml/Markup.h"
 #include "xml/StartTags.h"
 
 namespace tamzo::explain {
@@ -79,7 +80,7 @@ TagText readTag(std::string_view text, std::size_t at) {
   tag.name = text.substr(at + 1, end - at - 1);
   at = end;
   while (at < text.size() && text[at] != '>') {
-    if (kBlanks.find(text[at]) != std::string_view::npos || text[at] == '/') {
+    if (isXmlBlank(text[at]) || text[at] == '/') {
       ++at;
       continue;
     }
@@ -106,16 +107,7 @@ TagText readTag(std::string_view text, std::size_t at) {
   return tag;
 }
 
-std::size_t findRoot(std::string_view text) noexcept {
-  for (std::size_t at = 0; at < text.size();) {
-    const MarkupPiece piece = markupPieceAt(text, at);
-    if (piece.kind == MarkupPiece::Kind::startTag) {
-      return at;
-    }
-    at = piece.end;
-  }
-  return std::string_view::npos;
-}
+std::size_t findRoot(std::string_view text) noexcept { return findStartTag(text, 0); }
 
 const AttributeText* findAttribute(const TagText& tag, std::string_view name) noexcept {
   const auto found = std::find_if(tag.attributes.begin(), tag.attributes.end(),

@@ -29,7 +29,7 @@ TagText readTag(std::string_view text, std::size_t at);
 /// Where the "<" of the root's start tag stands; npos in a text that has none.
 std::size_t findRoot(std::string_view text) noexcept;
 
-/// The value of the attribute; nothing when there is none.
+/// The first attribute of that name; null when there is none.
 const AttributeText* findAttribute(const TagText& tag, std::string_view name) noexcept;
 
 /// A value as it is meant: references to characters and to the five entities of XML resolved.

@@ -40,6 +40,39 @@ std::string hostInWords(std::string_view url) {
   return host.empty() ? "the server" : shortened(host, kLongestValue);
 }
 
+std::string_view originOf(const HopReport& hop) noexcept {
+  const std::string_view host = hostOf(hop.url);
+  return host.empty() ? nameOf(hop.source) : host;
+}
+
+std::string_view inWords(AdKind kind) noexcept {
+  switch (kind) {
+    case AdKind::wrapper:
+      return "Wrapper";
+    case AdKind::inLine:
+      return "InLine";
+    default:
+      return "no ad";
+  }
+}
+
+std::string verdictInWords(const Explanation& explanation) {
+  switch (explanation.verdict) {
+    case Verdict::playable:
+      return "OK";
+    case Verdict::failed:
+      return fmt::format("FAILED {}", explanation.errorCode);
+    default:
+      return "NO AD, code 0";
+  }
+}
+
+std::string statusInWords(const FetchResult& fetch) {
+  const std::string_view failure = fetchFailureName(fetch.failure);
+  const std::string status = fetch.status == 0 ? "" : std::to_string(fetch.status);
+  return fmt::format("{}{}{}", status, status.empty() || failure.empty() ? "" : " ", failure);
+}
+
 std::string inSeconds(double milliseconds) {
   return milliseconds < 1000.0 ? fmt::format("{:.0f} ms", milliseconds)
                                : fmt::format("{:.1f} s", milliseconds / 1000.0);

@@ -11,6 +11,7 @@
 #include "net/CurlSession.h"
 #include "net/CurlTransfer.h"
 #include "net/CurlUrl.h"
+#include "net/FailedFetch.h"
 #include "net/FetchAnswer.h"
 
 namespace tamzo {
@@ -180,30 +181,21 @@ void Fetch::takeCookies() {
   }
 }
 
-FetchResult failedBefore(const FetchRequest& request, FetchFailure failure,
-                         FetchCause cause = FetchCause::none) {
-  FetchResult result;
-  result.finalUrl = request.url.view();
-  result.failure = failure;
-  result.cause = cause;
-  return result;
-}
-
 }  // namespace
 
 FetchResult fetchWithCurl(const FetchRequest& request) {
   const std::string text(request.url.view());
   if (!hasHttpScheme(text)) {
-    return failedBefore(request, FetchFailure::protocol);
+    return failedFetch(request.url, FetchFailure::protocol);
   }
   if (!whyRefused(request.options).empty()) {
-    return failedBefore(request, FetchFailure::other, FetchCause::options);
+    return failedFetch(request.url, FetchFailure::other, FetchCause::options);
   }
   if (!initCurlOnce()) {
-    return failedBefore(request, FetchFailure::other);
+    return failedFetch(request.url, FetchFailure::other);
   }
   const auto url = CurlUrl::parse(text);
-  return url ? Fetch(request, *url).run() : failedBefore(request, FetchFailure::protocol);
+  return url ? Fetch(request, *url).run() : failedFetch(request.url, FetchFailure::protocol);
 }
 
 void closeIdleCurlConnections() noexcept { CurlSessionPool::ofProcess().clear(); }

@@ -4,7 +4,8 @@
 
 namespace tamzo {
 
-/// The default reader. Compiled without libcurl every fetch fails as `other`.
+/// The default reader, on any thread. Compiled without libcurl every fetch fails as `other`. Throws
+/// std::bad_alloc.
 FetchResult fetchWithCurl(const FetchRequest& request);
 
 /// Closes the connections that no fetch is using.

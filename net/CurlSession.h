@@ -11,7 +11,7 @@
 
 namespace tamzo {
 
-/// Initialises libcurl, once; false when it cannot be.
+/// Initialises libcurl, once; false when it cannot be. May be called from any thread.
 bool initCurlOnce();
 
 /// A client of HTTP for one fetch at a time, on any thread: what it has resolved, its connections
@@ -34,7 +34,8 @@ class CurlSession {
   /// The cookies there are, a line each. The session has none any more. Throws std::bad_alloc.
   std::vector<std::string> takeCookies();
 
-  /// Opens a socket for libcurl, and knows of it until it is closed.
+  /// Opens a socket for libcurl, and knows of it until it is closed; CURL_SOCKET_BAD when there is
+  /// none. Throws std::bad_alloc.
   curl_socket_t open(const curl_sockaddr& address);
   /// Before a connection is used again: one that a network has swallowed since fails soon enough to
   /// be made anew.
@@ -69,9 +70,10 @@ class CurlSessionPool {
 
   CurlSessionPool() { idle_.reserve(kMostIdle); }
 
-  /// The session given back last, or a new one. Throws std::bad_alloc.
+  /// The session given back last, or a new one. Closes those that were idle for longer than
+  /// kLongestIdle. Throws std::bad_alloc.
   std::unique_ptr<CurlSession> take(Clock::time_point now = Clock::now());
-  /// Keeps a session for the next take().
+  /// Keeps a session for the next take(). Of more than kMostIdle the oldest is closed.
   void give(std::unique_ptr<CurlSession> session, Clock::time_point now = Clock::now()) noexcept;
   /// Closes what is idle.
   void clear() noexcept;

@@ -342,26 +342,23 @@ void CurlTransfer::addTimes(FetchTimes& times, double before) const noexcept {
 
 // ---- Called by libcurl ---------------------------------------------------------------------
 
-std::size_t CurlTransfer::onBody(const char* bytes, std::size_t, std::size_t size,
-                                 void* self) noexcept {
-  auto& transfer = *static_cast<CurlTransfer*>(self);
+std::size_t CurlTransfer::handOver(Take take, std::string_view bytes) noexcept {
   try {
-    return transfer.answer_.takeBody({bytes, size}) ? size : kGiveUp;
+    return (answer_.*take)(bytes) ? bytes.size() : kGiveUp;
   } catch (const std::bad_alloc&) {
-    transfer.ranOutOfMemory_ = true;
+    ranOutOfMemory_ = true;
     return kGiveUp;
   }
 }
 
+std::size_t CurlTransfer::onBody(const char* bytes, std::size_t, std::size_t size,
+                                 void* self) noexcept {
+  return static_cast<CurlTransfer*>(self)->handOver(&FetchAnswer::takeBody, {bytes, size});
+}
+
 std::size_t CurlTransfer::onHeader(const char* line, std::size_t, std::size_t size,
                                    void* self) noexcept {
-  auto& transfer = *static_cast<CurlTransfer*>(self);
-  try {
-    return transfer.answer_.takeHeader({line, size}) ? size : kGiveUp;
-  } catch (const std::bad_alloc&) {
-    transfer.ranOutOfMemory_ = true;
-    return kGiveUp;
-  }
+  return static_cast<CurlTransfer*>(self)->handOver(&FetchAnswer::takeHeader, {line, size});
 }
 
 curl_socket_t CurlTransfer::onOpen(void* self, curlsocktype, curl_sockaddr* address) noexcept {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "net/CurlSession.h"
 #include "net/CurlUrl.h"
@@ -41,6 +42,7 @@ class CurlTransfer {
   FetchAnswer& answer() noexcept { return answer_; }
   /// HTTP's; 0 without an answer.
   int status() const noexcept;
+  /// As the answer says it; nothing where it does not. Throws std::bad_alloc.
   std::optional<std::string> contentType() const;
   /// True when a connection had to be made.
   bool hasConnected() const noexcept { return hasOpened_; }
@@ -49,6 +51,7 @@ class CurlTransfer {
 
  private:
   using Clock = std::chrono::steady_clock;
+  using Take = bool (FetchAnswer::*)(std::string_view bytes);
   struct FreeList {
     void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
   };
@@ -67,6 +70,7 @@ class CurlTransfer {
   FetchFailure failureOf(CURLcode code) const noexcept;
   FetchCause causeOf(FetchFailure failure, CURLcode code) const noexcept;
   bool isRefusedByProxy() const noexcept;
+  std::size_t handOver(Take take, std::string_view bytes) noexcept;
 
   // Called by libcurl.
   static std::size_t onBody(const char* bytes, std::size_t, std::size_t size, void* self) noexcept;

@@ -17,7 +17,7 @@ struct FreeByCurl {
 };
 
 bool isAscii(const std::string& text) noexcept {
-  return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+  return std::none_of(text.begin(), text.end(), isBeyondAscii);
 }
 
 // libcurl's converter of names reads them in the encoding of the thread's locale, which is ASCII in

@@ -8,7 +8,8 @@
 
 namespace tamzo {
 
-/// A URL of http or https in its parts, as libcurl takes them apart.
+/// A URL of http or https in its parts, as libcurl takes them apart. A function that gives or looks
+/// at a part throws std::bad_alloc.
 class CurlUrl {
  public:
   /// Nothing for what is no URL, or one of another scheme. Throws std::bad_alloc.
@@ -25,6 +26,7 @@ class CurlUrl {
   bool hasUser() const { return !part(CURLUPART_USER).empty(); }
   /// Decoded; "" when there is none.
   std::string user() const { return part(CURLUPART_USER, CURLU_URLDECODE); }
+  /// As user().
   std::string password() const { return part(CURLUPART_PASSWORD, CURLU_URLDECODE); }
 
   /// The same scheme, host and port.
@@ -45,7 +47,7 @@ class CurlUrl {
 };
 
 /// The name of a host in ASCII: "b\u00FCcher.example" is "xn--bcher-kva.example". What cannot be
-/// converted stays.
+/// converted stays. Throws std::bad_alloc.
 std::string asciiHost(const std::string& name);
 
 }  // namespace tamzo

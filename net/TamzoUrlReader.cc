@@ -8,6 +8,7 @@
 #include "base/Ascii.h"
 #include "base/PercentEncoding.h"
 #include "net/CurlReader.h"
+#include "net/FailedFetch.h"
 
 namespace tamzo {
 namespace {
@@ -71,14 +72,10 @@ class UrlBytes {
 
 FetchResult TamzoUrlReader::fetch(const FetchRequest& request) {
   // So written that what is no number is no time either.
-  const bool hasTime = request.limits.connectSeconds > 0.0 && request.limits.totalSeconds > 0.0;
-  if (!hasTime) {
-    FetchResult result;
-    result.finalUrl = request.url.view();
-    result.failure = FetchFailure::timeout;
-    result.cause =
-        request.limits.connectSeconds > 0.0 ? FetchCause::fetchTime : FetchCause::connectTime;
-    return result;
+  const bool hasTimeToConnect = request.limits.connectSeconds > 0.0;
+  if (!hasTimeToConnect || !(request.limits.totalSeconds > 0.0)) {
+    return failedFetch(request.url, FetchFailure::timeout,
+                       hasTimeToConnect ? FetchCause::fetchTime : FetchCause::connectTime);
   }
   return fetchWithCurl(request);
 }

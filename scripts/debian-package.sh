@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the Debian packages, holds them to lintian, lists what they export, weigh and depend on,
 # installs them into a bare Debian of this machine's release, and uses them there: the command, and
-# programs in C, C++ and Python. The packages stay in build/debian/packages. Needs root, for the bare
+# programs in C, C++, Python and Java. The packages stay in build/debian/packages. Needs root, for the bare
 # Debian, and its mirror, which is that of the machine's apt.
 # Usage: scripts/debian-package.sh
 set -euo pipefail
@@ -68,6 +68,7 @@ set -eu
 cd /given
 install() { ./quietly.sh apt-get install -qq --no-install-recommends "$@"; }
 export DEBIAN_FRONTEND=noninteractive
+unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER  # nothing like these is there
 install ./tamzo-vast_*.deb
 debian/tests/command
 install ./libtamzovast8_*.deb
@@ -75,7 +76,9 @@ install ./libtamzovast-dev_*.deb
 test -z "$(dpkg --audit)"
 install cmake g++ make pkg-config python3
 debian/tests/consumer
-./quietly.sh apt-get purge -qq tamzo-vast libtamzovast-dev libtamzovast8
+install default-jdk-headless ./libtamzovast-j*.deb
+debian/tests/java
+./quietly.sh apt-get purge -qq tamzo-vast 'libtamzovast*'
 left=$(find / -xdev -path /given -prune -o -path /proc -prune -o -path /tmp -prune -o \
   -iname '*tamzo*' -print)
 test -z "$left" || { echo "left behind: $left"; exit 1; }

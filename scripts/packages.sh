@@ -26,4 +26,5 @@ cross_packages=(crossbuild-essential-arm64 crossbuild-essential-armhf qemu-user-
 # For the Debian packages, the bare Debian that they are tried in, and the check of the ABI.
 packaging_packages=(
   debhelper dpkg-dev lintian mmdebstrap pkg-config python3 abigail-tools
+  default-jdk-headless libjetbrains-annotations-java
 )

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "net/FailedFetch.h"
 #include "tamzo/sdk/TamzoLogger.h"
 
 namespace tamzo {
@@ -12,13 +13,13 @@ namespace {
 
 // What a host's simple reader brings, as the result that it would be.
 FetchResult resultOf(const Text& url, std::optional<std::string> body) {
-  FetchResult result = failedFetch(url, FetchFailure::none);
   if (!body) {
-    result.failure = FetchFailure::other;
-  } else if (body->empty()) {
-    result.failure = FetchFailure::empty;
+    return failedFetch(url, FetchFailure::other);
   }
-  result.bytes = body ? body->size() : 0;
+  FetchResult result;
+  result.finalUrl = url.view();
+  result.failure = body->empty() ? FetchFailure::empty : FetchFailure::none;
+  result.bytes = body->size();
   result.body = std::move(body);
   return result;
 }
@@ -46,19 +47,11 @@ FetchResult askHost(const TamzoHost& host, const FetchRequest& request) {
 
 }  // namespace
 
-FetchResult failedFetch(const Text& url, FetchFailure failure) {
-  FetchResult result;
-  result.finalUrl = url.view();
-  result.failure = failure;
-  return result;
-}
-
 FetchResult fetchByHost(const TamzoHost& host, const FetchRequest& request) {
   FetchFailure late = request.url.isNil() ? FetchFailure::protocol : whyTooLate(request);
   if (late != FetchFailure::none) {
-    FetchResult result = failedFetch(request.url, late);
-    result.cause = late == FetchFailure::timeout ? FetchCause::chainTime : FetchCause::none;
-    return result;
+    return failedFetch(request.url, late,
+                       late == FetchFailure::timeout ? FetchCause::chainTime : FetchCause::none);
   }
   if (!host.fetch && !host.readUrl) {
     return TamzoUrlReader::fetch(request);

@@ -19,7 +19,13 @@ def run(*arguments):
 
 def options_of(command, name):
     text = run(command, *([name] if name else []), "--help").stdout
-    return re.findall(r"^  (?:-\w,)?(-[\w-]+)", text, re.MULTILINE)
+    names = re.findall(r"^  (-[\w,-]+)", text, re.MULTILINE)
+    return [option for each in names for option in each.split(",")]
+
+
+def is_named(option, text):
+    """Whether it stands there as a word: -o is no part of --only."""
+    return re.search(rf"(?<![\w-]){re.escape(option)}(?![\w-])", text) is not None
 
 
 def completed(script, *words):
@@ -35,14 +41,17 @@ def faults(command, folder):
         yield f"--help lists {commands}"
     texts = {name: (folder / name).read_text(encoding="utf-8")
              for name in ("tamzo-vast.1", "tamzo-vast.bash", "_tamzo-vast", "tamzo-vast.fish")}
-    texts["tamzo-vast.1"] = texts["tamzo-vast.1"].replace("\\-", "-")
+    texts["tamzo-vast.1"] = re.sub(r"\\f.", "", texts["tamzo-vast.1"].replace("\\-", "-"))
     for name in ["", *commands]:
-        for option in options_of(command, name):
+        options = options_of(command, name)
+        if "--help" not in options:
+            yield f"the help of {name or 'the program'} lists {options}"
+        for option in options:
             for file, text in texts.items():
                 shown = option
                 if file.endswith(".fish"):
-                    shown = f"-l {option[2:]} " if option.startswith("--") else f"-s {option[1:]} "
-                if shown not in text:
+                    shown = f"-l {option[2:]}" if option.startswith("--") else f"-s {option[1:]}"
+                if not is_named(shown, text):
                     yield f"{file}: no {option} of {name or 'the program'}"
     bash = folder / "tamzo-vast.bash"
     for words, expected in ((("tamzo-vast", "pa"), {"parse", "page"}),

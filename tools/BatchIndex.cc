@@ -9,6 +9,7 @@
 #include <random>
 #include <utility>
 
+#include "base/Utf8.h"
 #include "tamzo/vast/ErrorCodes.h"
 #include "tools/CommandError.h"
 #include "tools/HtmlText.h"
@@ -66,7 +67,7 @@ std::string chart(std::string_view title, const Counts& counts, std::size_t all)
         "<text x=\"0\" y=\"{}\">{}</text><text x=\"360\" y=\"{}\" "
         "text-anchor=\"end\">{} ({:.0f} %)</text><rect class=\"bar\" x=\"0\" "
         "y=\"{}\" width=\"{:.1f}\" height=\"8\"/>\n",
-        34 * i + 12, htmlText(sorted[i].first.substr(0, 60)), 34 * i + 12, sorted[i].second,
+        34 * i + 12, htmlText(beginningOf(sorted[i].first, 60)), 34 * i + 12, sorted[i].second,
         share * 100.0, 34 * i + 17, 360.0 * share);
   }
   html += "</svg>";
@@ -130,7 +131,7 @@ std::string BatchIndex::table() const {
   }
   html += "</tr></thead><tbody>\n";
   for (const Row& row : rows_) {
-    const std::string id = htmlText(row.id.substr(0, 300));
+    const std::string id = htmlText(beginningOf(row.id, 300));
     html += "<tr><td>" +
             (row.file.empty() ? id : fmt::format("<a href=\"{}\">{}</a>", row.file, id)) +
             fmt::format("</td><td class=\"num\">{}</td><td>{}</td><td>{}</td><td>{}</td></tr>\n",

@@ -153,11 +153,8 @@ namespace {
 
 // Every finding counts, those beyond the first twenty too.
 std::size_t countOf(const explain::Finding& finding) {
-  std::size_t count = 1;
-  for (const explain::Detail& detail : finding.details) {
-    count += detail.key == "more" ? std::stoul(detail.json) : 0;
-  }
-  return count;
+  const std::string more(detailOf(finding, "more"));
+  return more.empty() ? 1 : 1 + std::stoul(more);
 }
 
 bool hasAnyOf(const BatchAnswer& answer, const std::vector<std::string>& ids) {
@@ -191,9 +188,7 @@ void addReport(BatchAnswer& answer, const std::string& id, const TamzoVastAd& ad
   const explain::Finding* error = errorOf(explanation);
   const std::size_t hop =
       error != nullptr && error->hop ? static_cast<std::size_t>(*error->hop) : 1;
-  const explain::HopReport& report = explanation.hops[hop - 1];
-  const std::string_view host = explain::hostOf(report.url);
-  answer.host = host.empty() ? explain::nameOf(report.source) : host;
+  answer.host = explain::originOf(explanation.hops[hop - 1]);
   if (error != nullptr) {
     answer.mainFinding = error->id;
     answer.report = htmlReport(ad, explanation, {});

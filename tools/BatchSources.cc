@@ -16,6 +16,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/Utf8.h"
 #include "tools/CommandError.h"
 #include "tools/FolderListing.h"
 #include "tools/IdSearch.h"

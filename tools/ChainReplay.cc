@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/Ascii.h"
-#include "base/Utf8.h"
 #include "base/WhiteSpace.h"
 #include "explain/MacroFilling.h"
 #include "explain/Words.h"
@@ -12,7 +11,7 @@
 #include "sdk/HostInUse.h"
 #include "tamzo/net/TamzoUrlReader.h"
 #include "tamzo/sdk/TamzoMacroReplacementUtil.h"
-#include "xml/StartTags.h"
+#include "xml/Markup.h"
 
 namespace tamzo::command {
 namespace {
@@ -73,23 +72,9 @@ std::optional<std::vector<std::string>> match(const TagPattern& pattern, std::st
 }
 
 bool beginsAsVast(std::string_view body) {
-  std::size_t at = body.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
-  while (at < body.size()) {
-    if (const std::size_t blank = whiteSpaceAt(body, at)) {
-      at += blank;
-      continue;
-    }
-    const MarkupPiece piece = markupPieceAt(body, at);
-    if (piece.kind != MarkupPiece::Kind::comment && piece.kind != MarkupPiece::Kind::instruction) {
-      break;
-    }
-    at = piece.end;
-  }
   constexpr std::string_view kRoot = "<VAST";
-  const std::string_view rest = body.substr(at);
-  return rest.starts_with(kRoot) &&
-         (rest.size() == kRoot.size() ||
-          std::string_view(" \t\r\n/>").find(rest[kRoot.size()]) != std::string_view::npos);
+  const std::string_view rest = body.substr(pastPreamble(body));
+  return rest.starts_with(kRoot) && endsTagName(rest, kRoot.size());
 }
 
 // An address to which a URL redirects, which may be a part of one.

@@ -9,6 +9,7 @@
 #include <ctime>
 #include <string_view>
 
+#include "base/Ascii.h"
 #include "base/JsonWriter.h"
 #include "base/Utf8.h"
 #include "base/WhiteSpace.h"
@@ -28,17 +29,10 @@ std::string stringOf(const JsonValue& value) { return std::string(value.asText()
 
 // ---- Reading -------------------------------------------------------------------------------
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
-
-bool isNamed(const Text& name, std::string_view other) {
-  return std::equal(name.view().begin(), name.view().end(), other.begin(), other.end(),
-                    [](char a, char b) { return lower(a) == b; });
-}
-
 std::optional<std::string> headerOf(const JsonValue& response, std::string_view name) {
   const JsonValue headers = response.find("headers");
   for (std::size_t i = 0; i < headers.size(); ++i) {
-    if (isNamed(headers.at(i).find("name").asText(), name)) {
+    if (equalsInAnyCase(headers.at(i).find("name").asText(), name)) {
       return stringOf(headers.at(i).find("value"));
     }
   }
@@ -198,7 +192,7 @@ class HarWriter {
   }
 
   void writeResponse(const HarEntry& entry) {
-    const std::string& body = entry.body ? *entry.body : std::string();
+    const std::string_view body = entry.body ? std::string_view(*entry.body) : std::string_view();
     json_.key("response");
     json_.beginObject();
     number("status", entry.status);
@@ -210,12 +204,11 @@ class HarWriter {
     json_.beginObject();
     number("size", static_cast<double>(body.size()));
     text("mimeType", entry.contentType.value_or("application/xml"));
-    const bool isText = isUtf8(body);
-    if (entry.body) {
-      text("text", isText ? body : encodeBase64(body));
-    }
-    if (!isText) {
+    if (!isUtf8(body)) {
+      text("text", encodeBase64(body));
       text("encoding", "base64");
+    } else if (entry.body) {
+      text("text", body);
     }
     json_.endObject();
     text("redirectURL", entry.redirectUrl);

@@ -10,6 +10,7 @@
 
 #include "base/Utf8.h"
 #include "base/WhiteSpace.h"
+#include "explain/Places.h"
 #include "explain/Words.h"
 #include "tamzo/base/JsonValue.h"
 #include "tamzo/sdk/TamzoHost.h"
@@ -33,11 +34,8 @@ std::string cell(std::string_view text) {
   if (text.empty()) {
     return "<span class=\"dim\">-</span>";
   }
-  std::size_t end = std::min(text.size(), kMostOfCell);
-  while (end < text.size() && end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
-    --end;
-  }
-  return htmlText(text.substr(0, end)) + (end < text.size() ? "&hellip;" : "");
+  const std::string_view shown = beginningOf(text, kMostOfCell);
+  return htmlText(shown) + (shown.size() < text.size() ? "&hellip;" : "");
 }
 std::string cell(const Text& text) { return cell(trimWhiteSpace(text)); }
 template <typename Number>
@@ -88,35 +86,18 @@ class Page {
   std::string html_;
 };
 
-std::string_view kindInWords(explain::AdKind kind) {
-  return kind == explain::AdKind::wrapper  ? "Wrapper"
-         : kind == explain::AdKind::inLine ? "InLine"
-                                           : "no ad";
-}
-
-std::string hostOfHop(const explain::HopReport& hop) {
-  const std::string_view host = explain::hostOf(hop.url);
-  return cell(host.empty() ? explain::nameOf(hop.source) : host);
-}
-
 std::string statusOfHop(const explain::HopReport& hop) {
   if (!hop.fetch) {
     return "not fetched";
   }
-  const std::string_view failure = fetchFailureName(hop.fetch->failure);
-  const std::string status = hop.fetch->status == 0 ? "" : std::to_string(hop.fetch->status);
   const double time = hop.fetch->milliseconds.total;
-  return fmt::format("{}{}{}{}", status, status.empty() || failure.empty() ? "" : " ", failure,
-                     time > 0.0 ? fmt::format(", {:.0f} ms", time) : "");
+  return explain::statusInWords(*hop.fetch) + (time > 0.0 ? fmt::format(", {:.0f} ms", time) : "");
 }
 
 // The excerpt, with the spot marked.
 std::string markedExcerpt(const explain::Place& place) {
-  std::size_t at = 0;
-  for (std::size_t i = 0; i < place.spot && at < place.excerpt.size(); ++i) {
-    at += characterAt(place.excerpt, at).bytes;
-  }
   const std::string_view text = place.excerpt;
+  const std::size_t at = explain::byteOf(text, place.spot);
   const std::size_t width = at < text.size() ? characterAt(text, at).bytes : 0;
   return htmlText(text.substr(0, at)) + "<mark>" +
          (width == 0 ? "&nbsp;" : htmlText(text.substr(at, width))) + "</mark>" +
@@ -125,23 +106,17 @@ std::string markedExcerpt(const explain::Place& place) {
 
 void addVerdict(Page& page, const explain::Explanation& explanation) {
   const explain::Finding* error = errorOf(explanation);
-  const std::string word = explanation.verdict == explain::Verdict::playable ? "OK"
-                           : explanation.verdict == explain::Verdict::failed
-                               ? fmt::format("FAILED {}", explanation.errorCode)
-                               : std::string("NO AD, code 0");
   page.raw(fmt::format("<header>\n<p class=\"verdict {}\">{}{}</p>\n<h1>{}</h1>\n",
-                       nameOf(explanation.verdict), word,
+                       nameOf(explanation.verdict), explain::verdictInWords(explanation),
                        error == nullptr ? "" : fmt::format(" <code>[{}]</code>", error->id),
                        htmlText(explanation.sentence)));
   if (error != nullptr && error->place) {
     page.raw("<pre class=\"excerpt\">" + markedExcerpt(*error->place) + "</pre>\n");
   }
   if (error != nullptr) {
-    for (const explain::Detail& detail : error->details) {
-      if (detail.key == "read") {
-        page.raw("<p>read as</p><pre class=\"excerpt\">" +
-                 htmlText(JsonValue::parse(Text(detail.json)).asText()) + "</pre>\n");
-      }
+    if (const std::string_view read = detailOf(*error, "read"); !read.empty()) {
+      page.raw("<p>read as</p><pre class=\"excerpt\">" +
+               htmlText(JsonValue::parse(Text(read)).asText()) + "</pre>\n");
     }
     page.raw("<p>" + htmlText(error->advice) + "</p>\n");
   }
@@ -154,8 +129,8 @@ void addChain(Page& page, const explain::Explanation& explanation) {
   for (const explain::HopReport& hop : explanation.hops) {
     const bool isBad = error != nullptr && error->hop == hop.number;
     page.raw(fmt::format("<li{}><b>{}. {}</b><br>{}<br>VAST {} {}", isBad ? " class=\"bad\"" : "",
-                         hop.number, hostOfHop(hop), statusOfHop(hop), cell(hop.version),
-                         kindInWords(hop.kind)));
+                         hop.number, cell(explain::originOf(hop)), statusOfHop(hop),
+                         cell(hop.version), explain::inWords(hop.kind)));
     if (hop.adSystem.hasCharacters()) {
       page.raw("<br><span class=\"dim\">" + cell(hop.adSystem) + "</span>");
     }
@@ -204,10 +179,8 @@ void addFindings(Page& page, const explain::Explanation& explanation) {
                     "<span class=\"dim\">{4}</span></p>\n",
                     nameOf(finding.severity), place, finding.id, htmlText(finding.message),
                     htmlText(finding.advice)));
-    for (const explain::Detail& detail : finding.details) {
-      if (detail.key == "more") {
-        page.raw(fmt::format("<p class=\"dim\">and {} more of this kind</p>\n", detail.json));
-      }
+    if (const std::string_view more = detailOf(finding, "more"); !more.empty()) {
+      page.raw(fmt::format("<p class=\"dim\">and {} more of this kind</p>\n", more));
     }
     if (finding.place && finding.severity != explain::Severity::error) {
       page.raw("<pre class=\"excerpt\">" + markedExcerpt(*finding.place) + "</pre>\n");
@@ -273,7 +246,7 @@ void addTimeLine(Page& page, const TamzoVastAd& ad) {
           "<circle class=\"bar\" cx=\"{0:.0f}\" cy=\"{1}\" r=\"4\"/>"
           "<text x=\"{2:.0f}\" y=\"{3}\"{4}>{5}</text>\n",
           x, y, isLate ? x - 8 : x + 8, y + 4, isLate ? " text-anchor=\"end\"" : "",
-          htmlText(entry.name.view().substr(0, 60)));
+          htmlText(beginningOf(entry.name, 60)));
     }
   }
   if (count > 0) {
@@ -420,11 +393,7 @@ Shown partOf(std::string_view document, const explain::Place* spot) {
     }
     end = next;
   }
-  while (end < shown.text.size() && end > 0 &&
-         (static_cast<unsigned char>(shown.text[end]) & 0xC0U) == 0x80U) {
-    --end;
-  }
-  shown.text = shown.text.substr(0, end);
+  shown.text = beginningOf(shown.text, end);
   return shown;
 }
 
@@ -433,12 +402,10 @@ std::string withMark(const Shown& shown, const explain::Place* spot) {
     return htmlText(shown.text);
   }
   std::size_t at = beginOfLine(shown.text, spot->line - shown.firstLine + 1);
-  if (spot->line == 1 && shown.text.starts_with(kByteOrderMark)) {
-    at = kByteOrderMark.size();
+  if (spot->line == 1) {
+    at = byteOrderMarkOf(shown.text);
   }
-  for (std::size_t column = 1; column < spot->column && at < shown.text.size(); ++column) {
-    at += characterAt(shown.text, at).bytes;
-  }
+  at += explain::byteOf(shown.text.substr(at), spot->column - 1);
   const std::size_t end = std::min(shown.text.find_first_of(" \t\r\n>", at), at + 40);
   const std::size_t past = std::min(std::max(end, at), shown.text.size());
   const std::string_view marked = shown.text.substr(std::min(at, past), past - std::min(at, past));
@@ -490,7 +457,7 @@ void addDocument(Page& page, const explain::HopReport& hop,
 
 void addText(Page& page, std::string_view title, std::string_view text) {
   page.begin(title);
-  const std::string_view shown = text.substr(0, kMostOfRecord);
+  const std::string_view shown = beginningOf(text, kMostOfRecord);
   page.raw("<pre class=\"plain\">" + htmlText(shown) + "</pre>\n");
   if (shown.size() < text.size()) {
     page.raw(

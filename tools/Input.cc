@@ -59,11 +59,6 @@ void sayThatInputIsAwaited(const std::string& what, const std::string& command) 
   }
 }
 
-std::size_t byteOrderMarkOf(std::string_view text) {
-  constexpr std::string_view kMark = "\xEF\xBB\xBF";
-  return text.starts_with(kMark) ? kMark.size() : 0;
-}
-
 std::string withoutByteOrderMark(std::string text) {
   text.erase(0, byteOrderMarkOf(text));
   return text;

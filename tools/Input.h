@@ -1,8 +1,6 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
-#include <string_view>
 
 namespace tamzo::command {
 
@@ -13,9 +11,6 @@ std::string readInput(const std::string& path);
 /// Where standard input is a terminal, tells the person at it what is waited for, and which
 /// command's help tells more.
 void sayThatInputIsAwaited(const std::string& what, const std::string& command);
-
-/// How many bytes a byte order mark takes at the start of the text; 0 where there is none.
-std::size_t byteOrderMarkOf(std::string_view text);
 
 /// The text without a byte order mark at its start.
 std::string withoutByteOrderMark(std::string text);

@@ -9,8 +9,8 @@
 
 #include "base/Utf8.h"
 #include "base/WhiteSpace.h"
+#include "explain/Places.h"
 #include "explain/Words.h"
-#include "tamzo/vast/ErrorCodes.h"
 #include "tools/Printable.h"
 
 namespace tamzo::command {
@@ -25,9 +25,7 @@ using Row = std::vector<std::string>;
 
 // Counting one column for every character, as long as no terminal is there.
 std::size_t charactersOf(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
-    return (static_cast<std::uint8_t>(c) & 0xC0U) != 0x80U;
-  }));
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), startsCharacter));
 }
 
 std::string orDash(const Text& text) {
@@ -113,7 +111,7 @@ class Report {
 
   /// The line of a document, with a mark under the spot.
   void excerpt(const std::string& label, const explain::Place& place) {
-    const std::size_t at = byteOf(place.excerpt, place.spot);
+    const std::size_t at = explain::byteOf(place.excerpt, place.spot);
     std::string before = shown(std::string_view(place.excerpt).substr(0, at));
     std::string after = shown(std::string_view(place.excerpt).substr(at));
     std::string front = "  " + label;
@@ -137,13 +135,6 @@ class Report {
   std::string take() { return std::move(out_); }
 
  private:
-  static std::size_t byteOf(std::string_view text, std::size_t character) {
-    std::size_t at = 0;
-    for (; at < text.size() && character > 0; --character) {
-      at += characterAt(text, at).bytes;
-    }
-    return at;
-  }
   std::string firstColumns(std::string_view text, std::size_t columns) const {
     std::size_t at = 0;
     while (at < text.size()) {
@@ -248,12 +239,10 @@ std::string placeInWords(const explain::Finding& finding) {
 }
 
 void reportTagAsRead(Report& report, const explain::Finding& finding) {
-  for (const explain::Detail& detail : finding.details) {
-    if (detail.key == "read") {
-      report.text("  read as ");
-      report.whole(JsonValue::parse(Text(detail.json)).asText());
-      report.text("\n");
-    }
+  if (const std::string_view read = detailOf(finding, "read"); !read.empty()) {
+    report.text("  read as ");
+    report.whole(JsonValue::parse(Text(read)).asText());
+    report.text("\n");
   }
 }
 
@@ -291,10 +280,7 @@ void reportFetch(Report& report, const explain::HopReport& hop) {
 
 void reportError(Report& report, const explain::Explanation& explanation,
                  const explain::Finding& error) {
-  const bool isFailure = explanation.errorCode != kNoError;
-  report.text(report.styled("1;31", isFailure ? fmt::format("FAILED {}", explanation.errorCode)
-                                              : std::string("NO AD, code 0")) +
-              "  ");
+  report.text(report.styled("1;31", explain::verdictInWords(explanation)) + "  ");
   report.whole(explanation.sentence);
   report.text("  " + report.styled("2", fmt::format("[{}]", error.id)) + "\n");
   if (error.place) {
@@ -315,7 +301,7 @@ void reportOutcome(Report& report, const explain::Explanation& explanation) {
   if (const explain::Finding* error = errorOf(explanation)) {
     reportError(report, explanation, *error);
   } else {
-    report.text(report.styled("1;32", "OK") + "  ");
+    report.text(report.styled("1;32", explain::verdictInWords(explanation)) + "  ");
     report.whole(explanation.sentence);
     report.text("\n");
   }
@@ -333,10 +319,8 @@ void reportFindings(Report& report, const explain::Explanation& explanation) {
     report.text("  " + report.styled(isWarning ? "1;33" : "1", nameOf(finding.severity)) + "  ");
     report.whole(placeInWords(finding) + ": " + finding.message);
     report.text("  " + report.styled("2", fmt::format("[{}]", finding.id)) + "\n");
-    for (const explain::Detail& detail : finding.details) {
-      if (detail.key == "more") {
-        report.text(fmt::format("    and {} more of this kind\n", detail.json));
-      }
+    if (const std::string_view more = detailOf(finding, "more"); !more.empty()) {
+      report.text(fmt::format("    and {} more of this kind\n", more));
     }
     if (!finding.advice.empty()) {
       report.text("    ");
@@ -346,37 +330,12 @@ void reportFindings(Report& report, const explain::Explanation& explanation) {
   }
 }
 
-std::string kindInWords(const explain::HopReport& hop) {
-  switch (hop.kind) {
-    case explain::AdKind::wrapper:
-      return "Wrapper";
-    case explain::AdKind::inLine:
-      return "InLine";
-    default:
-      return "no ad";
-  }
-}
-
-std::string hostOfHop(const explain::HopReport& hop) {
-  const std::string_view host = explain::hostOf(hop.url);
-  return host.empty() ? std::string(explain::nameOf(hop.source)) : std::string(host);
-}
-
-std::string fetchInWords(const explain::HopReport& hop) {
-  if (!hop.fetch) {
-    return "-";
-  }
-  const std::string_view failure = fetchFailureName(hop.fetch->failure);
-  const std::string status = hop.fetch->status == 0 ? "" : std::to_string(hop.fetch->status);
-  return status + (status.empty() || failure.empty() ? "" : " ") + std::string(failure);
-}
-
 void reportChain(Report& report, const explain::Explanation& explanation) {
   report.heading(titled("Chain", explanation.hops.size()));
   std::string row;
   for (const explain::HopReport& hop : explanation.hops) {
     row += row.empty() ? "" : " \xE2\x80\xBA ";
-    row += fmt::format("{} {} {}", hop.number, hostOfHop(hop), kindInWords(hop));
+    row += fmt::format("{} {} {}", hop.number, explain::originOf(hop), explain::inWords(hop.kind));
   }
   report.text("  ");
   report.whole(row);
@@ -385,8 +344,10 @@ void reportChain(Report& report, const explain::Explanation& explanation) {
   for (const explain::HopReport& hop : explanation.hops) {
     const std::size_t bytes = hop.fetch ? hop.fetch->bytes : hop.document.view().size();
     const std::string time = hop.fetch ? fmt::format("{:.0f}", hop.fetch->milliseconds.total) : "-";
-    rows.push_back({std::to_string(hop.number), fetchInWords(hop), time, std::to_string(bytes),
-                    orDash(hop.version), kindInWords(hop), orDash(hop.adSystem),
+    rows.push_back({std::to_string(hop.number),
+                    hop.fetch ? explain::statusInWords(*hop.fetch) : "-", time,
+                    std::to_string(bytes), orDash(hop.version),
+                    std::string(explain::inWords(hop.kind)), orDash(hop.adSystem),
                     hop.url.isNil() ? std::string(explain::nameOf(hop.source)) : orDash(hop.url)});
   }
   report.table({"hop", "fetch", "ms", "bytes", "VAST", "kind", "AdSystem", "from"},

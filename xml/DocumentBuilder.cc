@@ -35,8 +35,7 @@ xmlDoc* newDocument() {
 xmlNode* appendElement(xmlDoc* doc, xmlNode* parent, std::string_view name) {
   const QuietLibrary quiet;
   const std::string text(name);
-  xmlNode* element =
-      xmlNewDocNode(doc, nullptr, reinterpret_cast<const xmlChar*>(text.c_str()), nullptr);
+  xmlNode* element = xmlNewDocNode(doc, nullptr, asXml(text), nullptr);
   if (element == nullptr) {
     throw std::bad_alloc();
   }
@@ -91,8 +90,7 @@ DocumentBuilder::Element DocumentBuilder::Element::append(std::string_view name)
 
 void DocumentBuilder::Element::setAttribute(std::string_view name, std::string_view value) {
   const QuietLibrary quiet;
-  xmlAttr* attribute = xmlNewNsProp(
-      node_, nullptr, reinterpret_cast<const xmlChar*>(std::string(name).c_str()), nullptr);
+  xmlAttr* attribute = xmlNewNsProp(node_, nullptr, asXml(std::string(name)), nullptr);
   if (attribute == nullptr || attribute->name == nullptr) {
     throw std::bad_alloc();
   }

@@ -26,7 +26,7 @@ std::size_t EntitySizes::sizeOf(const xmlDoc* doc, const xmlEntity* entity, std:
     const std::size_t end = content.find_first_of("&;", at + 1);
     if (end != std::string_view::npos && content[end] == ';') {
       const std::string name(content.substr(at + 1, end - at - 1));
-      const auto* inner = xmlGetDocEntity(doc, reinterpret_cast<const xmlChar*>(name.c_str()));
+      const auto* inner = xmlGetDocEntity(doc, asXml(name));
       size += inner == nullptr ? 0 : sizeOf(doc, inner, most, nesting + 1);
     }
     at = content.find('&', at + 1);

@@ -3,9 +3,22 @@
 #include <cstddef>
 #include <string_view>
 
+#include "base/Utf8.h"
+#include "base/WhiteSpace.h"
+
 namespace tamzo {
 
 // Where pieces of markup end, for what is looked at before libxml2 reads it.
+
+/// XML's own white space, which is also XPath's.
+constexpr bool isXmlBlank(char c) noexcept {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+/// True when the name of a tag that goes up to `at` is whole: it goes on with no more of a name.
+constexpr bool endsTagName(std::string_view text, std::size_t at) noexcept {
+  return at >= text.size() || isXmlBlank(text[at]) || text[at] == '/' || text[at] == '>';
+}
 
 /// Past the first `end` at or after `from`; the text's size when there is none.
 inline std::size_t pastFirst(std::string_view text, std::string_view end,
@@ -45,6 +58,21 @@ inline std::size_t pastRemark(std::string_view text, std::size_t at) noexcept {
     return pastFirst(text, "-->", at + 4);
   }
   return rest.starts_with("<?") ? pastFirst(text, "?>", at + 2) : at;
+}
+
+/// Past what may stand in front of the first tag: a byte order mark, white space of any kind,
+/// comments and instructions.
+inline std::size_t pastPreamble(std::string_view text) noexcept {
+  std::size_t at = byteOrderMarkOf(text);
+  while (at < text.size()) {
+    const std::size_t blank = whiteSpaceAt(text, at);
+    const std::size_t past = blank > 0 ? at + blank : pastRemark(text, at);
+    if (past == at) {
+      break;
+    }
+    at = past;
+  }
+  return at;
 }
 
 }  // namespace tamzo

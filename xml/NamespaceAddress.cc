@@ -36,7 +36,7 @@ void appendReferred(std::string& out, const std::string& name, const xmlDoc* doc
     appendNumbered(out, std::string_view(name).substr(1));
     return;
   }
-  const xmlEntity* entity = xmlGetDocEntity(doc, reinterpret_cast<const xmlChar*>(name.c_str()));
+  const xmlEntity* entity = xmlGetDocEntity(doc, asXml(name));
   if (entity == nullptr || entity->content == nullptr || nesting >= kMaxEntityNesting) {
     return;
   }

@@ -59,17 +59,6 @@ const xmlNode* nextElement(const xmlNode* node, const xmlNode* root) noexcept {
   return node;
 }
 
-std::size_t findStartTag(std::string_view text, std::size_t at) noexcept {
-  while (at < text.size()) {
-    const MarkupPiece piece = markupPieceAt(text, at);
-    if (piece.kind == MarkupPiece::Kind::startTag) {
-      return at;
-    }
-    at = piece.end;
-  }
-  return std::string_view::npos;
-}
-
 }  // namespace
 
 MarkupPiece markupPieceAt(std::string_view text, std::size_t at) noexcept {
@@ -89,6 +78,17 @@ MarkupPiece markupPieceAt(std::string_view text, std::size_t at) noexcept {
   }
   const Kind kind = rest.starts_with("</") ? Kind::endTag : Kind::startTag;
   return {kind, at, pastTag(text, at, [](char) {})};
+}
+
+std::size_t findStartTag(std::string_view text, std::size_t at) noexcept {
+  while (at < text.size()) {
+    const MarkupPiece piece = markupPieceAt(text, at);
+    if (piece.kind == MarkupPiece::Kind::startTag) {
+      return at;
+    }
+    at = piece.end;
+  }
+  return std::string_view::npos;
 }
 
 std::vector<std::size_t> findStartTags(std::string_view text, const DDXMLDocument& document,

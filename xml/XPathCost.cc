@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/Ascii.h"
+#include "xml/Markup.h"
 
 namespace tamzo {
 namespace {
@@ -33,7 +34,6 @@ struct Token {
 bool isOneOf(char c, std::string_view set) noexcept {
   return set.find(c) != std::string_view::npos;
 }
-bool isBlank(char c) noexcept { return isOneOf(c, " \t\r\n"); }
 // Letters beyond ASCII are taken for parts of names.
 bool isNameStart(char c) noexcept { return isAsciiLetter(c) || c == '_' || isBeyondAscii(c); }
 bool isNamePart(char c) noexcept {
@@ -91,7 +91,7 @@ class Tokens {
   }
 
   void skipBlanks() noexcept {
-    while (!rest_.empty() && isBlank(rest_.front())) {
+    while (!rest_.empty() && isXmlBlank(rest_.front())) {
       rest_.remove_prefix(1);
     }
   }

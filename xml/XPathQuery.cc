@@ -79,8 +79,7 @@ bool evaluateXPath(const XmlTree& tree, xmlNode* context, const XPath& path,
 
   const bool isText = expression.find('\0') == std::string::npos;
   const std::unique_ptr<xmlXPathObject, FreeObject> result(
-      isText ? xmlXPathEval(reinterpret_cast<const xmlChar*>(expression.c_str()), evaluation.get())
-             : nullptr);
+      isText ? xmlXPathEval(asXml(expression), evaluation.get()) : nullptr);
   if (errorCode == XML_ERR_NO_MEMORY) {
     throw std::bad_alloc();
   }

@@ -604,13 +604,4 @@ std::shared_ptr<DDXMLDocument> XmlParser::parseDocument(const Text& text) {
   return std::shared_ptr<DDXMLDocument>(new DDXMLDocument(std::move(tree)));
 }
 
-std::shared_ptr<const XmlTree> parseXml(const Text& text, XmlError* error) {
-  XmlParser parser;
-  auto tree = parser.parse(text);
-  if (error != nullptr) {
-    *error = parser.error();
-  }
-  return tree;
-}
-
 }  // namespace tamzo

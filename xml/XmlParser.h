@@ -12,7 +12,7 @@ namespace tamzo {
 class DDXMLDocument;
 class XmlTree;
 
-/// One parse of one text: what it may take, and what came of it.
+/// One parse of one text: what it may take, and what came of it. Of one thread at a time.
 class XmlParser {
  public:
   /// How many nodes the tree may have (see `nodes`); there is no bound by default.
@@ -47,8 +47,5 @@ class XmlParser {
   std::string_view bound_;
   XmlError error_;
 };
-
-/// XmlParser::parse without a bound of nodes; `error` may be null.
-std::shared_ptr<const XmlTree> parseXml(const Text& text, XmlError* error);
 
 }  // namespace tamzo

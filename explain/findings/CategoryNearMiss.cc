@@ -16,8 +16,7 @@ void findCategoryNearMiss(const Chain& chain, Findings& findings) {
       if (entry.empty()) {
         continue;
       }
-      if (!findings.wants(hop.number)) {
-        findings.skip(hop.number);
+      if (!findings.takes(hop.number)) {
         continue;
       }
       findings.add(hop.number)

@@ -1,17 +1,18 @@
-#include <algorithm>
+#include <string>
+#include <vector>
 
 #include "explain/Names.h"
 #include "explain/Rules.h"
+#include "tamzo/vast/ErrorCodes.h"
 
 namespace tamzo::explain {
 namespace {
 
 // The version has a finding of its own where it is the reason of the failure.
 bool isVersionTheError(const Chain& chain) {
-  std::size_t at = 0;
   const SeenHop& first = chain.hops().front();
   return chain.hops().size() == 1 && chain.errorCode() == kBadVersion &&
-         !first.version.hasCharacters() && chain.cleanUp().tookVersion(at);
+         !first.version.hasCharacters() && chain.cleanUp().findVersionTaken();
 }
 
 }  // namespace

@@ -1,12 +1,9 @@
 #include "explain/Rules.h"
-#include "tamzo/vast/ErrorCodes.h"
 
 namespace tamzo::explain {
 
 void findCollapseTookTagEnd(const Chain& chain, Findings& findings) {
-  const SeenHop& hop = chain.last();
-  const bool isChanged = Chain::isCleaned(hop) && chain.cleanUp().changes();
-  if (chain.errorCode() != kNotXml || !isChanged || !chain.refusal().isXml) {
+  if (!chain.isBrokenByCleanUp()) {
     return;
   }
   const CollapseFault fault = chain.cleanUp().findFault();
@@ -19,7 +16,7 @@ void findCollapseTookTagEnd(const Chain& chain, Findings& findings) {
   if (chain.wouldPlayWithoutNamespace()) {
     advice += " Without it this ad would end with 0.";
   }
-  findings.add(hop.number)
+  findings.add(chain.last().number)
       .atByte(fault.at)
       .say("A tag loses its \">\" when xmlns= is taken away.", advice)
       .with("read", fault.read);

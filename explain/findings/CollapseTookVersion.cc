@@ -5,11 +5,12 @@ namespace tamzo::explain {
 
 void findCollapseTookVersion(const Chain& chain, Findings& findings) {
   const SeenHop& hop = chain.last();
-  std::size_t at = 0;
-  if (chain.errorCode() == kBadVersion && Chain::isCleaned(hop) && !hop.version.hasCharacters() &&
-      chain.cleanUp().tookVersion(at)) {
+  if (chain.errorCode() != kBadVersion || !Chain::isCleaned(hop) || hop.version.hasCharacters()) {
+    return;
+  }
+  if (const auto at = chain.cleanUp().findVersionTaken()) {
     findings.add(hop.number)
-        .atByte(at)
+        .atByte(*at)
         .say("The root loses its version when xmlns= is taken away up to the next white space.",
              "The response is in order, other players take it. Ad server: write version before "
              "xmlns, or drop the xmlns.");

@@ -9,7 +9,6 @@
 #include "explain/Rules.h"
 #include "explain/TrackerElements.h"
 #include "explain/Words.h"
-#include "xml/StartTags.h"
 
 namespace tamzo::explain {
 namespace {
@@ -83,7 +82,7 @@ void putInDocumentOrder(const Chain& chain, std::vector<Duplicate>& duplicates) 
     if (!hop.parsed || elements.empty()) {
       continue;
     }
-    const auto found = findStartTags(chain.textRead(hop), *hop.parsed, elements);
+    const std::vector<std::size_t> found = chain.startTagsOf(hop, elements);
     for (std::size_t i = 0; i < found.size(); ++i) {
       duplicates[owners[i]].at = found[i];
     }
@@ -100,8 +99,7 @@ void findDuplicateTracker(const Chain& chain, Findings& findings) {
     putInDocumentOrder(chain, duplicates);
   }
   for (const Duplicate& duplicate : duplicates) {
-    if (!findings.wants(duplicate.hop)) {
-      findings.skip(duplicate.hop);
+    if (!findings.takes(duplicate.hop)) {
       continue;
     }
     std::vector<std::int32_t> hops;

@@ -20,10 +20,7 @@ bool isQuotedXml(std::string_view text) {
 }
 
 bool isEscaped(std::string_view text) {
-  if (text.starts_with(kByteOrderMark)) {
-    text.remove_prefix(kByteOrderMark.size());
-  }
-  text = trimWhiteSpace(text);
+  text = trimWhiteSpace(text.substr(byteOrderMarkOf(text)));
   return text.starts_with("&lt;") || isQuotedXml(text);
 }
 

@@ -26,8 +26,7 @@ void findExtraActionsUnread(const Chain& chain, Findings& findings) {
       if (!json.hasCharacters() || !JsonValue::parse(json).isNil()) {
         continue;
       }
-      if (!findings.wants(hop.number)) {
-        findings.skip(hop.number);
+      if (!findings.takes(hop.number)) {
         continue;
       }
       const std::string_view why = whyUnread(json);

@@ -1,38 +1,17 @@
-#include "base/Utf8.h"
 #include "base/WhiteSpace.h"
 #include "explain/Rules.h"
 #include "explain/TagText.h"
 #include "explain/Words.h"
 #include "tamzo/vast/ErrorCodes.h"
-#include "xml/StartTags.h"
+#include "xml/Markup.h"
 
 namespace tamzo::explain {
 namespace {
 
 constexpr std::size_t kLongestTitle = 4096;
 
-// Past what may stand before the first tag: a byte order mark, white space, comments and
-// instructions.
-std::size_t beginOf(std::string_view text) noexcept {
-  std::size_t at = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
-  while (at < text.size()) {
-    if (const std::size_t blank = whiteSpaceAt(text, at)) {
-      at += blank;
-      continue;
-    }
-    const MarkupPiece piece = markupPieceAt(text, at);
-    if (piece.kind != MarkupPiece::Kind::comment && piece.kind != MarkupPiece::Kind::instruction) {
-      break;
-    }
-    at = piece.end;
-  }
-  return at;
-}
-
 bool beginsTag(std::string_view text, std::string_view name) noexcept {
-  return beginsLike(text, name) &&
-         (text.size() == name.size() ||
-          std::string_view(" \t\r\n/>").find(text[name.size()]) != std::string_view::npos);
+  return beginsLike(text, name) && endsTagName(text, name.size());
 }
 
 bool isHtml(std::string_view text) noexcept {
@@ -57,7 +36,7 @@ Text titleOf(std::string_view text) {
   for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
     const std::string_view rest = text.substr(at);
     if (rest.starts_with("<!--")) {
-      at = markupPieceAt(text, at).end - 1;
+      at = pastRemark(text, at) - 1;
     } else if (beginsTag(rest, "<title")) {
       const std::size_t begin = rest.find('>');
       const std::size_t end =
@@ -77,7 +56,7 @@ void findHtmlPage(const Chain& chain, Findings& findings) {
   const SeenHop& hop = chain.last();
   const std::string_view text = hop.document;
   const bool isOfCode = chain.errorCode() == kNotXml || chain.errorCode() == kBadVersion;
-  if (!isOfCode || hop.source == HopSource::tag || !isHtml(text.substr(beginOf(text)))) {
+  if (!isOfCode || hop.source == HopSource::tag || !isHtml(text.substr(pastPreamble(text)))) {
     return;
   }
   const Text title = titleOf(text);

@@ -8,12 +8,8 @@ namespace tamzo::explain {
 namespace {
 
 bool isJson(std::string_view text) {
-  if (text.starts_with(kByteOrderMark)) {
-    text.remove_prefix(kByteOrderMark.size());
-  }
-  const std::string_view begin = withoutLeadingWhiteSpace(text);
-  return (begin.starts_with('{') || begin.starts_with('[')) &&
-         checkJson(text) == JsonFault::none;
+  const std::string_view begin = withoutLeadingWhiteSpace(text.substr(byteOrderMarkOf(text)));
+  return (begin.starts_with('{') || begin.starts_with('[')) && checkJson(text) == JsonFault::none;
 }
 
 }  // namespace

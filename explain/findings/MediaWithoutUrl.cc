@@ -11,8 +11,7 @@ void findMediaWithoutUrl(const Chain& chain, Findings& findings) {
     if (TamzoMediaFile(file).url().hasCharacters()) {
       continue;
     }
-    if (!findings.wants(hop.number)) {
-      findings.skip(hop.number);
+    if (!findings.takes(hop.number)) {
       continue;
     }
     findings.add(hop.number)

@@ -1,5 +1,6 @@
 #include "explain/Rules.h"
 #include "explain/Words.h"
+#include "tamzo/vast/ErrorCodes.h"
 
 namespace tamzo::explain {
 namespace {
@@ -9,8 +10,7 @@ void check(const SeenHop& hop, const DDXMLElement& element, const Text& offset,
   if (!offset.view().ends_with('%')) {
     return;
   }
-  if (!findings.wants(hop.number)) {
-    findings.skip(hop.number);
+  if (!findings.takes(hop.number)) {
     return;
   }
   findings.add(hop.number)
@@ -26,12 +26,13 @@ void check(const SeenHop& hop, const DDXMLElement& element, const Text& offset,
 void findSkipOffsetUnresolved(const Chain& chain, Findings& findings) {
   for (const SeenHop& hop : chain.hops()) {
     const bool isInLine = hop.isRead() && hop.kind == AdKind::inLine;
-    const bool isStopped = chain.errorCode() == kCategoryBlocked;
-    if (isInLine && hop.major >= 3 && !hop.linears.empty() && !isStopped) {
+    if (isInLine && chain.errorCode() == kCategoryBlocked) {
+      continue;  // it was read no further than its categories
+    }
+    if (isInLine && hop.major >= 3 && !hop.linears.empty()) {
       check(hop, hop.linears.at(0), hop.linears.at(0).attributeValue("skipoffset"), findings);
     }
-    for (const DDXMLElement& block :
-         isStopped&& isInLine ? std::vector<DDXMLElement>() : vendorBlocksOf(hop)) {
+    for (const DDXMLElement& block : vendorBlocksOf(hop)) {
       const DDXMLElement element = block.firstNodeForXPath("SkipOffset");
       check(hop, element, element.stringValue(), findings);
     }

@@ -1,15 +1,14 @@
 #include "explain/Rules.h"
-#include "tamzo/vast/ErrorCodes.h"
 
 namespace tamzo::explain {
 
 void findUnescapedAmpersand(const Chain& chain, Findings& findings) {
-  if (chain.errorCode() != kNotXml || chain.refusal().fault.kind != FaultKind::unescapedAmpersand) {
+  const Fault* fault = chain.faultOf(FaultKind::unescapedAmpersand);
+  if (fault == nullptr) {
     return;
   }
-  const Fault& fault = chain.refusal().fault;
   findings.add(chain.last().number)
-      .atByte(fault.at)
+      .atByte(fault->at)
       .say("An \"&\" is not written as \"&amp;\".",
            "Ad server: escape every \"&\" in URLs and texts, or put them into CDATA.");
 }

@@ -6,7 +6,7 @@ namespace tamzo::explain {
 
 void findVersionMissing(const Chain& chain, Findings& findings) {
   const SeenHop& hop = chain.last();
-  if (chain.errorCode() != kBadVersion || hop.version.hasCharacters()) {
+  if (chain.errorCode() != kBadVersion || !hop.parsed || hop.version.hasCharacters()) {
     return;
   }
   std::vector<std::string> names;

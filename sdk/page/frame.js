@@ -108,8 +108,7 @@ function loadScript(url) {
   if (!address) {
     return Promise.reject(failure(901, "no address of a unit: " + url));
   }
-  const [first, second] = attemptsFor(address);
-  return second ? loadScriptOnce(first).catch(() => loadScriptOnce(second)) : loadScriptOnce(first);
+  return askInTurn(address, loadScriptOnce);
 }
 
 /**

@@ -26,6 +26,18 @@ function attemptsFor(address) {
     ? [address.replace("http:", "https:"), address] : [address];
 }
 
+/**
+ * What `ask` gives for the first of those that it does not fail for.
+ * @template T
+ * @param {string} address
+ * @param {(address: string) => Promise<T>} ask
+ * @returns {Promise<T>}
+ */
+function askInTurn(address, ask) {
+  const [first, second] = attemptsFor(address);
+  return second ? ask(first).catch(() => ask(second)) : ask(first);
+}
+
 /** @type {Set<XMLHttpRequest>} */
 const fetches = new Set();
 
@@ -54,8 +66,7 @@ function fetchText(url) {
   if (!address) {
     return Promise.reject(failure(301, "no address to fetch: " + url));
   }
-  const [first, second] = attemptsFor(address);
-  return second ? fetchOnce(first).catch(() => fetchOnce(second)) : fetchOnce(first);
+  return askInTurn(address, fetchOnce);
 }
 
 function abortFetches() {

@@ -25,8 +25,7 @@ const settings = {
   session: plainText(given.session) || randomDigits() + randomDigits(),
   // A VAST document of what Wrappers hold that stand before the tag; null when the app keeps it.
   wrappers: typeof given.wrappers === "string" ? given.wrappers : null,
-  macros: Object.assign({}, given.macros),
-  limits: LIMITS
+  macros: Object.assign({}, given.macros)
 };
 
 for (const name of /** @type {(keyof typeof LIMITS)[]} */ (Object.keys(LIMITS))) {

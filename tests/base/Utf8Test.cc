@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -174,6 +175,24 @@ TEST(IsShorterThan, LooksNoFurtherThanTheCount) {
     four = std::min(four, threadSeconds() - before);
   }
   EXPECT_LT(four, whole / 100);
+}
+
+TEST(ByteOrderMarkOf, CountsItsBytesAtTheStartAlone) {
+  EXPECT_EQ(byteOrderMarkOf("\xEF\xBB\xBF"), 3U);
+  EXPECT_EQ(byteOrderMarkOf("\xEF\xBB\xBF<a/>"), 3U);
+  EXPECT_EQ(byteOrderMarkOf("\xEF\xBB"), 0U);
+  EXPECT_EQ(byteOrderMarkOf(" \xEF\xBB\xBF"), 0U);
+  EXPECT_EQ(byteOrderMarkOf(""), 0U);
+}
+
+TEST(BeginningOf, CutsNoCharacterInTwo) {
+  const std::string_view text = "a\xC3\xA9\xF0\x9F\x98\x80z";
+  const std::size_t expected[] = {0, 1, 1, 3, 3, 3, 3, 7, 8, 8};
+  for (std::size_t bytes = 0; bytes < std::size(expected); ++bytes) {
+    EXPECT_EQ(beginningOf(text, bytes), text.substr(0, expected[bytes])) << bytes;
+  }
+  EXPECT_EQ(beginningOf("\x80\x80\x80", 2), "") << "what begins no character may go as a whole";
+  EXPECT_EQ(beginningOf("", 2), "");
 }
 
 }  // namespace

@@ -165,6 +165,17 @@ TEST_F(ExplainerTest, thereIsExactlyOneErrorUnlessTheAdPlays) {
   EXPECT_EQ(errorsOf(explainResponse(kInLine)), 0);
 }
 
+TEST_F(ExplainerTest, aParseThatNobodyWatchedHasAnErrorAllTheSame) {
+  for (const std::string response :
+       {"", "abc", "abcd", "<a/>", "<VAST/>", "<VAST version='9'/>", "<VAST version='4'/>",
+        "<VAST version='4'><Ad/></VAST>", "<VAST version='4'><Ad><InLine/></Ad></VAST>"}) {
+    const auto ad = TamzoVastAd::initWithVast(Text(response));
+    ASSERT_NE(ad->errorCode(), 0) << response;
+    const explain::Explanation explanation = explain::Explainer().explain(*ad);
+    EXPECT_NE(errorOf(explanation), nullptr) << response;
+  }
+}
+
 TEST_F(ExplainerTest, aFailureToObserveDoesNotReachTheParse) {
   blockCategories("a");
   changeHost([](TamzoHost& host) {

@@ -60,6 +60,12 @@ TEST(PlacesTest, textsAreShortenedByCharacters) {
             "ab\xE2\x80\xA6");
 }
 
+TEST(PlacesTest, aCharacterIsFoundByItsNumber) {
+  EXPECT_EQ(byteOf("a\xC3\xA9z", 0), 0U);
+  EXPECT_EQ(byteOf("a\xC3\xA9z", 2), 3U);
+  EXPECT_EQ(byteOf("a\xC3\xA9z", 9), 4U);
+}
+
 TEST(PlacesTest, lengthsCountUtf16Units) {
   EXPECT_EQ(utf16Length("a\xC3\xA9\xF0\x9F\x98\x80"), 4U);
 }

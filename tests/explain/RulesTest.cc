@@ -343,6 +343,7 @@ TEST_F(NearMisses, eachFindingHasSomeThatDoNotRaiseIt) {
 
 TEST_F(RulesTest, everyErrorSaysWhatToDo) {
   const Document document = readDocument();
+  ASSERT_FALSE(document.examples.empty());
   for (const auto& [id, example] : document.examples) {
     prepare(example);
     for (const explain::Finding& finding : explainResponse(example.response).findings) {

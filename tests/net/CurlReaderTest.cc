@@ -32,6 +32,11 @@ using namespace std::chrono_literals;
 
 using CurlReaderTest = FetchFixture;
 
+// A path that no other run of the tests has at the same time.
+std::string ownFile(const std::string& name) {
+  return join({::testing::TempDir(), "/tamzo-", std::to_string(getpid()), "-", name});
+}
+
 // "<VAST version='3.0'/>"
 const std::string kGzip = bytes(
     "\x1F\x8B\x08\x00\x00\x00\x00\x00\x02\x03\xB3\x09\x73\x0C\x0E\x51\x28\x4B\x2D\x2A\xCE\xCC\xCF"
@@ -115,7 +120,7 @@ TEST_F(CurlReaderTest, ARedirectLoopIsGivenUp) {
 }
 
 TEST_F(CurlReaderTest, ARedirectLeavesHttpNowhere) {
-  const std::string path = ::testing::TempDir() + "/tamzo-fetch.xml";
+  const std::string path = ownFile("fetch.xml");
   std::ofstream(path) << "<VAST/>";
   for (const std::string& target :
        {"file://" + path, std::string("ftp://127.0.0.1:1/x"), std::string("gopher://127.0.0.1:1/x"),
@@ -137,12 +142,7 @@ TEST_F(CurlReaderTest, AnErrorStatusIsNoBody) {
 }
 
 TEST_F(CurlReaderTest, APortWhereNobodyListensFails) {
-  std::string url;
-  {
-    const HttpServer gone;
-    url = gone.url("/x");
-  }
-  EXPECT_EQ(readUrl(Text(url)), std::nullopt);
+  EXPECT_EQ(readUrl(Text(closedUrl())), std::nullopt);
 }
 
 TEST_F(CurlReaderTest, WhatIsNoHttpUrlIsNotAsked) {
@@ -310,11 +310,6 @@ TEST_F(CurlReaderTest, TimesAreOfWhatHappened) {
 TEST_F(CurlReaderTest, AFailureSaysWhich) {
   FakeNames names;
   names.add("none.test", {});
-  std::string closed;
-  {
-    const HttpServer gone;
-    closed = gone.url("/x");
-  }
   server_.on("/404", [](const Exchange& exchange) { exchange.respond("page", "404 No"); });
   server_.on("/cut", [](const Exchange& exchange) {
     exchange.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf");
@@ -329,7 +324,7 @@ TEST_F(CurlReaderTest, AFailureSaysWhich) {
   };
   const std::vector<Row> rows{
       {server_.urlOf("none.test"), FetchFailure::dns, 0},
-      {closed, FetchFailure::connect, 0},
+      {closedUrl(), FetchFailure::connect, 0},
       {"https" + server_.url("/404").substr(4), FetchFailure::tls, 0},
       {server_.url("/404"), FetchFailure::status, 404},
       {server_.url("/cut"), FetchFailure::cutOff, 200},
@@ -417,26 +412,31 @@ TEST_F(CurlReaderTest, AConnectionThatWasIdleForLongIsNotUsedAgain) {
   EXPECT_EQ(server_.connections(), 2U);
 }
 
-// How long the socket to that port waits for what it sent to be acknowledged.
-unsigned patienceOfSocketTo(int port) {
+// The descriptor of the connection to that port, which must be there.
+int socketTo(int port) {
   for (int fd = 3; fd < 1024; ++fd) {
     sockaddr_in peer{};
     socklen_t length = sizeof peer;
     if (getpeername(fd, reinterpret_cast<sockaddr*>(&peer), &length) == 0 &&
         peer.sin_family == AF_INET && ntohs(peer.sin_port) == port) {
-      unsigned milliseconds = 0;
-      length = sizeof milliseconds;
-      getsockopt(fd, IPPROTO_TCP, TCP_USER_TIMEOUT, &milliseconds, &length);
-      return milliseconds;
+      return fd;
     }
   }
   ADD_FAILURE() << "no socket to port " << port;
-  return 0;
+  return -1;
+}
+
+// How long the socket to that port waits for what it sent to be acknowledged.
+unsigned patienceOfSocketTo(int port) {
+  unsigned milliseconds = 0;
+  socklen_t length = sizeof milliseconds;
+  getsockopt(socketTo(port), IPPROTO_TCP, TCP_USER_TIMEOUT, &milliseconds, &length);
+  return milliseconds;
 }
 
 TEST_F(CurlReaderTest, AKeptConnectionThatLeadsNowhereIsNoticedSoon) {
   server_.serve("/x", "body");
-  const int port = std::stoi(server_.url().substr(server_.url().rfind(':') + 1));
+  const int port = server_.port();
   read("/x");
   EXPECT_EQ(patienceOfSocketTo(port), 0U) << "a new one has all the time there is";
   read("/x");
@@ -464,15 +464,9 @@ TEST_F(CurlReaderTest, AChildAndItsParentDoNotTalkOverOneConnection) {
 TEST_F(CurlReaderTest, ASocketIsNotHandedToAProgramThatIsStarted) {
   server_.serve("/x", "body");
   read("/x");
-  const int port = std::stoi(server_.url().substr(server_.url().rfind(':') + 1));
-  for (int fd = 3; fd < 1024; ++fd) {
-    sockaddr_in peer{};
-    socklen_t length = sizeof peer;
-    if (getpeername(fd, reinterpret_cast<sockaddr*>(&peer), &length) == 0 &&
-        peer.sin_family == AF_INET && ntohs(peer.sin_port) == port) {
-      EXPECT_NE(fcntl(fd, F_GETFD) & FD_CLOEXEC, 0);
-    }
-  }
+  const int flags = fcntl(socketTo(server_.port()), F_GETFD);
+  ASSERT_NE(flags, -1);
+  EXPECT_NE(flags & FD_CLOEXEC, 0);
 }
 
 // ---- TLS -----------------------------------------------------------------------------------
@@ -520,7 +514,7 @@ TEST_F(CurlReaderTest, CertificatesAreReadOnce) {
   HttpServer secure(TestCertificates::make());
   secure.serve("/x", "body");
   FetchOptions options;
-  options.caFile = ::testing::TempDir() + "/tamzo-ca.pem";
+  options.caFile = ownFile("ca.pem");
   std::ofstream(options.caFile) << std::ifstream(TestCertificates::caFile()).rdbuf();
   EXPECT_EQ(fetch(secure.url("/x"), options).body, "body");
   std::ofstream(options.caFile) << "no certificate";

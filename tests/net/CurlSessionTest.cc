@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <memory>
 #include <set>
 #include <string>
 #include <thread>
@@ -31,12 +32,22 @@ TEST(CurlSessionPoolTest, GivesBackTheSessionThatCameLast) {
   EXPECT_EQ(andAgain.get(), firstOne);
 }
 
+// What tells a session from one that was made in its place, perhaps at the same address.
+const std::string kMark = ".ads.example\tTRUE\t/\tFALSE\t0\tid\t42";
+
+std::unique_ptr<CurlSession> marked(std::unique_ptr<CurlSession> session) {
+  session->startCookies({kMark});
+  return session;
+}
+
+bool isMarked(CurlSession& session) { return !session.takeCookies().empty(); }
+
 TEST(CurlSessionPoolTest, KeepsSixteenTheYoungest) {
   CurlSessionPool pool;
   std::vector<std::unique_ptr<CurlSession>> sessions;
   std::set<const CurlSession*> youngest;
   for (int i = 0; i < 20; ++i) {
-    sessions.push_back(pool.take());
+    sessions.push_back(marked(pool.take()));
   }
   for (std::size_t i = 0; i < sessions.size(); ++i) {
     if (i >= 4) {
@@ -51,26 +62,33 @@ TEST(CurlSessionPoolTest, KeepsSixteenTheYoungest) {
     kept.insert(taken.back().get());
   }
   EXPECT_EQ(kept, youngest);
+  EXPECT_FALSE(isMarked(*pool.take())) << "the others are gone";
 }
 
 TEST(CurlSessionPoolTest, AMinuteIdleIsTooLong) {
   CurlSessionPool pool;
   const auto start = Clock::now();
   auto session = pool.take(start);
-  session->reset();
   const CurlSession* first = session.get();
   pool.give(std::move(session), start);
   session = pool.take(start + 60s);
   EXPECT_EQ(session.get(), first);
-  auto other = pool.take(start);
+  auto other = marked(pool.take(start));
   pool.give(std::move(other), start);
   pool.give(std::move(session), start + 61s);
-  auto young = pool.take(start + 100s);
-  EXPECT_EQ(young.get(), first);
-  pool.give(std::move(young), start + 100s);
+  session = pool.take(start + 100s);
+  EXPECT_EQ(session.get(), first);
+  EXPECT_FALSE(isMarked(*pool.take(start + 100s))) << "the older one is gone";
+}
+
+TEST(CurlSessionPoolTest, NothingIsLeftOnceItIsCleared) {
+  CurlSessionPool pool;
+  auto one = marked(pool.take());
+  auto other = marked(pool.take());
+  pool.give(std::move(one));
+  pool.give(std::move(other));
   pool.clear();
-  auto fresh = pool.take(start + 100s);
-  EXPECT_NE(fresh, nullptr);
+  EXPECT_FALSE(isMarked(*pool.take()));
 }
 
 TEST(CurlSessionPoolTest, AChildHasAPoolOfItsOwn) {
@@ -108,12 +126,11 @@ TEST(CurlSessionPoolTest, ThreadsShareIt) {
 }
 
 TEST(CurlSessionTest, CookiesStayUntilTheyAreTaken) {
-  const std::string cookie = ".ads.example\tTRUE\t/\tFALSE\t0\tid\t42";
   CurlSession session;
   EXPECT_TRUE(session.takeCookies().empty());
-  session.startCookies({cookie});
+  session.startCookies({kMark});
   session.reset();
-  EXPECT_EQ(session.takeCookies(), std::vector<std::string>{cookie});
+  EXPECT_EQ(session.takeCookies(), std::vector<std::string>{kMark});
   EXPECT_TRUE(session.takeCookies().empty());
   session.startCookies({});
   EXPECT_TRUE(session.takeCookies().empty());

@@ -169,8 +169,7 @@ TEST_F(CurlTransferTest, ItBeginsWhenTheNameIsResolved) {
 TEST_F(CurlTransferTest, ItIsDividedAmongTheAddresses) {
   server_.serve("/x", "body");
   const std::string url = server_.urlOf("two.test", "/x");
-  const int port = std::stoi(url.substr(url.rfind(':') + 1));
-  const BlackHole hole("127.0.0.2", port);
+  const BlackHole hole("127.0.0.2", server_.port());
   for (const int milliseconds : {0, 300}) {
     names_.addSlow("two.test", milliseconds, {"127.0.0.2", "127.0.0.1"});
     FetchRequest request = requestFor(url);

@@ -78,6 +78,9 @@ class FetchFixture : public SdkTest {
     });
   }
 
+  /// A URL of a port where nobody listens.
+  static std::string closedUrl(std::string_view path = "/") { return HttpServer().url(path); }
+
   /// For a handler that stalls.
   void waitForClosing() const {
     while (!server_.isClosing()) {

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstdlib>
 #include <mutex>
 #include <set>
 #include <stdexcept>
@@ -18,6 +19,16 @@
 
 namespace tamzo::testing {
 namespace {
+
+// A proxy of the machine's would be asked for what these servers have, by this process and by the
+// commands that it runs.
+[[maybe_unused]] const bool kHasNoProxy = [] {
+  for (const char* name : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
+                           "no_proxy", "NO_PROXY"}) {
+    unsetenv(name);
+  }
+  return true;
+}();
 
 class PlainPeer : public Peer {
  public:
@@ -222,6 +233,8 @@ std::string HttpServer::urlOf(std::string_view host, std::string_view path) cons
   return (state_->tls == nullptr ? "http://" : "https://") + std::string(host) + ":" +
          std::to_string(state_->port) + std::string(path);
 }
+
+int HttpServer::port() const { return state_->port; }
 
 void HttpServer::on(const std::string& path, Handler handler) {
   const std::lock_guard lock(state_->mutex);

@@ -81,6 +81,7 @@ class HttpServer {
   std::string url(std::string_view path = "") const;
   /// The same by a name, which FakeNames leads here.
   std::string urlOf(std::string_view host, std::string_view path = "") const;
+  int port() const;
 
   /// Serves `path`, query included, from now on.
   void on(const std::string& path, Handler handler);

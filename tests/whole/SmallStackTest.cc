@@ -16,6 +16,7 @@
 #include "bench/HostileDocuments.h"
 #include "tamzo/vast/ErrorCodes.h"
 #include "tamzo/vast/RecordJson.h"
+#include "tests/support/Documents.h"
 #include "tests/support/Responses.h"
 #include "tests/support/SdkFixture.h"
 
@@ -59,17 +60,7 @@ Outcome wholeParse(const std::string& response) {
   return outcome;
 }
 
-std::string repeat(const std::string& text, std::size_t times) {
-  std::string all;
-  for (std::size_t i = 0; i < times; ++i) {
-    all += text;
-  }
-  return all;
-}
-
-std::string nested(std::size_t depth) {
-  return repeat("<d>", depth) + "deepest" + repeat("</d>", depth);
-}
+std::string nested(int depth) { return repeat("<d>", depth) + "deepest" + repeat("</d>", depth); }
 
 class SmallStackTest : public SdkTest {};
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tamzo/xml/DDXMLDocument.h"
+#include "tests/support/Documents.h"
 #include "tests/support/SdkFixture.h"
 #include "tests/support/StrictXml.h"
 
@@ -28,14 +29,6 @@ std::string merged(const std::vector<std::string>& documents) {
   const std::string written = builder.write();
   EXPECT_EQ(strictComplaint(written), "") << written;
   return written;
-}
-
-std::string repeat(const std::string& text, int times) {
-  std::string all;
-  for (int i = 0; i < times; ++i) {
-    all += text;
-  }
-  return all;
 }
 
 TEST(DocumentBuilder, WritesWhatItIsGiven) {

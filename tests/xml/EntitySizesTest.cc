@@ -9,7 +9,7 @@
 
 #include "tests/support/Documents.h"
 #include "tests/support/Growth.h"
-#include "xml/XmlParser.h"
+#include "tests/support/Trees.h"
 #include "xml/XmlTree.h"
 
 namespace tamzo::testing {

@@ -58,5 +58,26 @@ TEST(PastRemark, IsBehindACommentOrAnInstruction) {
   }
 }
 
+TEST(PastPreamble, IsWhereTheFirstTagMayStand) {
+  for (const std::string_view preamble :
+       {"", " \t\r\n", "\xEF\xBB\xBF", "\xEF\xBB\xBF\n", "\xC2\xA0", "<!-- <a> -->", "<?a b?>",
+        "\xEF\xBB\xBF<?xml version='1.0'?>\n<!-- <a> --> <?b?>"}) {
+    for (const std::string_view first : {"<a>", "</a>", "<!DOCTYPE a>", "x", "&lt;a>", ""}) {
+      const std::string text = std::string(preamble).append(first);
+      EXPECT_EQ(pastPreamble(text), preamble.size()) << text;
+    }
+  }
+  EXPECT_EQ(pastPreamble("<!-- a"), 6U);
+}
+
+TEST(EndsTagName, IsTrueWhereNoMoreOfANameFollows) {
+  for (const std::string_view text : {"<a", "<a b", "<a\tb", "<a\r\nb", "<a\nb", "<a/>", "<a>"}) {
+    EXPECT_TRUE(endsTagName(text, 2)) << text;
+  }
+  for (const std::string_view text : {"<ab", "<a:b", "<a-", "<a=", "<a\xC2\xA0"}) {
+    EXPECT_FALSE(endsTagName(text, 2)) << text;
+  }
+}
+
 }  // namespace
 }  // namespace tamzo::testing

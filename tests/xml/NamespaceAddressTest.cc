@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tamzo/base/Text.h"
-#include "xml/XmlParser.h"
+#include "tests/support/Trees.h"
 #include "xml/XmlTree.h"
 
 namespace tamzo::testing {

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "tamzo/base/Text.h"
-#include "xml/XmlParser.h"
+#include "tests/support/Trees.h"
 #include "xml/XmlSerializer.h"
 #include "xml/XmlTree.h"
 

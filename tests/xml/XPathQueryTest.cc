@@ -10,7 +10,7 @@
 
 #include "tests/support/Documents.h"
 #include "tests/support/Growth.h"
-#include "xml/XmlParser.h"
+#include "tests/support/Trees.h"
 
 namespace tamzo::testing {
 namespace {

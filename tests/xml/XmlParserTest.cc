@@ -18,6 +18,7 @@
 #include "tests/support/Documents.h"
 #include "tests/support/Growth.h"
 #include "tests/support/HttpServer.h"
+#include "tests/support/Trees.h"
 #include "xml/XmlTree.h"
 
 namespace tamzo::testing {

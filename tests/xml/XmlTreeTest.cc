@@ -5,7 +5,7 @@
 #include <memory>
 #include <string_view>
 
-#include "xml/XmlParser.h"
+#include "tests/support/Trees.h"
 
 namespace tamzo::testing {
 namespace {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <utility>
 
 #include "base/Numbers.h"
@@ -155,6 +156,8 @@ constexpr auto kChildren = [] {
   std::sort(names.begin(), names.end());
   return names;
 }();
+
+static_assert(kChildren.size() <= std::numeric_limits<std::uint8_t>::max(), "no place for more");
 
 // What a parse needs of a row: the place of its child among them, and how that is read. Rows of one
 // child share the first place of its name.

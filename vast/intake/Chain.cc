@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/Utf8.h"
+#include "net/FailedFetch.h"
 #include "sdk/HostFetch.h"
 #include "xml/XmlParser.h"
 

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "base/AssignmentSearch.h"
 #include "base/WhiteSpace.h"
 #include "tamzo/vast/TamzoVastAd.h"
 

@@ -1,46 +1,42 @@
 // Which Linear can be played, and whether it is a JavaScript VPAID unit.
 
-#include "tamzo/vast/TamzoVastAd.h"
+#include "vast/linear/LinearSelection.h"
 
 #include "tamzo/sdk/TamzoLogger.h"
+#include "tamzo/vast/TamzoVastAd.h"
 
 namespace tamzo {
-namespace {
 
-enum class Media { unusable, video, javaScriptVpaid };
-
-Media mediaOf(const DDXMLElement& file) {
+MediaUse mediaUseOf(const DDXMLElement& file) {
   const Text type = file.attributeValue("type");
   if (type.view() == "video/mp4" || type.view() == "video/x-mp4") {
-    return Media::video;
+    return MediaUse::video;
   }
   const bool isVpaid = type.view() == "application/javascript" &&
                        file.attributeValue("apiFramework").view() == "VPAID";
-  return isVpaid ? Media::javaScriptVpaid : Media::unusable;
+  return isVpaid ? MediaUse::javaScriptVpaid : MediaUse::unusable;
 }
 
-}  // namespace
+NodeList decidingFilesOf(const NodeList& linears) {
+  NodeList files = linears.nodesUnderFirst("MediaFiles/MediaFile");
+  return files.empty() ? linears.nodesUnderFirst("MediaFiles/InteractiveCreativeFile") : files;
+}
 
 NodeList TamzoVastAd::newGetValidLinearNode(const NodeList& inlines) {
   NodeList linears = inlines.nodesUnderFirst("Creatives/Creative/Linear");
   if (linears.empty()) {
     return {};
   }
-  // MediaFile elements rule InteractiveCreativeFile elements out, even when none of them fits.
-  NodeList files = linears.nodesUnderFirst("MediaFiles/MediaFile");
-  if (files.empty()) {
-    files = linears.nodesUnderFirst("MediaFiles/InteractiveCreativeFile");
-  }
-  for (const DDXMLElement& file : files) {
-    switch (mediaOf(file)) {
-      case Media::video:
+  for (const DDXMLElement& file : decidingFilesOf(linears)) {
+    switch (mediaUseOf(file)) {
+      case MediaUse::video:
         TAMZO_LOG("valid linear node found!");
         return linears;
-      case Media::javaScriptVpaid:
+      case MediaUse::javaScriptVpaid:
         TAMZO_LOG("valid JS vPaid linearNode found!");
         noteJavaScriptVPAID(inlines);
         return linears;
-      case Media::unusable:
+      case MediaUse::unusable:
         break;
     }
   }

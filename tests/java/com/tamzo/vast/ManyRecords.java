@@ -58,7 +58,11 @@ public final class ManyRecords {
 
   private static long residentBytes() throws IOException {
     System.gc();
-    String pages = new String(Files.readAllBytes(Paths.get("/proc/self/statm"))).split(" ")[1];
-    return Long.parseLong(pages) * 4096;
+    for (String line : Files.readAllLines(Paths.get("/proc/self/status"))) {
+      if (line.startsWith("VmRSS:")) {
+        return Long.parseLong(line.replaceAll("[^0-9]", "")) * 1024;
+      }
+    }
+    throw new AssertionError("no VmRSS");
   }
 }
