@@ -40,7 +40,7 @@ printf 'lintian: nothing to say, in %d s\n' $((SECONDS - begin))
 
 # What a program in C or C++ may use, and what each package asks for.
 contents=$(mktemp -d)
-trap 'rm -rf "$contents"' EXIT
+trap 'rm -rf --one-file-system "$contents"' EXIT
 for package in "$packages"/*.deb; do
   name=$(dpkg-deb -f "$package" Package)
   [[ $name != *-dbgsym ]] || continue
@@ -83,7 +83,11 @@ left=$(find / -xdev -path /given -prune -o -path /proc -prune -o -path /tmp -pru
   -iname '*tamzo*' -print)
 test -z "$left" || { echo "left behind: $left"; exit 1; }
 END
-mmdebstrap --quiet --mode=root --variant=minbase --format=null \
+# Its mounts and processes are seen by itself alone and end with it, also where it is killed. Its folder
+# is below what the trap removes, and readable by the user whom apt downloads as.
+chmod 755 "$contents"
+TMPDIR=$contents unshare --pid --fork --kill-child --mount-proc \
+  mmdebstrap --quiet --mode=root --variant=minbase --format=null \
   --customize-hook="cp -r '$contents/given' \"\$1/\"" \
   --customize-hook='chroot "$1" sh /given/run >&2' "$codename" - <<<"$sources"
 printf 'used in a bare Debian, in %d s\n' $((SECONDS - begin))

@@ -2,7 +2,7 @@ import Foundation
 
 /// The record of one ad. Each property is a copy; nil is what was never written, and "" what was
 /// written empty. May be used from any thread: a lock keeps what changes a record from those that
-/// read it.
+/// read it. What fails throws a VastError.
 public final class VastAd: @unchecked Sendable {
   private let handle: OpaquePointer
   private let lock = NSRecursiveLock()
@@ -54,7 +54,8 @@ public final class VastAd: @unchecked Sendable {
     }
   }
 
-  /// The page that plays a JavaScript VPAID ad, which is stored in vPaidHTML too.
+  /// The page that plays a JavaScript VPAID ad, which is stored in vPaidHTML too. Throws
+  /// VastError.noPage where there is none.
   public func page(options: VastOptions? = nil) throws -> String {
     try read { ad in
       var page: OpaquePointer?

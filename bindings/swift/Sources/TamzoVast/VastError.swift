@@ -6,7 +6,7 @@ public enum VastError: Error, Equatable, Sendable {
   case noMemory
   /// A hook threw what the parser does not take for a failure.
   case hookFailed
-  /// The ad has no tag or no template, or its page is too large.
+  /// The ad has no tag or no template, its page is too large, a hook failed, or memory ran out.
   case noPage
 }
 

@@ -110,8 +110,8 @@ public final class OpenVastAd extends Handle {
    * The page that plays a JavaScript VPAID ad; the record has it as vPaidHTML from then on.
    *
    * @param options whose session id, page template and log are used
-   * @return the page; null where the ad has no tag or there is no template, and where it is too
-   *     large
+   * @return the page; null where the ad has no tag or there is no template, where it is too large,
+   *     and where memory runs out while it is made
    * @throws IllegalStateException after {@link #close()}
    */
   public @Nullable String page(@NotNull ParseOptions options) {
