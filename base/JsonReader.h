@@ -43,4 +43,7 @@ struct JsonProblem {
 /// throws.
 JsonFault readJson(std::string_view text, JsonHandler& handler, JsonProblem* problem = nullptr);
 
+/// What readJson finds wrong in the text, where nothing else of it is asked. Throws std::bad_alloc.
+JsonFault checkJson(std::string_view text);
+
 }  // namespace tamzo

@@ -14,22 +14,28 @@ inline std::size_t pastFirst(std::string_view text, std::string_view end,
   return at == std::string_view::npos ? text.size() : at + end.size();
 }
 
-/// Past the ">" of the tag or declaration that begins at `at`; one in quotes does not end it. Calls
-/// `visit` with each character outside quotes.
-template <typename Visit>
-std::size_t pastTag(std::string_view text, std::size_t at, Visit visit) noexcept {
+/// Past the ">" that ends the markup at `at`; one in quotes does not. `goOn` is given each
+/// character outside quotes and where the next one stands, and says where to go on.
+template <typename GoOn>
+std::size_t pastMarkup(std::string_view text, std::size_t at, GoOn goOn) noexcept {
   while (at < text.size()) {
     const char c = text[at++];
     if (c == '>') {
       break;
     }
-    if (c == '"' || c == '\'') {
-      at = pastFirst(text, std::string_view(&c, 1), at);
-    } else {
-      visit(c);
-    }
+    at = c == '"' || c == '\'' ? pastFirst(text, std::string_view(&c, 1), at) : goOn(c, at);
   }
   return at;
+}
+
+/// Past the ">" of the tag or declaration that begins at `at`. Calls `visit` with each character
+/// outside quotes.
+template <typename Visit>
+std::size_t pastTag(std::string_view text, std::size_t at, Visit visit) noexcept {
+  return pastMarkup(text, at, [&visit](char c, std::size_t next) {
+    visit(c);
+    return next;
+  });
 }
 
 /// Past the comment or processing instruction at `at`; `at` itself where none begins.

@@ -35,18 +35,9 @@ std::size_t pastSubset(std::string_view text, std::size_t at) noexcept {
 }
 
 std::size_t pastDocumentType(std::string_view text, std::size_t at) noexcept {
-  while (at < text.size()) {
-    const char c = text[at++];
-    if (c == '>') {
-      break;
-    }
-    if (c == '"' || c == '\'') {
-      at = pastFirst(text, std::string_view(&c, 1), at);
-    } else if (c == '[') {
-      at = pastSubset(text, at);
-    }
-  }
-  return at;
+  return pastMarkup(text, at, [text](char c, std::size_t next) {
+    return c == '[' ? pastSubset(text, next) : next;
+  });
 }
 
 // The next node in document order that stands in the text itself: what an entity stands for does

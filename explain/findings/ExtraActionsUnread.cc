@@ -5,18 +5,8 @@
 namespace tamzo::explain {
 namespace {
 
-class NoHandler : public JsonHandler {
- public:
-  bool scalar(std::string_view) override { return true; }
-  bool string(std::string_view, std::string_view) override { return true; }
-  bool key(std::string_view) override { return true; }
-  bool begin(std::string_view) override { return true; }
-  bool end(std::string_view, std::size_t) override { return true; }
-};
-
 std::string_view whyUnread(const Text& json) {
-  NoHandler handler;
-  switch (readJson(json, handler)) {
+  switch (checkJson(json)) {
     case JsonFault::tooDeep:
       return "too-deep";
     case JsonFault::tooLong:

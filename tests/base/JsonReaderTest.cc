@@ -134,6 +134,12 @@ TEST(JsonReader, SaysWhereAndWhy) {
   }
 }
 
+TEST(JsonReader, ChecksWhatNobodyReads) {
+  EXPECT_EQ(checkJson(R"({"a":[1,"b",null,{"c":true}]})"), JsonFault::none);
+  EXPECT_EQ(checkJson("[1,]"), JsonFault::malformed);
+  EXPECT_EQ(checkJson(std::string(600, '[')), JsonFault::tooDeep);
+}
+
 TEST(JsonReader, EndsWhereItsHandlerDoes) {
   Notes notes;
   notes.left = 2;

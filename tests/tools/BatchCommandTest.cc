@@ -14,14 +14,7 @@
 #include "tests/support/CommandFixture.h"
 #include "tests/support/HttpServer.h"
 #include "tests/support/RunningCommand.h"
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define TAMZO_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define TAMZO_SANITIZED
-#endif
-#endif
+#include "tests/support/Sanitized.h"
 
 namespace tamzo::testing {
 namespace {

@@ -37,6 +37,7 @@
 #include "tamzo/vast/TamzoVastAd.h"
 #include "tamzo/xml/DDXMLDocument.h"
 #include "tests/support/HostHooks.h"
+#include "tests/support/ReplacedNew.h"
 
 namespace {
 
@@ -70,10 +71,6 @@ struct Injector {
 Injector cpp;
 Injector libxml;
 
-void* allocate(std::size_t size) noexcept {
-  return cpp.failsNow() ? nullptr : std::malloc(size == 0 ? 1 : size);
-}
-
 void* xmlMalloc_(std::size_t size) { return libxml.failsNow() ? nullptr : std::malloc(size); }
 void* xmlRealloc_(void* block, std::size_t size) {
   return libxml.failsNow() ? nullptr : std::realloc(block, size);
@@ -82,32 +79,12 @@ char* xmlStrdup_(const char* text) { return libxml.failsNow() ? nullptr : ::strd
 
 }  // namespace
 
-// Inlined, g++ would take the pairs of them for mismatched ones.
-#define REPLACED __attribute__((noinline))
-
-REPLACED void* operator new(std::size_t size) {
-  if (void* block = allocate(size)) {
-    return block;
-  }
-  throw std::bad_alloc();
-}
-REPLACED void* operator new[](std::size_t size) { return operator new(size); }
-REPLACED void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return allocate(size);
-}
-REPLACED void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return allocate(size);
-}
-REPLACED void operator delete(void* block) noexcept { std::free(block); }
-REPLACED void operator delete[](void* block) noexcept { std::free(block); }
-REPLACED void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-REPLACED void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
-REPLACED void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
-REPLACED void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
-
-#undef REPLACED
-
 namespace tamzo::testing {
+
+void* allocate(std::size_t size) noexcept {
+  return cpp.failsNow() ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
 namespace {
 
 // The documents of a chain stand with form feeds between them.

@@ -9,37 +9,21 @@
 #include <new>
 
 #include "tamzo/tamzo_vast.h"
+#include "tests/support/ReplacedNew.h"
 
 namespace {
 
 long untilFailure = -1;  // allocations that still succeed; -1: all of them
 
-void* allocate(std::size_t size) noexcept {
+}  // namespace
+
+void* tamzo::testing::allocate(std::size_t size) noexcept {
   if (untilFailure == 0) {
     return nullptr;
   }
   untilFailure -= untilFailure > 0 ? 1 : 0;
   return std::malloc(size == 0 ? 1 : size);
 }
-
-}  // namespace
-
-#define REPLACED __attribute__((noinline))
-REPLACED void* operator new(std::size_t size) {
-  if (void* block = allocate(size)) {
-    return block;
-  }
-  throw std::bad_alloc();
-}
-REPLACED void* operator new[](std::size_t size) { return operator new(size); }
-REPLACED void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return allocate(size);
-}
-REPLACED void operator delete(void* block) noexcept { std::free(block); }
-REPLACED void operator delete[](void* block) noexcept { std::free(block); }
-REPLACED void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-REPLACED void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
-#undef REPLACED
 
 namespace {
 
