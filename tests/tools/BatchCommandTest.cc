@@ -449,8 +449,12 @@ TEST_F(BatchCommandTest, ALineTooLongForMemoryIsOneThatFails) {
     EXPECT_EQ(lines[2].at("id"), 3);
   }
 }
+
 TEST_F(BatchCommandTest, WhereDescriptorsRunOutTheFileIsRefusedAndTheNextOneRead) {
   const auto leaveFive = [] {
+    for (int inherited = 3; inherited < 64; ++inherited) {
+      close(inherited);
+    }
     const rlimit five{5, 5};
     setrlimit(RLIMIT_NOFILE, &five);
   };

@@ -166,7 +166,7 @@ TEST_F(ParseCommandTest, AChainMayHaveALimitOfTimeAsAWhole) {
   HttpServer server;
   for (int i = 1; i <= 4; ++i) {
     server.on("/" + std::to_string(i), [&server, i](const Exchange& exchange) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(300));
+      std::this_thread::sleep_for(std::chrono::milliseconds(400));
       exchange.respond("<VAST version='3.0'><Ad id='w'><Wrapper><VASTAdTagURI>" +
                        server.url("/" + std::to_string(i + 1)) +
                        "</VASTAdTagURI></Wrapper></Ad></VAST>");
@@ -175,9 +175,9 @@ TEST_F(ParseCommandTest, AChainMayHaveALimitOfTimeAsAWhole) {
   server.serve("/5", ad("a"));
   EXPECT_EQ(record({"parse", "--total-timeout", "60", server.url("/1")}).value("errorCode", -1),
             302);
-  EXPECT_EQ(record({"parse", "--total-timeout", "0.7", server.url("/1")}).value("errorCode", -1),
+  EXPECT_EQ(record({"parse", "--total-timeout", "1.5", server.url("/1")}).value("errorCode", -1),
             301);
-  EXPECT_EQ(record({"parse", "--timeout", "0.7", "--total-timeout", "60", server.url("/1")})
+  EXPECT_EQ(record({"parse", "--timeout", "1.5", "--total-timeout", "60", server.url("/1")})
                 .value("errorCode", -1),
             302)
       << "each is quick enough";

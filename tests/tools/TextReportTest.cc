@@ -13,8 +13,23 @@
 namespace tamzo::testing {
 namespace {
 
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::Not;
+
+// The time that a report tells behind these words. How much more than its limit a fetch takes is
+// the machine's affair.
+double millisecondsAfter(const std::string& words, const std::string& report) {
+  const std::size_t at = report.find(words);
+  if (at == std::string::npos) {
+    ADD_FAILURE() << "no \"" << words << "\" in " << report;
+    return 0.0;
+  }
+  const std::string rest = report.substr(at + words.size());
+  std::size_t length = 0;
+  const double number = std::stod(rest, &length);
+  return rest.substr(length).starts_with(" ms") ? number : number * 1000.0;
+}
 
 // What people read of a tag that cannot be fetched, with the default reader and a real server.
 class TextReportTest : public FetchFixture {
@@ -57,16 +72,16 @@ TEST_F(TextReportTest, ANameThatNobodyKnows) {
   const std::string report = reportOf("http://gone.example/");
   EXPECT_THAT(report, HasSubstr("There is no host named gone.example"));
   EXPECT_THAT(report, HasSubstr("correct the host"));
-  EXPECT_THAT(report, HasSubstr("\n  no connection in 0."));
+  EXPECT_THAT(report, ContainsRegex("\n  no connection in [0-9]+\\.[0-9] s"));
   setOptions(through("http://gone.example:1"));
   EXPECT_THAT(reportOf("http://here.example/"), HasSubstr("There is no proxy of the name"));
 }
 
 TEST_F(TextReportTest, AConnectionThatIsRefused) {
-  const std::string report = reportOf("http://127.0.0.1:1/");
+  const std::string report = reportOf(closedUrl());
   EXPECT_THAT(report, HasSubstr("127.0.0.1 takes no connection"));
   EXPECT_THAT(report, HasSubstr("is it up"));
-  EXPECT_THAT(report, HasSubstr("\n  no connection in 0."));
+  EXPECT_THAT(report, ContainsRegex("\n  no connection in [0-9]+\\.[0-9] s"));
   EXPECT_THAT(report, Not(HasSubstr("connected in")));
   EXPECT_THAT(report, Not(HasSubstr("first byte")));
 }
@@ -81,7 +96,7 @@ TEST_F(TextReportTest, AnAddressThatIsNotPublic) {
     EXPECT_THAT(report, HasSubstr("has no public address, and --public-only refuses"));
     EXPECT_THAT(report, HasSubstr("leave --public-only out"));
     EXPECT_THAT(report, Not(HasSubstr("is it up")));
-    EXPECT_THAT(report, HasSubstr("\n  no connection in 0."));
+    EXPECT_THAT(report, ContainsRegex("\n  no connection in [0-9]+\\.[0-9] s"));
   }
   EXPECT_TRUE(server_.requests().empty());
 }
@@ -98,7 +113,7 @@ TEST_F(TextReportTest, AServerThatIsNotTrusted) {
   const std::string report = reportOf(secure.url("/ad"));
   EXPECT_THAT(report, HasSubstr("No secure connection to 127.0.0.1 could be made"));
   EXPECT_THAT(report, HasSubstr("look at its certificate"));
-  EXPECT_THAT(report, HasSubstr("no secure connection in 0."));
+  EXPECT_THAT(report, ContainsRegex("no secure connection in [0-9]+\\.[0-9] s"));
   FetchOptions options;
   options.caFile = "/dev/null/none.pem";
   setOptions(options);
@@ -106,13 +121,13 @@ TEST_F(TextReportTest, AServerThatIsNotTrusted) {
 }
 
 TEST_F(TextReportTest, TheTimeOfAFetchPasses) {
-  limit(0.3);
+  limit(1.0);
   const std::string report = reportOf(server_.url("/silent"));
-  EXPECT_THAT(report, HasSubstr("127.0.0.1 did not answer within 3"));
+  EXPECT_GE(millisecondsAfter("127.0.0.1 did not answer within ", report), 1000.0);
   EXPECT_THAT(report, HasSubstr("Try a longer --timeout"));
   EXPECT_THAT(report, Not(HasSubstr("--total-timeout")));
   EXPECT_THAT(report, HasSubstr("\n  connected in "));
-  EXPECT_THAT(report, HasSubstr(", no answer in 0."));
+  EXPECT_THAT(report, ContainsRegex(", no answer in [0-9]+\\.[0-9] s"));
   EXPECT_THAT(report, Not(HasSubstr("first byte")));
 }
 
@@ -132,9 +147,9 @@ TEST_F(TextReportTest, TheTimeToConnectPasses) {
   const BlackHole hole;
   setLimits([](FetchLimits& limits) { limits.connectSeconds = 0.3; });
   const std::string report = reportOf(hole.url());
-  EXPECT_THAT(report, HasSubstr("127.0.0.1 took no connection within 3"));
+  EXPECT_GE(millisecondsAfter("127.0.0.1 took no connection within ", report), 300.0);
   EXPECT_THAT(report, HasSubstr("--timeout"));
-  EXPECT_THAT(report, HasSubstr("\n  no connection in 0."));
+  EXPECT_THAT(report, ContainsRegex("\n  no connection in [0-9]+\\.[0-9] s"));
 }
 
 TEST_F(TextReportTest, WhatIsTooLarge) {
