@@ -4,10 +4,13 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <cstdint>
 #include <ctime>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 #include "base/Ascii.h"
 #include "base/JsonWriter.h"
@@ -29,6 +32,48 @@ std::string stringOf(const JsonValue& value) { return std::string(value.asText()
 
 // ---- Reading -------------------------------------------------------------------------------
 
+// The UTF-16 unit of the escape that begins there; nothing where none does.
+std::optional<std::uint32_t> unitAt(std::string_view text, std::size_t at) noexcept {
+  constexpr std::size_t kLength = 6;
+  if (text.size() < at + kLength || text[at] != '\\' || text[at + 1] != 'u') {
+    return std::nullopt;
+  }
+  std::uint32_t unit = 0;
+  const char* const end = text.data() + at + kLength;
+  const auto [past, error] = std::from_chars(text.data() + at + 2, end, unit, 16);
+  return error == std::errc() && past == end ? std::optional(unit) : std::nullopt;
+}
+
+bool isSurrogate(std::optional<std::uint32_t> unit, std::uint32_t from) noexcept {
+  return unit && *unit >= from && *unit < from + 0x400U;
+}
+
+// Browsers write a binary body as text with halves of surrogate pairs in it, which are no text.
+std::string withoutHalfPairs(std::string text) {
+  constexpr std::uint32_t kHigh = 0xD800U;
+  constexpr std::uint32_t kLow = 0xDC00U;
+  for (std::size_t at = text.find('\\'); at != std::string::npos; at = text.find('\\', at)) {
+    const auto unit = unitAt(text, at);
+    const bool isHigh = isSurrogate(unit, kHigh);
+    if (isHigh && isSurrogate(unitAt(text, at + 6), kLow)) {
+      at += 12;
+      continue;
+    }
+    if (isHigh || isSurrogate(unit, kLow)) {
+      text.replace(at + 2, 4, "fffd");
+    }
+    at += 2;
+  }
+  return text;
+}
+
+// What a browser or a proxy asks beside the request itself, by the same URL.
+bool asksForNoBody(const JsonValue& entry) {
+  const Text method = entry.find("request").find("method").asText();
+  return equalsInAnyCase(method, "OPTIONS") || equalsInAnyCase(method, "HEAD") ||
+         equalsInAnyCase(method, "CONNECT");
+}
+
 std::optional<std::string> headerOf(const JsonValue& response, std::string_view name) {
   const JsonValue headers = response.find("headers");
   for (std::size_t i = 0; i < headers.size(); ++i) {
@@ -45,8 +90,8 @@ std::optional<std::string> bodyOf(const JsonValue& content) {
     // A browser that kept no body says how long it was.
     return content.find("size").asNumber() > 0 ? std::nullopt : std::optional<std::string>("");
   }
-  return content.find("encoding").asText().view() == "base64" ? decodeBase64(text.asText())
-                                                              : stringOf(text);
+  return equalsInAnyCase(content.find("encoding").asText(), "base64") ? decodeBase64(text.asText())
+                                                                      : stringOf(text);
 }
 
 double positive(const JsonValue& number) { return std::max(number.asNumber(), 0.0); }
@@ -255,8 +300,8 @@ class HarWriter {
 
 }  // namespace
 
-Har readHar(const std::string& text) {
-  const JsonValue log = JsonValue::parse(Text(text)).find("log");
+Har readHar(std::string text) {
+  const JsonValue log = JsonValue::parse(Text(withoutHalfPairs(std::move(text)))).find("log");
   const JsonValue entries = log.find("entries");
   if (entries.kind() != JsonValue::Kind::list || entries.isNil()) {
     throw CommandError("is no HAR: it has no log with entries");
@@ -264,7 +309,9 @@ Har readHar(const std::string& text) {
   Har har;
   har.entries.reserve(entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    har.entries.push_back(entryOf(entries.at(i)));
+    if (const JsonValue entry = entries.at(i); !asksForNoBody(entry)) {
+      har.entries.push_back(entryOf(entry));
+    }
   }
   const JsonValue tags = log.find("_unaskedTags");
   for (std::size_t i = 0; i < tags.size(); ++i) {

@@ -31,9 +31,10 @@ struct Har {
 /// The URL of a response that was given as text.
 inline constexpr const char* kInputUrl = "about:input";
 
-/// Reads HAR 1.2 of whatever maker: base64 and fields that nobody knows included. Throws
-/// CommandError, which does not name the file.
-Har readHar(const std::string& text);
+/// Reads HAR 1.2 of whatever maker: base64 and fields that nobody knows included. Requests that ask
+/// for no body, such as those that a browser sends ahead, are passed over. Throws CommandError,
+/// which does not name the file.
+Har readHar(std::string text);
 
 /// HAR 1.2.
 std::string writeHar(const Har& har);

@@ -39,9 +39,9 @@ Text responseOf(const std::string& input) {
 }
 
 ChainReplay readReplay(const std::string& path) {
-  const std::string text = readInput(path);
+  std::string text = readInput(path);
   try {
-    return ChainReplay(readHar(text));
+    return ChainReplay(readHar(std::move(text)));
   } catch (const CommandError& error) {
     throw CommandError(path + ": " + error.what());
   }

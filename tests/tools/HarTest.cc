@@ -58,6 +58,42 @@ TEST(HarTest, othersFilesAreRead) {
   EXPECT_EQ(har.entries[4].url, "");
 }
 
+// A browser asks for leave with OPTIONS, a proxy opens its tunnel with CONNECT.
+TEST(HarTest, requestsWithoutABodyArePassedOver) {
+  std::string entries;
+  for (const char* method : {"OPTIONS", "HEAD", "connect", "POST", "GET"}) {
+    entries += std::string(entries.empty() ? "" : ",") + R"({"request": {"method": ")" + method +
+               R"(", "url": "https://a/"}, "response": {"status": 200, "content": {"text": ")" +
+               method + R"("}}})";
+  }
+  const Har har = readHar(R"({"log": {"entries": [)" + entries + "]}}");
+  ASSERT_EQ(har.entries.size(), 2U);
+  EXPECT_EQ(har.entries[0].body, "POST");
+  EXPECT_EQ(har.entries[1].body, "GET");
+}
+
+TEST(HarTest, halvesOfSurrogatePairsSpoilNoFile) {
+  const auto bodyOf = [](const std::string& text) {
+    return readHar(R"({"log": {"entries": [{"response": {"content": {"text": ")" + text +
+                   R"("}}}]}})")
+        .entries.at(0)
+        .body;
+  };
+  EXPECT_EQ(bodyOf(R"(a\uD83D\uDE00b)"),
+            "a\xF0\x9F\x98\x80"
+            "b");
+  EXPECT_EQ(bodyOf(R"(\ud83dx)"), "\xEF\xBF\xBDx");
+  EXPECT_EQ(bodyOf(R"(\ud83d\ud83d\ude00)"), "\xEF\xBF\xBD\xF0\x9F\x98\x80");
+  EXPECT_EQ(bodyOf(R"(\udE00\ud83d)"), "\xEF\xBF\xBD\xEF\xBF\xBD");
+  EXPECT_EQ(bodyOf(R"(\\ud83d\n)"), "\\ud83d\n");
+}
+
+TEST(HarTest, base64IsNamedInAnyLetterCase) {
+  const Har har = readHar(R"({"log": {"entries": [{"response": {"status": 200,
+      "content": {"text": "PGEvPg==", "encoding": "BASE64"}}}]}})");
+  EXPECT_EQ(har.entries.at(0).body, "<a/>");
+}
+
 TEST(HarTest, whatIsNoHarIsRefused) {
   for (const char* text : {"", "{", "[]", "{}", R"({"log": {}})", R"({"log": {"entries": {}}})"}) {
     EXPECT_THROW(readHar(text), CommandError) << text;
