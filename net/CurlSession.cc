@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -102,6 +103,16 @@ curl_socket_t CurlSession::open(const curl_sockaddr& address) {
 int CurlSession::onClose(void* session, curl_socket_t socket) noexcept {
   std::erase(static_cast<CurlSession*>(session)->sockets_, socket);
   return close(socket);
+}
+
+// libcurl closes those that it finds ended; some of its releases use one on which bytes wait.
+void CurlSession::endDisturbed() noexcept {
+  for (const curl_socket_t socket : sockets_) {
+    pollfd idle{socket, POLLIN, 0};
+    if (poll(&idle, 1, 0) > 0) {
+      shutdown(socket, SHUT_RDWR);
+    }
+  }
 }
 
 void CurlSession::shortenPatience() noexcept {

@@ -37,6 +37,9 @@ class CurlSession {
   /// Opens a socket for libcurl, and knows of it until it is closed; CURL_SOCKET_BAD when there is
   /// none. Throws std::bad_alloc.
   curl_socket_t open(const curl_sockaddr& address);
+  /// Before a fetch: ends the connections on which something came while nothing was asked, so that
+  /// nothing takes it for its answer.
+  void endDisturbed() noexcept;
   /// Before a connection is used again: one that a network has swallowed since fails soon enough to
   /// be made anew.
   void shortenPatience() noexcept;

@@ -199,6 +199,7 @@ FetchFailure CurlTransfer::perform() {
 // says why it was stopped.
 CURLcode CurlTransfer::drive() {
   CURLM* multi = session_.multi();
+  session_.endDisturbed();
   if (mustStop() || curl_multi_add_handle(multi, easy_) != CURLM_OK) {
     return CURLE_FAILED_INIT;
   }

@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <future>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -376,6 +377,26 @@ TEST_F(CurlReaderTest, AConnectionThatTheServerClosesWhileIdleFailsNothing) {
       server->closeConnections();
     }
     EXPECT_EQ(server->connections(), 5U);
+  }
+}
+
+TEST_F(CurlReaderTest, WhatAServerSendsUnaskedAnswersNoLaterFetch) {
+  HttpServer secure(TestCertificates::make());
+  for (HttpServer* server : {&server_, &secure}) {
+    std::promise<void> isRead;
+    std::promise<void> isSent;
+    server->serve("/own", "its own");
+    server->on("/x", [&](const Exchange& exchange) {
+      exchange.respond("body");
+      isRead.get_future().wait_for(30s);
+      exchange.send("HTTP/1.1 200 OK\r\nContent-Length: 7\r\n\r\nunasked");
+      isSent.set_value();
+    });
+    EXPECT_EQ(fetch(server->url("/x"), trusting()).body, "body");
+    isRead.set_value();
+    isSent.get_future().wait_for(30s);
+    EXPECT_EQ(fetch(server->url("/own"), trusting()).body, "its own");
+    EXPECT_EQ(server->connections(), 2U);
   }
 }
 
