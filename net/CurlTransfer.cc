@@ -1,10 +1,13 @@
 #include "net/CurlTransfer.h"
 
+#include <netinet/in.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <string_view>
@@ -86,6 +89,15 @@ bool hasSystemFile() noexcept {
   return file != nullptr && access(file, R_OK) == 0;
 }
 
+int portOf(const curl_sockaddr& address) noexcept {
+  // Both kinds of address have it at the same place.
+  static_assert(offsetof(sockaddr_in, sin_port) == offsetof(sockaddr_in6, sin6_port));
+  in_port_t port = 0;
+  std::memcpy(&port, reinterpret_cast<const char*>(&address.addr) + offsetof(sockaddr_in, sin_port),
+              sizeof port);
+  return ntohs(port);
+}
+
 }  // namespace
 
 CurlTransfer::CurlTransfer(CurlSession& session, const FetchRequest& request, const CurlUrl& url,
@@ -94,7 +106,8 @@ CurlTransfer::CurlTransfer(CurlSession& session, const FetchRequest& request, co
       easy_(session.easy()),
       request_(request),
       deadline_(deadline),
-      answer_(request.limits.maxBodyBytes, spent) {
+      answer_(request.limits.maxBodyBytes, spent),
+      port_(url.port()) {
   setRequest(url);
   setTrust();
   setCallbacks();
@@ -287,13 +300,15 @@ FetchCause CurlTransfer::causeOf(FetchFailure failure, CURLcode code) const noex
     case FetchFailure::dns:
       return code == CURLE_COULDNT_RESOLVE_PROXY ? FetchCause::proxy : FetchCause::none;
     case FetchFailure::connect:
-      return isOnlyRefused_                              ? FetchCause::publicAddresses
-             : isRefusedByProxy() || code == CURLE_PROXY ? FetchCause::proxy
-                                                         : FetchCause::none;
+      return isOnlyRefused_ ? FetchCause::publicAddresses
+             : isProxyToBlame() || isRefusedByProxy() || code == CURLE_PROXY ? FetchCause::proxy
+                                                                             : FetchCause::none;
     case FetchFailure::tls:
       return code == CURLE_SSL_CACERT_BADFILE ? FetchCause::caFile : FetchCause::none;
     case FetchFailure::timeout:
-      return isConnected_ || hasPassed(deadline_) ? FetchCause::fetchTime : FetchCause::connectTime;
+      return isProxyToBlame()                       ? FetchCause::proxy
+             : isConnected_ || hasPassed(deadline_) ? FetchCause::fetchTime
+                                                    : FetchCause::connectTime;
     case FetchFailure::tooLarge:
       return answer_.failure() == failure  ? answer_.cause()
              : code == CURLE_OUT_OF_MEMORY ? FetchCause::headerSize
@@ -301,6 +316,12 @@ FetchCause CurlTransfer::causeOf(FetchFailure failure, CURLcode code) const noex
     default:
       return FetchCause::none;
   }
+}
+
+// Of a kind of proxy that it does not know libcurl opens nothing.
+bool CurlTransfer::isProxyToBlame() const noexcept {
+  const bool isUnknown = !hasOpened_ && request_.options.proxy && !request_.options.proxy->empty();
+  return !isConnected_ && (isByProxy_ || isUnknown);
 }
 
 // A proxy that opens no tunnel; libcurl takes its answer for the server's.
@@ -373,6 +394,8 @@ curl_socket_t CurlTransfer::onOpen(void* self, curlsocktype, curl_sockaddr* addr
     return CURL_SOCKET_BAD;
   }
   transfer.isOnlyRefused_ = false;
+  // libcurl says nowhere whether it is a proxy that it tries.
+  transfer.isByProxy_ = portOf(*address) != transfer.port_;
   try {
     return transfer.session_.open(*address);
   } catch (const std::bad_alloc&) {

@@ -69,6 +69,7 @@ class CurlTransfer {
   double milliseconds(CURLINFO info) const noexcept;
   FetchFailure failureOf(CURLcode code) const noexcept;
   FetchCause causeOf(FetchFailure failure, CURLcode code) const noexcept;
+  bool isProxyToBlame() const noexcept;
   bool isRefusedByProxy() const noexcept;
   std::size_t handOver(Take take, std::string_view bytes) noexcept;
 
@@ -94,6 +95,8 @@ class CurlTransfer {
   bool hasOpened_ = false;
   bool isOnlyRefused_ = false;  // no address has been tried that the options allow
   bool isConnected_ = false;
+  int port_;                // of the URL
+  bool isByProxy_ = false;  // the port that was tried last is another
 };
 
 }  // namespace tamzo

@@ -100,7 +100,7 @@ std::optional<CurlUrl> CurlUrl::resolve(const std::string& location) const {
 
 bool CurlUrl::hasOriginOf(const CurlUrl& other) const {
   return isHttps() == other.isHttps() && equalsInAnyCase(host(), other.host()) &&
-         part(CURLUPART_PORT, CURLU_DEFAULT_PORT) == other.part(CURLUPART_PORT, CURLU_DEFAULT_PORT);
+         port() == other.port();
 }
 
 std::string CurlUrl::part(CURLUPart which, unsigned flags) const {

@@ -22,6 +22,8 @@ class CurlUrl {
   std::string text() const { return part(CURLUPART_URL); }
   /// In ASCII, an IPv6 address in brackets.
   std::string host() const { return part(CURLUPART_HOST); }
+  /// That of the scheme where none is written.
+  int port() const { return std::stoi(part(CURLUPART_PORT, CURLU_DEFAULT_PORT)); }
   bool isHttps() const { return part(CURLUPART_SCHEME) == "https"; }
   bool hasUser() const { return !part(CURLUPART_USER).empty(); }
   /// Decoded; "" when there is none.

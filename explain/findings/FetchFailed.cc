@@ -14,6 +14,9 @@ struct Words {
 
 constexpr std::string_view kOwner = "Whoever runs that server: look why.";
 
+constexpr std::string_view kLookAtProxy =
+    "Correct --proxy, or look at the proxy and at what it allows.";
+
 Words wordsForConnection(const FetchResult& fetch, const std::string& host) {
   switch (fetch.cause) {
     case FetchCause::publicAddresses:
@@ -21,8 +24,7 @@ Words wordsForConnection(const FetchResult& fetch, const std::string& host) {
               "Whoever made the tag: name a host of the public Internet. To ask this one all the "
               "same, leave --public-only out."};
     case FetchCause::proxy:
-      return {"The proxy opens no way to " + host + ".",
-              "Correct --proxy, or look at the proxy and at what it allows."};
+      return {"The proxy opens no way to " + host + ".", kLookAtProxy};
     default:
       return {host + " takes no connection.",
               "Whoever runs that server: is it up, and is the port right?"};
@@ -59,6 +61,9 @@ Words wordsForTime(const FetchResult& fetch, const std::string& host) {
     return {fmt::format("{} did not answer within {}, all that was left of the time for the chain.",
                         host, passed),
             "Try a longer --total-timeout, or call whoever runs the slowest server of the chain."};
+  }
+  if (fetch.cause == FetchCause::proxy) {
+    return {fmt::format("The proxy opened no way to {} within {}.", host, passed), kLookAtProxy};
   }
   if (fetch.cause == FetchCause::connectTime) {
     return {fmt::format("{} took no connection within {}.", host, passed),

@@ -86,6 +86,19 @@ TEST_F(TextReportTest, AConnectionThatIsRefused) {
   EXPECT_THAT(report, Not(HasSubstr("first byte")));
 }
 
+TEST_F(TextReportTest, AProxyThatIsDownIsNotTheServersFault) {
+  setOptions(through(closedUrl()));
+  const std::string report = reportOf("http://here.example/");
+  EXPECT_THAT(report, HasSubstr("The proxy opens no way to here.example"));
+  EXPECT_THAT(report, HasSubstr("Correct --proxy"));
+  setOptions(through("nonsense://p.example"));
+  EXPECT_THAT(reportOf("http://here.example/"), HasSubstr("The proxy opens no way"));
+  const BlackHole hole;
+  setLimits([](FetchLimits& limits) { limits.connectSeconds = 0.2; });
+  setOptions(through(hole.url()));
+  EXPECT_THAT(reportOf("http://here.example/"), HasSubstr("The proxy opened no way"));
+}
+
 TEST_F(TextReportTest, AnAddressThatIsNotPublic) {
   server_.serve("/ad", "x");
   FetchOptions options;

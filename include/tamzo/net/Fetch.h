@@ -39,7 +39,7 @@ enum class FetchCause : std::uint8_t {
   none,             ///< the failure says it all
   publicAddresses,  ///< `connect`: every address was refused by FetchOptions::publicAddressesOnly
   httpsStaysHttps,  ///< `protocol`: a redirect was refused by FetchOptions::httpsStaysHttps
-  proxy,            ///< `dns` or `connect`: the proxy has no such name, or opens no way
+  proxy,            ///< `dns`, `connect` or `timeout`: there is no such proxy, or it opens no way
   caFile,           ///< `tls`: FetchOptions::caFile cannot be used
   connectTime,      ///< `timeout`: FetchLimits::connectSeconds passed
   fetchTime,        ///< `timeout`: FetchLimits::totalSeconds passed
