@@ -13,6 +13,7 @@
 #include <new>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tamzo/base/Version.h"
@@ -83,6 +84,28 @@ void refuseUnexpected(const CLI::App& app) {
   }
 }
 
+// CLI11's words, or better ones: "--timeout: 1 required SECONDS missing", "--timeout: At Most 1
+// required but received 2".
+std::string wordsOf(const CLI::ParseError& error) {
+  constexpr std::string_view kRequired = ": 1 required ";
+  constexpr std::string_view kMissing = " missing";
+  const std::string text = error.what();
+  const std::string name = text.substr(0, text.find(": "));
+  const std::size_t required = text.find(kRequired);
+  if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+    return "a command is missing; take parse, page or batch";
+  }
+  if (text.find(" required but received ") != std::string::npos) {
+    return name + ": is given more than once";
+  }
+  if (required != std::string::npos && text.ends_with(kMissing)) {
+    const std::size_t begin = required + kRequired.size();
+    return name + ": takes " + text.substr(begin, text.size() - kMissing.size() - begin) +
+           ", which is missing";
+  }
+  return text;
+}
+
 // The commands run from here.
 void readArguments(CLI::App& app, int argc, char** argv) {
   try {
@@ -91,7 +114,7 @@ void readArguments(CLI::App& app, int argc, char** argv) {
     throw;
   } catch (const CLI::ParseError& error) {
     refuseUnexpected(app);
-    throw CommandError(error.what() + helpHint(app));
+    throw CommandError(wordsOf(error) + helpHint(app));
   }
 }
 

@@ -24,11 +24,11 @@ TEST_F(MainTest, WrongUsageIsOneLineAndStatus2) {
     std::string named;  // what the line must name
   };
   std::vector<Row> rows = {
-      {{}, "tamzo-vast"},
+      {{}, "a command is missing; take parse, page or batch (see tamzo-vast --help)"},
       {{"nonsense"}, "there is no command \"nonsense\""},
       {{"nonsense", "parse"}, "\"nonsense\""},
       {{"--nonsense", "parse"}, "unknown option --nonsense"},
-      {{"--", "parse"}, "subcommand"},
+      {{"--", "parse"}, "a command is missing"},
       {{"parse", "--nonsense"}, "--nonsense"},
       {{"page", "--format", "json", good}, "--format"},
       {{"batch", "--format", "json", good}, "--format"},
@@ -36,8 +36,9 @@ TEST_F(MainTest, WrongUsageIsOneLineAndStatus2) {
       {{"page", "--", good, good}, "one input at a time"},
       {{"parse", good, good, "--nonsense"}, "unknown option --nonsense"},
       {{"parse", "--nonsense", "--", good}, "unknown option --nonsense"},
-      {{"parse", "--timeout", "1", "--timeout", "2", good}, "--timeout"},
-      {{"parse", "--timeout"}, "--timeout"},
+      {{"parse", "--timeout", "1", "--timeout", "2", good},
+       "--timeout: is given more than once (see tamzo-vast parse --help)"},
+      {{"parse", "--timeout"}, "--timeout: takes SECONDS, which is missing (see"},
       {{"parse", "--total-timeout", "0", good}, "--total-timeout"},
       {{"parse", "--header", "no colon", good}, "--header"},
       {{"parse", "--header", "X-A: b\r\nX-C: d", good}, "X-A"},
