@@ -110,7 +110,10 @@ std::optional<std::size_t> freeMemory() noexcept {
   const Memory used = usedMemory();
   const auto addressSpace = restOf(RLIMIT_AS, used.addressSpace);
   const auto data = restOf(RLIMIT_DATA, used.data);
-  return addressSpace && data ? std::min(*addressSpace, *data) : addressSpace ? addressSpace : data;
+  if (addressSpace && data) {
+    return std::min(*addressSpace, *data);
+  }
+  return addressSpace ? addressSpace : data;
 }
 
 void endByBrokenPipe() {
