@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <utility>
 
+#include "base/Numbers.h"
 #include "tamzo/xml/NodeList.h"
 #include "xml/AssignmentEscape.h"
 #include "xml/DocumentBuilder.h"
@@ -12,6 +13,9 @@ namespace {
 
 using Element = DocumentBuilder::Element;
 using Elements = std::vector<DDXMLElement>;
+
+// Of version 2 the attribute of a Linear is not read.
+constexpr int kFirstWithSkipOffset = 3;
 
 // What is looked for in a document, once, since it may have very many elements.
 struct Source {
@@ -52,6 +56,19 @@ Element appendContainer(Element target, const DDXMLElement& own, std::string_vie
   return own ? target.appendTagOf(own) : target.append(name);
 }
 
+// All child elements but those that `path` finds.
+void copyChildrenBut(Element target, const DDXMLElement& element, const XPath& path) {
+  const NodeList omitted = element.nodesForXPath(path);
+  std::size_t next = 0;
+  forEachChild(element, [&](const DDXMLElement& child) {
+    if (next < omitted.size() && omitted.at(next) == child) {
+      ++next;
+    } else {
+      target.appendCopy(child);
+    }
+  });
+}
+
 // The providers of all documents are gathered in one element, so that each leaves its own place.
 void copyExtension(Element extensions, const DDXMLElement& extension,
                    const DDXMLElement& providers) {
@@ -66,8 +83,11 @@ void copyExtension(Element extensions, const DDXMLElement& extension,
 /// of where it belongs.
 class Merge {
  public:
-  Merge(const Elements& chain, const DDXMLElement& inlineAd)
-      : wrappers_(chain.begin(), chain.end()), inline_(inlineAd) {}
+  Merge(const Elements& chain, const DDXMLElement& inlineAd, std::string_view version)
+      : wrappers_(chain.begin(), chain.end()),
+        inline_(inlineAd),
+        ownSkipOffsetWins_(integerValue(version) >= kFirstWithSkipOffset &&
+                           inline_.linear.attributeValue("skipoffset").hasCharacters()) {}
 
   void appendInLine(Element ad) {
     Element inLine = ad.append("InLine");
@@ -127,10 +147,31 @@ class Merge {
     appendProviders(extensions);
     for (const Source& wrapper : wrappers_) {
       for (const DDXMLElement& extension : wrapper.ad.nodesForXPath("Extensions/Extension")) {
-        copyExtension(extensions, extension, wrapper.providers);
+        copyExtensionOfWrapper(extensions, extension, wrapper.providers);
       }
     }
     copyExtensions(extensions, own);
+  }
+
+  // In the chain the InLine's Linear comes after the vendor blocks of Wrappers, in one document
+  // before them, where their offset would win.
+  void copyExtensionOfWrapper(Element extensions, const DDXMLElement& extension,
+                              const DDXMLElement& providers) {
+    if (!ownSkipOffsetWins_ || !extension.firstNodeForXPath("Tamzo/SkipOffset")) {
+      copyExtension(extensions, extension, providers);
+      return;
+    }
+    const NodeList blocks = extension.nodesForXPath("Tamzo");
+    std::size_t next = 0;
+    Element copy = extensions.appendTagOf(extension);
+    forEachChild(extension, [&](const DDXMLElement& child) {
+      if (next < blocks.size() && blocks.at(next) == child) {
+        ++next;
+        copyChildrenBut(copy.appendTagOf(child), child, "SkipOffset");
+      } else if (child != providers) {
+        copy.appendCopy(child);
+      }
+    });
   }
 
   void copyExtensions(Element extensions, const DDXMLElement& own) {
@@ -249,6 +290,7 @@ class Merge {
 
   std::vector<Source> wrappers_;
   Source inline_;
+  bool ownSkipOffsetWins_;
 };
 
 }  // namespace
@@ -261,7 +303,7 @@ std::string mergeInlineVast(const std::vector<DDXMLElement>& chain, const DDXMLE
   if (!adId.isNil()) {
     ad.setAttribute("id", adId);
   }
-  Merge(chain, inlineAd).appendInLine(ad);
+  Merge(chain, inlineAd, version).appendInLine(ad);
   // The parser takes "xmlns=" out of every response before it reads it.
   return withoutAssignments(document.write(), "xmlns");
 }

@@ -80,7 +80,7 @@ int run(const Request& options) {
   } else if (const auto why = explainer.explain(*ad); isJson) {
     output.writeJson(explain::recordWithExplanation(*ad, why, JsonLayout::indented) + "\n");
   } else if (options.format == "html") {
-    output.write(htmlReport(*ad, why, *log));
+    output.writeLines(htmlReport(*ad, why, *log));
   } else {
     output.write(textReport(*ad, why, styleFor(output, options.common.colours())));
   }

@@ -45,18 +45,40 @@ bool isIgnored(int signal) {
   return sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN;
 }
 
-// Bytes of the address space that are in use; 0 where the system does not tell. Takes no memory.
-std::size_t usedMemory() noexcept {
+struct Memory {
+  std::size_t addressSpace = 0;
+  std::size_t data = 0;  // what the program has for itself alone, its stack included
+};
+
+// Bytes that are in use; 0 where the system does not tell. Takes no memory.
+Memory usedMemory() noexcept {
   const int file = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
   if (file == -1) {
-    return 0;
+    return {};
   }
-  std::array<char, 64> text{};
+  std::array<char, 128> text{};
   const ssize_t length = read(file, text.data(), text.size());
   close(file);
-  std::size_t pages = 0;
-  std::from_chars(text.data(), text.data() + std::max<ssize_t>(length, 0), pages);
-  return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  constexpr std::size_t kData = 5;
+  std::array<std::size_t, kData + 1> pages{};
+  const char* const end = text.data() + std::max<ssize_t>(length, 0);
+  const char* at = text.data();
+  for (std::size_t& each : pages) {
+    at = std::find_if(at, end, [](char c) { return c != ' '; });
+    at = std::from_chars(at, end, each).ptr;
+  }
+  const auto pageBytes = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  return {pages[0] * pageBytes, pages[kData] * pageBytes};
+}
+
+// What a limit leaves of itself.
+std::optional<std::size_t> restOf(int resource, std::size_t used) noexcept {
+  rlimit limit{};
+  if (getrlimit(static_cast<decltype(RLIMIT_AS)>(resource), &limit) != 0 ||
+      limit.rlim_cur == RLIM_INFINITY) {
+    return std::nullopt;
+  }
+  return limit.rlim_cur > used ? limit.rlim_cur - used : 0;
 }
 
 }  // namespace
@@ -73,6 +95,7 @@ void holdStandardStreams() {
 void handleSignals() {
   wasPipeIgnored = isIgnored(SIGPIPE);
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   struct sigaction action {};
   action.sa_handler = onEndingSignal;
   action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER | SA_RESTART);
@@ -84,12 +107,13 @@ void handleSignals() {
 }
 
 std::optional<std::size_t> freeMemory() noexcept {
-  rlimit limit{};
-  if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) {
-    return std::nullopt;
+  const Memory used = usedMemory();
+  const auto addressSpace = restOf(RLIMIT_AS, used.addressSpace);
+  const auto data = restOf(RLIMIT_DATA, used.data);
+  if (addressSpace && data) {
+    return std::min(*addressSpace, *data);
   }
-  const std::size_t used = usedMemory();
-  return limit.rlim_cur > used ? limit.rlim_cur - used : 0;
+  return addressSpace ? addressSpace : data;
 }
 
 void endByBrokenPipe() {

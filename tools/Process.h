@@ -9,11 +9,11 @@ namespace tamzo::command {
 /// is taken for it. Reading and writing such a stream fail as before.
 void holdStandardStreams();
 
-/// From here on a closed pipe is an error of the write alone, and WholeWrite holds off the signals
-/// that end the command. For the start of the program.
+/// From here on a closed pipe and a file that has its largest size are errors of the write alone,
+/// and WholeWrite holds off the signals that end the command. For the start of the program.
 void handleSignals();
 
-/// Bytes of the address space that are free, where it is limited.
+/// Bytes of memory that are free, where the address space or the data is limited.
 std::optional<std::size_t> freeMemory() noexcept;
 
 /// Ends the program as a closed pipe does where nobody asked for anything else; returns where

@@ -282,6 +282,27 @@ TEST_F(VpaidXml, ProvidersOfAWrapperComeOnceAndTheRestOfTheirExtensionStays) {
             Texts{"AdVerifications"});
 }
 
+TEST_F(VpaidXml, ReadsBackWithTheSkipOffsetThatWinsInTheChain) {
+  const std::string block =
+      "<Extensions xmlns:p='urn:p'><Extension><Other/><Tamzo><SkipOffset>00:00:09</SkipOffset>"
+      "<TrackId p:a=''>t</TrackId><SkipOffset>00:00:08</SkipOffset></Tamzo><AdVerifications>"
+      "<Verification vendor='v'/></AdVerifications></Extension></Extensions>";
+  for (const char* version : {"2.0", "3.0", "4.2"}) {
+    const std::string attributes = "version='" + std::string(version) + "'";
+    for (const char* own : {"", " skipoffset=''", " skipoffset='00:00:05'"}) {
+      std::string last = inlineAd("", "", attributes);
+      last.replace(last.find("<Linear"), 7, "<Linear" + std::string(own));
+      web_["http://ads.example/2"] = last;
+      merge(wrapper("2", block, attributes));
+      EXPECT_EQ(again_->skipOffsetMillis(), ad_->skipOffsetMillis()) << version << own;
+      EXPECT_GT(ad_->skipOffsetMillis(), 0) << version << own;
+      EXPECT_EQ(again_->trackId(), Text("t"));
+      EXPECT_EQ(again_->measurementProviderList()->size(), 1U);
+      EXPECT_EQ(merged_->nodesForXPath("//Other").size(), 1U);
+    }
+  }
+}
+
 TEST_F(VpaidXml, HasTheCustomClicksOfTheWholeChain) {
   const auto clicks = [](const std::string& n) {
     return "<VideoClicks><CustomClick>x" + n + "</CustomClick></VideoClicks>";

@@ -450,6 +450,35 @@ TEST_F(BatchCommandTest, ALineTooLongForMemoryIsOneThatFails) {
   }
 }
 
+TEST_F(BatchCommandTest, AnswersThatNobodyReadsYetStayWithinTheLimitOfData) {
+  constexpr int kLines = 30'000;
+  std::string input;
+  for (int i = 0; i < kLines; ++i) {
+    input += requestLine(i, ad("a"));
+  }
+  const auto limit = [] {
+    constexpr rlim_t kMemory = rlim_t{16} << 20U;
+    const rlimit memory{kMemory, kMemory};
+    setrlimit(RLIMIT_DATA, &memory);
+  };
+  RunningCommand batch({"batch", "-q", "-j", "2"}, {file("in", input), "", path("err"), limit});
+  std::this_thread::sleep_for(std::chrono::seconds(1));  // more answers than there is memory for
+  const std::string answers = batch.readAll();
+  EXPECT_EQ(batch.wait(), 0);
+  EXPECT_EQ(std::count(answers.begin(), answers.end(), '\n'), kLines);
+  EXPECT_EQ(contentOf(path("err")), "");
+}
+
+TEST_F(BatchCommandTest, AFileThatMayNotGrowIsAnOutputThatCannotBeWritten) {
+  const auto limit = [] {
+    const rlimit size{1000, 1000};
+    setrlimit(RLIMIT_FSIZE, &size);
+  };
+  const Streams streams{file("in", requestLine(1, ad("a"))), "", path("err"), limit};
+  EXPECT_EQ(RunningCommand({"batch", "-o", path("file")}, streams).wait(), 2);
+  EXPECT_EQ(contentOf(path("err")), "tamzo-vast: " + path("file") + ": File too large\n");
+}
+
 TEST_F(BatchCommandTest, WhereDescriptorsRunOutTheFileIsRefusedAndTheNextOneRead) {
   const auto leaveFive = [] {
     for (int inherited = 3; inherited < 64; ++inherited) {

@@ -122,8 +122,11 @@ TEST_F(TerminalTest, NothingHostileReachesIt) {
   response.replace(
       response.find("<Linear>"), 8,
       "<Linear><Icons><Icon program='" + evil + "'/></Icons><Duration>" + evil + "</Duration>");
-  for (const Arguments& arguments :
-       {Arguments{"parse"}, {"parse", "--format", "json"}, {"parse", "--debug"}, {"page"}}) {
+  for (const Arguments& arguments : {Arguments{"parse"},
+                                     {"parse", "--format", "json"},
+                                     {"parse", "--format", "html"},
+                                     {"parse", "--debug"},
+                                     {"page"}}) {
     const std::string text = shownOf(arguments, response);
     EXPECT_NE(text.find("\\u202e"), std::string::npos) << arguments.back();
     expectHarmless(text, arguments.back());
