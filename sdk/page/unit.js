@@ -26,14 +26,24 @@ function callOrFail(object, method, parameters) {
   }
 }
 
+/** @type {Set<string>} methods that the unit is in */
+const asked = new Set();
+
 /**
- * A call that the unit may fail, or not know.
+ * A call that the unit may fail, or not know. A unit that tells of an event when it is asked about
+ * that event is not asked again meanwhile.
  * @param {string} method
  * @param {unknown[]} [parameters]
  */
 function askUnit(method, parameters) {
-  return attempt(() => (unit && typeof unit[method] === "function"
+  if (asked.has(method)) {
+    return undefined;
+  }
+  asked.add(method);
+  const answer = attempt(() => (unit && typeof unit[method] === "function"
     ? unit[method](...(parameters || [])) : undefined));
+  asked.delete(method);
+  return answer;
 }
 
 /** @param {string} method */
@@ -56,16 +66,21 @@ function makeUnit() {
 
 /** @param {string} adParameters */
 function initUnit(adParameters) {
-  unitSize = [window.innerWidth, window.innerHeight];
+  unitSize = pageSize();
   callOrFail(unit, "initAd", [unitSize[0], unitSize[1], "normal", DESIRED_BITRATE,
     { AdParameters: adParameters },
     { slot: stage.slot, videoSlot: stage.video,
       videoSlotCanAutoPlay: settings.autoplay !== "none" }]);
 }
 
+/** @returns {[number, number]} the last one known where a unit has damaged the page */
+function pageSize() {
+  return attempt(() => [window.innerWidth, window.innerHeight]) || unitSize;
+}
+
 // A unit is not asked to take a new size before it has loaded.
 function passSize() {
-  unitSize = [window.innerWidth, window.innerHeight];
+  unitSize = pageSize();
   askUnit("resizeAd", [unitSize[0], unitSize[1], "normal"]);
 }
 
