@@ -142,7 +142,7 @@ async function initialise(adParameters) {
 async function start() {
   const started = eventOf("AdStarted", "AdImpression", "AdVideoStart");
   ad.hasStarted = true;
-  ad.early.splice(0).forEach(([name, parameters]) => onUnitEvent(name, parameters));
+  ad.early.splice(0).forEach(([name, parameters]) => takeEvent(name, parameters));
   callOrFail(unit, "startAd", []);
   await within(started, LIMITS.start, 901, "AdStarted");
   startWatch();
@@ -172,15 +172,33 @@ const STACK_NEEDED = 1000;
  */
 function needStack(depth) { return depth === 0 ? 1 : 1 + needStack(depth - 1); }
 
+/** @type {[string, unknown[]][]} events that wait for room, in their order */
+const late = [];
+
 /**
  * @param {string} name
  * @param {unknown[]} parameters
  */
 function onUnitEvent(name, parameters) {
-  if (!attempt(() => needStack(STACK_NEEDED))) {
-    setTimer(() => onUnitEvent(name, parameters), 0);
+  if (late.length === 0 && attempt(() => needStack(STACK_NEEDED))) {
+    takeEvent(name, parameters);
     return;
   }
+  if (late.length === 0) {
+    setTimer(takeLate, 0);
+  }
+  late.push([name, parameters]);
+}
+
+function takeLate() {
+  late.splice(0).forEach(([name, parameters]) => takeEvent(name, parameters));
+}
+
+/**
+ * @param {string} name
+ * @param {unknown[]} parameters
+ */
+function takeEvent(name, parameters) {
   if (ad.hasEnded) {
     return;
   }

@@ -26,29 +26,37 @@ function callOrFail(object, method, parameters) {
   }
 }
 
-/** @type {Set<string>} methods that the unit is in */
-const asked = new Set();
-
 /**
- * A call that the unit may fail, or not know. A unit that tells of an event when it is asked about
- * that event is not asked again meanwhile.
+ * A call that the unit may fail, or not know.
  * @param {string} method
  * @param {unknown[]} [parameters]
  */
 function askUnit(method, parameters) {
-  if (asked.has(method)) {
+  return attempt(() => (unit && typeof unit[method] === "function"
+    ? unit[method](...(parameters || [])) : undefined));
+}
+
+/** @type {Set<string>} */
+const beingAsked = new Set();
+
+/**
+ * The same of a getter. Some tell of the very event that has them asked: they are not asked anew
+ * meanwhile.
+ * @param {string} getter
+ */
+function askValue(getter) {
+  if (beingAsked.has(getter)) {
     return undefined;
   }
-  asked.add(method);
-  const answer = attempt(() => (unit && typeof unit[method] === "function"
-    ? unit[method](...(parameters || [])) : undefined));
-  asked.delete(method);
-  return answer;
+  beingAsked.add(getter);
+  const value = askUnit(getter);
+  beingAsked.delete(getter);
+  return value;
 }
 
 /** @param {string} method */
 function askNumber(method) {
-  const value = askUnit(method);
+  const value = askValue(method);
   return typeof value === "number" && isFinite(value) ? value : -1;
 }
 
