@@ -392,9 +392,9 @@ scenario("a unit that takes the bridge and the app's calls off the page is heard
   });
 
 scenario("AdError is heard from a unit whose stack is used up", async (stage) => {
-  await stage.playUnit(acting(`(function deeper() {
+  await stage.playUnit(acting(`setTimeout(function deeper() {
     try { deeper(); } catch (full) { unit.happen("AdError", "deep"); throw full; }
-  })();`));
+  }, 0);`));
   assert.deepEqual(await stage.ended(), { code: 901, message: "deep" });
   stage.expectMessages(...STARTING, "AdError");
   stage.expectPixels([...STARTED, "error-901"]);
@@ -414,8 +414,9 @@ scenario("a unit that tells of a change when it is asked about it is asked once"
 scenario("a page that leaves while its pixels are on their way says its last message",
   async (stage) => {
     server.delayOf = (path) => (path.endsWith("/slow") ? 200000 : 0);
-    await stage.playUnit(acting(`unit.happen("AdStopped");
-      window.parent.setTimeout("location.replace('about:blank#left')", 0);`), { leaves: true,
+    await stage.playUnit(acting(`var page = window.parent;
+      unit.happen("AdStopped");
+      page.setTimeout("location.replace('about:blank#left')", 0);`), { leaves: true,
       ad: { more: `<Impression>${stage.pixel("slow")}</Impression>` } });
     await stage.ended();
     server.delayOf = () => 0;
