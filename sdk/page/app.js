@@ -14,8 +14,9 @@ function tellApp(name, details) {
   }
   sequence += 1;
   const place = { session: settings.session, sequence };
-  return Boolean(attempt(() => tellHandler(name, details, place) ||
-                               tellBridge(name, details, place)));
+  const tell = findApp();
+  attempt(() => tell && tell(name, details, place));
+  return tell !== null;
 }
 
 /**
@@ -29,28 +30,33 @@ function tellLast(name, details) {
 }
 
 /**
- * @param {string} name
- * @param {object} details
- * @param {object} place
+ * The app's side, once it has been found: a unit may take it off the page.
+ * @type {((name: string, details: object, place: object) => void) | null}
  */
-function tellHandler(name, details, place) {
-  const handlers = window.webkit && window.webkit.messageHandlers;
-  if (!handlers || !handlers.tamzo) {
-    return false;
-  }
-  handlers.tamzo.postMessage(Object.assign({ name, details }, place));
-  return true;
+let app = null;
+
+function findApp() {
+  app = app || attempt(findHandler) || attempt(findBridge) || null;
+  return app;
 }
 
-/**
- * @param {string} name
- * @param {object} details
- * @param {object} place
- */
-function tellBridge(name, details, place) {
-  if (!window.TamzoBridge || !window.TamzoBridge.onEvent) {
-    return false;
+function findHandler() {
+  const handler = window.webkit && window.webkit.messageHandlers &&
+    window.webkit.messageHandlers.tamzo;
+  if (!handler) {
+    return null;
   }
-  window.TamzoBridge.onEvent(name, JSON.stringify(Object.assign({}, details, place)));
-  return true;
+  const post = handler.postMessage.bind(handler);
+  return (/** @type {string} */ name, /** @type {object} */ details, /** @type {object} */ place) =>
+    post(Object.assign({ name, details }, place));
+}
+
+function findBridge() {
+  const bridge = window.TamzoBridge;
+  if (!bridge || !bridge.onEvent) {
+    return null;
+  }
+  const onEvent = bridge.onEvent.bind(bridge);
+  return (/** @type {string} */ name, /** @type {object} */ details, /** @type {object} */ place) =>
+    onEvent(name, JSON.stringify(Object.assign({}, details, place)));
 }

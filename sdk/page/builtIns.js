@@ -7,6 +7,14 @@ const setTicker = window.setInterval.bind(window);
 const clearTicker = window.clearInterval.bind(window);
 const openWindow = window.open.bind(window);
 const fetchUrl = window.fetch ? window.fetch.bind(window) : null;
+const removeElement = Function.prototype.call.bind(Element.prototype.remove);
+const hiddenGetter = Object.getOwnPropertyDescriptor(Document.prototype, "hidden");
+// What addresses without a scheme are completed with.
+const BASE = /^https?:/.test(document.baseURI) ? document.baseURI : "https://localhost/";
+
+/** @returns {boolean} as the browser says, whatever a unit has put on the document */
+const isHidden = hiddenGetter && hiddenGetter.get ? hiddenGetter.get.bind(document)
+  : () => document.hidden;
 
 /**
  * The value of `f()`, and undefined when it throws.
@@ -32,7 +40,7 @@ function lockGlobal(name) {
 // Object.prototype is closed to additions alone: a frozen one would keep every object of the page
 // from having a toString of its own. For Function.prototype alike.
 function lockBuiltIns() {
-  const listed = [Array, String, RegExp, Promise, Number, Map, Set];
+  const listed = [Array, String, RegExp, Promise, Number, Map, Set, WeakMap, Date, URL];
   const iterator = Object.getPrototypeOf([][Symbol.iterator]());
   for (const value of listed) {
     Object.freeze(value.prototype);
@@ -44,7 +52,8 @@ function lockBuiltIns() {
     Object.defineProperty(Function.prototype, name, { writable: false, configurable: false });
   }
   ["Array", "String", "RegExp", "Promise", "Number", "Map", "Set", "WeakMap", "JSON", "Math",
-    "Date", "Reflect", "URL", "Image", "XMLHttpRequest", "DOMParser", "Object"]
+    "Date", "Reflect", "URL", "Image", "XMLHttpRequest", "DOMParser", "Object", "isFinite",
+    "parseInt", "encodeURIComponent"]
     .forEach((name) => attempt(() => lockGlobal(name)));
 }
 
@@ -90,5 +99,5 @@ function messageOf(thrown) {
  * @param {string} message
  */
 function failure(code, message) {
-  return Object.assign(new Error(message), { vastCode: code });
+  return { vastCode: code, message };
 }

@@ -45,15 +45,26 @@ function makeFrame() {
  * @param {Document} inside
  */
 function catchClicks(scope, inside) {
-  for (const type of ["pointerdown", "pointerup", "touchend", "mousedown", "click", "keydown"]) {
-    inside.addEventListener(type, noteGesture, true);
-  }
-  inside.addEventListener("click", (event) => attempt(() => catchLink(event)));
+  listenForClicks(inside);
   scope.open = (address) => {
     openClick(plainText(address));
     // Units look for a window, and take to other ways where there is none.
     return /** @type {any} */ ({ closed: false, focus() {}, blur() {}, close() {} });
   };
+}
+
+// Harmless when repeated. A unit that writes its document anew takes the listeners away.
+/** @param {Document} inside */
+function listenForClicks(inside) {
+  for (const type of ["pointerdown", "pointerup", "touchend", "mousedown", "click", "keydown"]) {
+    inside.addEventListener(type, noteGesture, true);
+  }
+  inside.addEventListener("click", onLinkClick);
+}
+
+/** @param {Event} event */
+function onLinkClick(event) {
+  attempt(() => catchLink(event));
 }
 
 /** @param {Event} event */
@@ -156,6 +167,6 @@ function removeFrame() {
   const { frame, video } = stage;
   attempt(() => video && video.pause());
   attempt(() => frame && frame.removeEventListener("load", checkFrame));
-  attempt(() => frame && frame.remove());
+  attempt(() => frame && removeElement(frame));
   stage.frame = stage.inside = stage.video = stage.slot = null;
 }

@@ -9,8 +9,7 @@ const CLICK_SCHEMES = ["http:", "https:", "market:", "itms-apps:", "itms-appss:"
  * @param {string[]} schemes
  */
 function addressOf(text, schemes) {
-  const base = /^https?:/.test(document.baseURI) ? document.baseURI : "https://localhost/";
-  const url = attempt(() => new URL(text.trim(), text.trim().startsWith("//") ? base : undefined));
+  const url = attempt(() => new URL(text.trim(), text.trim().startsWith("//") ? BASE : undefined));
   return url && schemes.indexOf(url.protocol) >= 0 ? url.href : "";
 }
 

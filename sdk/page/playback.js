@@ -7,6 +7,10 @@ const ad = {
   hasStarted: false,      // startAd was called
   mayStart: settings.start === "auto",
   isPausedByPage: false,
+  /** @type {[string, unknown[]][]} events told too early */
+  early: [],
+  /** @type {(() => void) | null} tells the last message */
+  finish: null,
   /** @type {Map<string, () => void>} what waits for an event of the unit */
   waiting: new Map(),
   /** @type {Set<number>} */
@@ -86,7 +90,7 @@ function permission() {
 }
 
 function lookForPermission() {
-  const isSeen = !document.hidden || settings.start === "call";
+  const isSeen = !isHidden() || settings.start === "call";
   if (ad.mayStart && isSeen && startWhenAllowed) {
     startWhenAllowed();
   }
@@ -126,7 +130,7 @@ async function initialise(adParameters) {
   initUnit(adParameters);
   await within(loaded, LIMITS.load, 901, "AdLoaded");
   ad.isReady = true;
-  if (window.innerWidth !== unitSize[0] || window.innerHeight !== unitSize[1]) {
+  if (pageSize().join() !== unitSize.join()) {
     passSize();  // the device was turned meanwhile
   }
   if (settings.autoplay === "muted") {
@@ -138,6 +142,7 @@ async function initialise(adParameters) {
 async function start() {
   const started = eventOf("AdStarted", "AdImpression", "AdVideoStart");
   ad.hasStarted = true;
+  ad.early.splice(0).forEach(([name, parameters]) => takeEvent(name, parameters));
   callOrFail(unit, "startAd", []);
   await within(started, LIMITS.start, 901, "AdStarted");
   startWatch();
@@ -153,11 +158,47 @@ function objectOf(text) {
 
 // ---- Events of the unit ---------------------------------------------------------------------
 
+// An ad that nobody was to see yet has had no impression, whatever its unit says before startAd.
+const OF_PLAY = /^Ad(Started|Impression|Video.*)$/;
+
+// Calls deep; an event may come from a unit whose stack is all but used up.
+const STACK_NEEDED = 1000;
+
+/**
+ * Throws where there is no room for as many calls. Adds, since an engine may make a last call
+ * without a place on the stack.
+ * @param {number} depth
+ * @returns {number}
+ */
+function needStack(depth) { return depth === 0 ? 1 : 1 + needStack(depth - 1); }
+
+/** @type {[string, unknown[]][]} events that wait for room, in their order */
+const late = [];
+
 /**
  * @param {string} name
  * @param {unknown[]} parameters
  */
 function onUnitEvent(name, parameters) {
+  if (late.length === 0 && attempt(() => needStack(STACK_NEEDED))) {
+    takeEvent(name, parameters);
+    return;
+  }
+  if (late.length === 0) {
+    setTimer(takeLate, 0);
+  }
+  late.push([name, parameters]);
+}
+
+function takeLate() {
+  late.splice(0).forEach(([name, parameters]) => takeEvent(name, parameters));
+}
+
+/**
+ * @param {string} name
+ * @param {unknown[]} parameters
+ */
+function takeEvent(name, parameters) {
   if (ad.hasEnded) {
     return;
   }
@@ -167,6 +208,8 @@ function onUnitEvent(name, parameters) {
   } else if (name === "AdStopped") {
     ad.hasStopped = true;
     endWell();
+  } else if (OF_PLAY.test(name) && !ad.hasStarted) {
+    ad.early.push([name, parameters]);
   } else {
     passEvent(name, parameters);
   }
@@ -257,7 +300,7 @@ function maySkip() {
   return unit && askUnit("getAdSkippableState") !== false;
 }
 
-window.tamzoAd = {
+const calls = {
   start() {
     ad.mayStart = true;
     lookForPermission();
@@ -268,6 +311,7 @@ window.tamzoAd = {
   stop() { callFromApp("stopAd"); },
   call: callFromApp
 };
+Object.defineProperty(window, "tamzoAd", { value: Object.freeze(calls), enumerable: true });
 
 // ---- The page -------------------------------------------------------------------------------
 
@@ -285,10 +329,10 @@ function onVisibility() {
   if (!ad.hasStarted) {
     return;
   }
-  if (document.hidden && !watch.isPaused) {
+  if (isHidden() && !watch.isPaused) {
     ad.isPausedByPage = true;
     askUnit("pauseAd");
-  } else if (!document.hidden && ad.isPausedByPage) {
+  } else if (!isHidden() && ad.isPausedByPage) {
     ad.isPausedByPage = false;
     askUnit("resumeAd");
   }
@@ -299,6 +343,9 @@ function onVisibility() {
 function onPageHide() {
   LIMITS.pixels = 0;  // the page has no more time
   end("AdError", { code: 900, message: "the page was left" }, 0);
+  if (ad.finish) {
+    ad.finish();
+  }
 }
 
 // ---- The end --------------------------------------------------------------------------------
@@ -340,19 +387,26 @@ function end(name, details, errorCode) {
     () => { unit = null; },
     removeFrame,
     () => window.removeEventListener("resize", onResize),
-    () => window.removeEventListener("pagehide", onPageHide),
     () => document.removeEventListener("visibilitychange", onVisibility)
   ];
   for (let i = 0; i < steps.length; ++i) {
     attempt(steps[i]);
   }
-  afterPixels(LIMITS.pixels, () => tellLast(name, details));
+  ad.finish = () => {
+    attempt(() => window.removeEventListener("pagehide", onPageHide));
+    tellLast(name, details);
+  };
+  afterPixels(LIMITS.pixels, ad.finish);
 }
 
 // ---- The beginning --------------------------------------------------------------------------
 
 document.addEventListener("DOMContentLoaded", () => {
+  if (ad.hasEnded) {
+    return;  // the app was quicker
+  }
   startMacros();
+  findApp();
   attempt(lockBuiltIns);
   attempt(lockDialogs);
   play().catch(endInError);

@@ -138,7 +138,7 @@ function fireError(code) {
 const BESIDES = {
   AdVolumeChange: (parameters) => trackVolume(parameters[0]),
   AdInteraction: (parameters) => trackInteraction(plainText(parameters[0])),
-  AdExpandedChange: () => trackExpansion(askUnit("getAdExpanded")),
+  AdExpandedChange: () => trackExpansion(askValue("getAdExpanded")),
   AdUserMinimize: () => trackExpansion(false)
 };
 
@@ -160,7 +160,7 @@ function track(name, parameters) {
 
 /** @param {unknown} told what the event itself says */
 function trackVolume(told) {
-  const asked = askUnit("getAdVolume");
+  const asked = askValue("getAdVolume");
   const volume = typeof asked === "number" ? asked : told;
   if (typeof volume === "number" && (volume === 0) !== tracking.isMuted) {
     tracking.isMuted = volume === 0;

@@ -36,9 +36,27 @@ function askUnit(method, parameters) {
     ? unit[method](...(parameters || [])) : undefined));
 }
 
+/** @type {Set<string>} */
+const beingAsked = new Set();
+
+/**
+ * The same of a getter. Some tell of the very event that has them asked: they are not asked anew
+ * meanwhile.
+ * @param {string} getter
+ */
+function askValue(getter) {
+  if (beingAsked.has(getter)) {
+    return undefined;
+  }
+  beingAsked.add(getter);
+  const value = askUnit(getter);
+  beingAsked.delete(getter);
+  return value;
+}
+
 /** @param {string} method */
 function askNumber(method) {
-  const value = askUnit(method);
+  const value = askValue(method);
   return typeof value === "number" && isFinite(value) ? value : -1;
 }
 
@@ -56,16 +74,21 @@ function makeUnit() {
 
 /** @param {string} adParameters */
 function initUnit(adParameters) {
-  unitSize = [window.innerWidth, window.innerHeight];
+  unitSize = pageSize();
   callOrFail(unit, "initAd", [unitSize[0], unitSize[1], "normal", DESIRED_BITRATE,
     { AdParameters: adParameters },
     { slot: stage.slot, videoSlot: stage.video,
       videoSlotCanAutoPlay: settings.autoplay !== "none" }]);
 }
 
+/** @returns {[number, number]} the last one known where a unit has damaged the page */
+function pageSize() {
+  return attempt(() => [window.innerWidth, window.innerHeight]) || unitSize;
+}
+
 // A unit is not asked to take a new size before it has loaded.
 function passSize() {
-  unitSize = [window.innerWidth, window.innerHeight];
+  unitSize = pageSize();
   askUnit("resizeAd", [unitSize[0], unitSize[1], "normal"]);
 }
 

@@ -40,7 +40,7 @@ function elapsedSinceTick() {
 function tick() {
   const elapsed = elapsedSinceTick();
   checkFrame();
-  if (document.hidden) {
+  if (isHidden()) {
     watch.viewed = 0;
     return;
   }
@@ -99,5 +99,7 @@ function endOverdue(message) {
 function checkFrame() {
   if (attempt(isFrameLost) !== false) {
     endInError(failure(901, "the unit has left its frame"));
+  } else {
+    attempt(() => stage.inside && listenForClicks(stage.inside));
   }
 }

@@ -338,6 +338,105 @@ scenario("a unit that damages the page's built-ins does not keep the end away", 
   stage.expectPixels([...STARTED, "error-901"]);
 });
 
+const damage = {
+  "the prototypes that addresses and times come from": ["Date", "URL", "Error", "WeakMap"],
+  "the prototypes of the document": ["Document", "Node", "Element", "EventTarget",
+    "HTMLIFrameElement", "HTMLMediaElement"]
+};
+for (const [what, types] of Object.entries(damage)) {
+  scenario(`a unit that damages ${what} keeps no Error pixel away`, async (stage) => {
+    await stage.playUnit(acting(`
+      [window.parent, window].forEach(function (scope) {
+        var f = function () { throw new RangeError("damaged"); };
+        ["encodeURIComponent", "isFinite", "parseInt", "Error"].forEach(function (name) {
+          try { scope[name] = f; } catch (ignored) {}
+        });
+        ${JSON.stringify(types)}.forEach(function (type) {
+          var prototype = scope[type].prototype;
+          prototype && Object.getOwnPropertyNames(prototype).forEach(function (name) {
+            try { Object.defineProperty(prototype, name, { get: f }); } catch (ignored) {}
+          });
+        });
+      });
+      throw null;`), { leaves: true,
+      ad: { more: `<Error>${stage.pixel("time-[SERVERSIDE]#[TIMESTAMP]")}</Error>` } });
+    assert.equal((await stage.ended()).code, 901);
+    stage.expectMessages(...STARTING, "AdError");
+    stage.expectPixels([...STARTED, "error-901", "time-0"]);
+  });
+}
+
+for (const [what, getter] of Object.entries({ throws: "throw 1;", "is true": "return true;" })) {
+  scenario(`a unit for which the page's document.hidden ${what} is watched all the same`,
+    async (stage) => {
+      await stage.playUnit(acting(`Object.defineProperty(window.parent.document, "hidden",
+        { get: function () { ${getter} } });`), { settings: soon("stall") });
+      assert.equal((await stage.ended()).message, "the unit has gone quiet");
+      stage.expectMessages(...STARTING, "AdError");
+    });
+}
+
+scenario("a unit that takes the bridge and the app's calls off the page is heard and ended",
+  async (stage) => {
+    await stage.playUnit(acting(`
+      var page = window.parent;
+      ["TamzoBridge", "webkit", "tamzoAd"].forEach(function (name) {
+        try { Object.defineProperty(page, name, { value: null }); } catch (ignored) {}
+        try { page[name] = null; } catch (ignored) {}
+      });`));
+    await stage.heard("AdImpression");
+    await stage.run("tamzoAd.stop()");
+    await stage.ended();
+    stage.expectMessages(...STARTING, "AdStopped");
+    stage.expectPixels(STARTED);
+  });
+
+scenario("AdError is heard from a unit whose stack is used up", async (stage) => {
+  await stage.playUnit(acting(`setTimeout(function deeper() {
+    try { deeper(); } catch (full) { unit.happen("AdError", "deep"); throw full; }
+  }, 0);`));
+  assert.deepEqual(await stage.ended(), { code: 901, message: "deep" });
+  stage.expectMessages(...STARTING, "AdError");
+  stage.expectPixels([...STARTED, "error-901"]);
+  await stage.expectQuiet();
+});
+
+scenario("a unit that tells of a change when it is asked about it is asked once", async (stage) => {
+  await stage.playUnit(acting(`
+    unit.getAdVolume = function () { this.happen("AdVolumeChange"); return 0; };
+    unit.happen("AdVolumeChange");
+    unit.happen("AdStopped");`));
+  await stage.ended();
+  stage.expectMessages(...STARTING, "AdVolumeChange", "AdVolumeChange", "AdStopped");
+  stage.expectPixels([...STARTED, "mute"]);
+});
+
+scenario("a page that leaves while its pixels are on their way says its last message",
+  async (stage) => {
+    server.delayOf = (path) => (path.endsWith("/slow") ? 200000 : 0);
+    await stage.playUnit(acting(`var page = window.parent;
+      unit.happen("AdStopped");
+      page.setTimeout("location.replace('about:blank#left')", 0);`), { leaves: true,
+      ad: { more: `<Impression>${stage.pixel("slow")}</Impression>` } });
+    await stage.ended();
+    server.delayOf = () => 0;
+    stage.expectMessages(...STARTING, "AdStopped");
+  });
+
+scenario("a link of a document that the unit wrote anew is the app's to open", async (stage) => {
+  await stage.playUnit(acting(`document.open();
+    document.write("<a href='https://own.example/' style='position:absolute;top:0;left:0;" +
+      "width:300px;height:300px'>link</a>");
+    document.close();`), { settings: { limits: { overall: 60000 } } });
+  await stage.heard("AdImpression");
+  while (!stage.names().includes("Open")) {  // the listeners are looked after four times a second
+    await browser.clickAt(100, 100);
+  }
+  await stage.run("tamzoAd.stop()");
+  await stage.ended();
+  stage.expectPixels(STARTED);
+}, { only: "chromium" });
+
 const twice = {
   "AdError, then AdStopped": ["unit.happen('AdError', 'x'); unit.happen('AdStopped');", "AdError"],
   "AdStopped, then AdError": ["unit.happen('AdStopped'); unit.happen('AdError', 'x');", "AdStopped"],
@@ -489,6 +588,21 @@ scenario("an ad that is loaded to be shown later waits for the call", async (sta
   stage.expectMessages(...STARTING, "AdStopped");
   stage.expectPixels(STARTED);
   assert.equal(stage.messages[0].session, "load-1");
+});
+
+scenario("what a unit says of play before startAd is no impression", async (stage) => {
+  await stage.playUnit(unitScript(`window.unit.initAd = function () {
+      ["AdStarted", "AdImpression", "AdVideoStart", "AdLoaded"].forEach(this.happen, this);
+    };
+    window.unit.startAd = function () { this.happen("AdStopped"); };`),
+  { settings: { start: "call" } });
+  await stage.heard("Moat");
+  await stage.requested("loaded");
+  stage.expectPixels(["loaded"]);
+  await stage.run("tamzoAd.start()");
+  await stage.ended();
+  stage.expectMessages(...STARTING, "AdVideoStart", "AdStopped");
+  stage.expectPixels([...STARTED, "start"]);
 });
 
 scenario("a view that is hidden pauses the ad until it is seen again", async (stage) => {
