@@ -243,6 +243,16 @@ class ParallelTest(ClusterTest):
         self.assertNotIn(MARK, ids)
         self.assertEqual([ids[0]["n"], ids[-1]["n"]], [0, 79])
 
+    def test_the_shell_may_be_given_the_script_by_its_bare_name(self):
+        folder = self.folder / "a folder"
+        folder.mkdir()
+        script = shutil.copy(EXAMPLES / "parallel_batch.sh", folder)
+        os.chmod(script, 0o644)
+        run = subprocess.run(["sh", "parallel_batch.sh"], cwd=folder, input=line(0), check=False,
+                             stdout=subprocess.PIPE, env=os.environ | {"COMMAND": COMMAND})
+        self.assertEqual(run.returncode, 0)
+        self.assertSameLines(run.stdout.splitlines(), on_one_machine(line(0))[0])
+
     def test_the_exit_status_is_that_of_one_machine(self):
         good = line(0)
         for content in (b"", good, good + b"\n" + line(3), line(3), good + b"\nx"):
