@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <exception>
+#include <limits>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -22,6 +24,21 @@ inline tamzo_vast_text viewOf(const Text& text) noexcept {
 /// A view of what C gives; nil is empty, and so is a length without characters.
 inline std::string_view viewOf(tamzo_vast_text text) noexcept {
   return text.data == nullptr ? std::string_view() : std::string_view(text.data, text.size);
+}
+
+/// Whether no object can be that large: -1 taken for a length, above all.
+constexpr bool isTooLong(std::size_t size) noexcept {
+  return size > static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max());
+}
+
+/// Whether bytes cannot be read as given.
+inline bool isUnreadable(const void* bytes, std::size_t length) noexcept {
+  return (bytes == nullptr && length > 0) || isTooLong(length);
+}
+
+/// The same for a text, of which nil is fine.
+inline bool isUnreadable(tamzo_vast_text text) noexcept {
+  return text.data != nullptr && isTooLong(text.size);
 }
 
 template <typename Signature>

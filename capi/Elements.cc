@@ -11,6 +11,7 @@
 using tamzo::DDXMLElement;
 using tamzo::Text;
 using tamzo::capi::give;
+using tamzo::capi::isUnreadable;
 using tamzo::capi::viewOf;
 
 namespace {
@@ -89,7 +90,7 @@ tamzo_vast_status tamzo_vast_element_xml(const tamzo_vast_element* element,
 
 tamzo_vast_status tamzo_vast_element_attribute(const tamzo_vast_element* element,
                                                tamzo_vast_text name, tamzo_vast_string** value) {
-  return giveText(TAMZO_IS_NULL(element), value,
+  return giveText(TAMZO_IS_NULL(element) || isUnreadable(name), value,
                   [&] { return element->node.attributeValue(viewOf(name)); });
 }
 
@@ -122,7 +123,7 @@ tamzo_vast_status tamzo_vast_element_next_sibling(const tamzo_vast_element* elem
 
 tamzo_vast_status tamzo_vast_element_at_path(const tamzo_vast_element* element,
                                              tamzo_vast_text path, tamzo_vast_element** node) {
-  return giveElement(TAMZO_IS_NULL(element), node, [&] {
+  return giveElement(TAMZO_IS_NULL(element) || isUnreadable(path), node, [&] {
     return tamzo::TamzoVastAd::getNodeAsStringValue(element->node, viewOf(path));
   });
 }

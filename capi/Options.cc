@@ -18,6 +18,7 @@ using tamzo::Text;
 using tamzo::capi::FunctionView;
 using tamzo::capi::give;
 using tamzo::capi::guarded;
+using tamzo::capi::isUnreadable;
 using tamzo::capi::viewOf;
 
 struct tamzo_vast_reply {
@@ -86,10 +87,10 @@ tamzo_vast_status change(bool isNull, FunctionView<void()> apply) noexcept {
 }
 
 // Changes how requests are made, unless they could not be sent so.
-tamzo_vast_status changeFetch(tamzo_vast_options* options, bool isNull,
+tamzo_vast_status changeFetch(tamzo_vast_options* options, bool isInvalid,
                               FunctionView<void(FetchOptions&)> apply) noexcept {
   return guarded([&] {
-    if (isNull) {
+    if (isInvalid) {
       return TAMZO_VAST_INVALID_ARGUMENT;
     }
     FetchOptions changed = options->host.fetchOptions;
@@ -238,13 +239,15 @@ tamzo_vast_status tamzo_vast_options_set_max_bytes(tamzo_vast_options* options, 
 
 tamzo_vast_status tamzo_vast_options_set_user_agent(tamzo_vast_options* options,
                                                     tamzo_vast_text user_agent) {
-  return changeFetch(options, TAMZO_IS_NULL(options),
+  return changeFetch(options, TAMZO_IS_NULL(options) || isUnreadable(user_agent),
                      [&](FetchOptions& fetch) { fetch.userAgent = viewOf(user_agent); });
 }
 
 tamzo_vast_status tamzo_vast_options_add_header(tamzo_vast_options* options, tamzo_vast_text name,
                                                 tamzo_vast_text value, tamzo_vast_text host) {
-  return changeFetch(options, TAMZO_IS_NULL(options), [&](FetchOptions& fetch) {
+  const bool isInvalid =
+      TAMZO_IS_NULL(options) || isUnreadable(name) || isUnreadable(value) || isUnreadable(host);
+  return changeFetch(options, isInvalid, [&](FetchOptions& fetch) {
     tamzo::FetchHeader header{std::string(viewOf(name)), std::string(viewOf(value)), {}};
     if (host.data != nullptr) {
       header.hosts.emplace_back(viewOf(host));
@@ -254,14 +257,16 @@ tamzo_vast_status tamzo_vast_options_add_header(tamzo_vast_options* options, tam
 }
 
 tamzo_vast_status tamzo_vast_options_set_proxy(tamzo_vast_options* options, tamzo_vast_text proxy) {
-  return changeFetch(options, TAMZO_IS_NULL(options), [&](FetchOptions& fetch) {
-    fetch.proxy = proxy.data == nullptr ? std::nullopt : std::optional(std::string(viewOf(proxy)));
-  });
+  return changeFetch(
+      options, TAMZO_IS_NULL(options) || isUnreadable(proxy), [&](FetchOptions& fetch) {
+        fetch.proxy =
+            proxy.data == nullptr ? std::nullopt : std::optional(std::string(viewOf(proxy)));
+      });
 }
 
 tamzo_vast_status tamzo_vast_options_set_ca_file(tamzo_vast_options* options,
                                                  tamzo_vast_text path) {
-  return changeFetch(options, TAMZO_IS_NULL(options),
+  return changeFetch(options, TAMZO_IS_NULL(options) || isUnreadable(path),
                      [&](FetchOptions& fetch) { fetch.caFile = viewOf(path); });
 }
 
@@ -284,7 +289,7 @@ tamzo_vast_status tamzo_vast_options_set_cookies(tamzo_vast_options* options, bo
 
 tamzo_vast_status tamzo_vast_reply_set_bytes(tamzo_vast_reply* reply, const void* bytes,
                                              size_t length) {
-  return change(reply == nullptr || (bytes == nullptr && length > 0), [&] {
+  return change(reply == nullptr || isUnreadable(bytes, length), [&] {
     reply->bytes.emplace(length == 0 ? "" : static_cast<const char*>(bytes), length);
   });
 }

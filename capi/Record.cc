@@ -103,7 +103,7 @@ int32_t tamzo_vast_error_code_at(size_t index) {
 tamzo_vast_status tamzo_vast_parse(const void* bytes, size_t length,
                                    const tamzo_vast_options* options, tamzo_vast_ad** ad) {
   TAMZO_MAY_BE_NULL(options);
-  return give(bytes == nullptr && length > 0, ad, [&] {
+  return give(tamzo::capi::isUnreadable(bytes, length), ad, [&] {
     auto record = parsed(bytes, length, options);
     if (record == nullptr) {
       return TAMZO_VAST_NO_MEMORY;

@@ -26,6 +26,10 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/TamzoVastConfigVersion.cm
 install(FILES ${PROJECT_BINARY_DIR}/TamzoVastConfig.cmake
   ${PROJECT_BINARY_DIR}/TamzoVastConfigVersion.cmake
   DESTINATION ${TAMZO_CONFIG_FOLDER} COMPONENT development)
+# A program in C that links the static library needs the C++ library as well.
+set(TAMZO_CXX_LIBRARIES ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
+list(FILTER TAMZO_CXX_LIBRARIES INCLUDE REGEX "^(std)?c\\+\\+(abi)?$")
+list(REMOVE_DUPLICATES TAMZO_CXX_LIBRARIES)
 if(NOT BUILD_SHARED_LIBS)
   configure_file(cmake/dependencies.cmake.in ${PROJECT_BINARY_DIR}/TamzoVast-dependencies.cmake @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/TamzoVast-dependencies.cmake
@@ -55,10 +59,7 @@ set(TAMZO_PC_CFLAGS)
 if(BUILD_SHARED_LIBS)
   set(TAMZO_PC_CFLAGS " -DTAMZO_SHARED")
 endif()
-# A program in C that links the static library needs the C++ library as well.
-set(TAMZO_PC_LIBS ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
-list(FILTER TAMZO_PC_LIBS INCLUDE REGEX "^(std)?c\\+\\+(abi)?$")
-list(REMOVE_DUPLICATES TAMZO_PC_LIBS)
+set(TAMZO_PC_LIBS ${TAMZO_CXX_LIBRARIES})
 list(TRANSFORM TAMZO_PC_LIBS PREPEND -l)
 if(TAMZO_LINKER_EXCLUDES_LIBRARIES)
   list(PREPEND TAMZO_PC_LIBS -Wl,--exclude-libs,libtamzovast.a)

@@ -49,7 +49,7 @@ tamzo_vast_status tamzo_vast_explain(const void* bytes, size_t length,
                                      const tamzo_vast_options* options, bool is_indented,
                                      tamzo_vast_string** json) {
   TAMZO_MAY_BE_NULL(options);
-  return tamzo::capi::give(bytes == nullptr && length > 0, json, [&] {
+  return tamzo::capi::give(tamzo::capi::isUnreadable(bytes, length), json, [&] {
     const std::string_view response(length == 0 ? "" : static_cast<const char*>(bytes), length);
     const auto layout = is_indented ? tamzo::JsonLayout::indented : tamzo::JsonLayout::compact;
     *json = new tamzo_vast_string(explained(response, options, layout));

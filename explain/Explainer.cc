@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <exception>
+#include <new>
 #include <utility>
 
 #include "base/WhiteSpace.h"
@@ -154,6 +156,17 @@ std::string sentenceOf(const Explanation& explanation, const Chain& chain) {
   return sentence;
 }
 
+// A list that the host fails to give blocks nothing here; where the parse needed it, that failed.
+Text blockedCategories() {
+  try {
+    return TamzoState::getBlockedAdCategories();
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
 }  // namespace
 
 void Explainer::onHop(const Hop& hop) {
@@ -177,7 +190,7 @@ void Explainer::note(const Hop& hop) {
   if (hop.parsed != nullptr) {
     seen.parsed = *hop.parsed;
   }
-  seen.blockedCategories = TamzoState::getBlockedAdCategories();
+  seen.blockedCategories = blockedCategories();
   if (hop.record.trackers() != nullptr) {
     seen.brought = trackers_.note(*hop.record.trackers(), hop.number);
   }

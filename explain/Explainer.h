@@ -25,8 +25,8 @@ class Explainer final : public ParseObserver {
  public:
   void onHop(const Hop& hop) override;
 
-  /// Of the record that the parse ended with. Called once. Throws std::bad_alloc, and what made the
-  /// watching fail, such as an exception of the host's own list of blocked categories.
+  /// Of the record that the parse ended with. Called once. Throws std::bad_alloc, and what a hook
+  /// of the host threw while it watched, where that was no std::exception.
   Explanation explain(const TamzoVastAd& ad);
 
  private:

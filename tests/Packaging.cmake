@@ -56,6 +56,12 @@ tamzo_package_test(sharedIsUsedFromCByPkgConfig ${CMAKE_CURRENT_SOURCE_DIR}/cons
 tamzo_package_test(staticIsUsedFromCByPkgConfig ${CMAKE_CURRENT_SOURCE_DIR}/consumer_pkgconfig
   NEEDS static_stage OPTIONS -DKIND=static -DCMAKE_PREFIX_PATH=${stage}-static
   COMMAND player)
+tamzo_package_test(sharedIsFoundByAProjectInC ${CMAKE_CURRENT_SOURCE_DIR}/consumer_c
+  NEEDS shared OPTIONS -DKIND=shared -DCMAKE_PREFIX_PATH=${stage}
+  COMMAND player)
+tamzo_package_test(staticIsFoundByAProjectInC ${CMAKE_CURRENT_SOURCE_DIR}/consumer_c
+  NEEDS static_stage OPTIONS -DKIND=static -DCMAKE_PREFIX_PATH=${stage}-static
+  COMMAND player)
 if(Python3_FOUND)
   add_test(NAME Package.standsAnywhere
     COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check-install.py

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -22,12 +23,9 @@ class XmlTree {
 
   /// Numbers the elements once, so that libxml2 can tell which of two comes first without looking
   /// for one from the other. Nothing but the evaluation of an XPath expression looks at the
-  /// numbers, and one document takes one of these at a time.
-  void orderElements() const noexcept {
-    if (!isOrdered_) {
-      xmlXPathOrderDocElems(doc_.get());
-      isOrdered_ = true;
-    }
+  /// numbers; several threads may.
+  void orderElements() const {
+    std::call_once(isOrdered_, [this] { xmlXPathOrderDocElems(doc_.get()); });
   }
 
   xmlDoc* doc() const noexcept { return doc_.get(); }
@@ -41,7 +39,7 @@ class XmlTree {
   std::unique_ptr<xmlDoc, Free> doc_;
   std::size_t nodes_;
   std::size_t bytes_;
-  mutable bool isOrdered_ = false;
+  mutable std::once_flag isOrdered_;
 };
 
 /// An entity that refers to an entity that refers to an entity …: so deep, and no deeper.

@@ -3,15 +3,16 @@
 
     dask_batch.py --out FOLDER [--scheduler ADDRESS] [options] FILE... [-- OPTION OF BATCH...]
 
-Each FILE holds lines {"id": ..., "vast": "..."}; it is a path or a URL that fsspec reads, plain or
-compressed. It is cut into blocks at ends of lines, and each block is a task. FOLDER, which all workers
+Each FILE holds lines {"id": ..., "vast": "..."}; it is a path of a file that there is, or a URL that
+fsspec reads, plain or compressed. It is cut into blocks at ends of lines, and each block is a task. FOLDER, which all workers
 must see, gets part-00000.jsonl and so on: in the order of their names they hold one answer a line,
 in the order of the input. table.json has how many answers there were of each errorCode and, when the
 answers explain, in how many each finding was made, and how often. The same is printed as tables, as
 batch prints them.
 
 Exit status, as that of batch: 0 when no ad failed, 1 when one did, 2 when a line could
-not be read; and 3 when a block failed on every try. The answers of all other blocks are there then.
+not be read; and 3 when a block failed on every try, such as the one of a file that cannot be read. The
+answers of all other blocks are there then.
 """
 
 import argparse
@@ -27,8 +28,10 @@ import tempfile
 import uuid
 
 import fsspec
+import fsspec.core
+import fsspec.implementations.local
 import fsspec.utils
-from distributed import Client, LocalCluster, as_completed
+from distributed import Client, LocalCluster, as_completed, wait
 
 Block = collections.namedtuple("Block", "path offset length")
 # Counted as batch does: by errorCode; by finding, the responses that it was made in and how often; what
@@ -39,17 +42,37 @@ Tally = collections.namedtuple("Tally", "codes responses findings refused status
 LINE_NUMBER = re.compile(rb'("line":\s*)(\d+)(\s*,\s*"error":\s*"(?:[^"\\]|\\.)*"\s*\}\s*)$')
 
 
+def whole(number):
+    """An integer as it stands: Python refuses those of many digits."""
+    return int(number) if len(number) < 20 else number
+
+
+def opened(path):
+    """The file system and the name there. In the name of a file that there is, nothing is special."""
+    if os.path.exists(path):
+        return fsspec.implementations.local.LocalFileSystem(), os.path.abspath(path)
+    return fsspec.core.url_to_fs(path)
+
+
 def blocks_of(path, size):
-    """The blocks of a file; one that is compressed can only be read from its beginning."""
+    """The blocks of a file; one that is compressed can only be read from its beginning. So it is with
+    one that cannot be read: the block fails."""
     if fsspec.utils.infer_compression(path) is not None:
         return [Block(path, 0, None)]
-    files, name = fsspec.core.url_to_fs(path)
-    return [Block(path, offset, size) for offset in range(0, files.size(name), size)]
+    try:
+        files, name = opened(path)
+        if files.isdir(name):
+            return [Block(path, 0, None)]
+        return [Block(path, offset, size) for offset in range(0, files.size(name), size)]
+    except (OSError, ValueError):
+        return [Block(path, 0, None)]
 
 
 def read(block):
     """The lines that begin in a block."""
-    with fsspec.open(block.path, "rb", compression="infer") as file:
+    files, name = opened(block.path)
+    compression = fsspec.utils.infer_compression(block.path)
+    with fsspec.core.OpenFile(files, name, "rb", compression) as file:
         return fsspec.utils.read_block(file, block.offset, block.length, b"\n")
 
 
@@ -59,7 +82,7 @@ def count_lines(block):
 
 def tally(answer, into):
     """Counts one answer; true when it is a record."""
-    content = json.loads(answer)
+    content = json.loads(answer, parse_int=whole)
     if "record" not in content:
         return False
     into.codes[content["record"]["errorCode"]] += 1
@@ -123,20 +146,24 @@ def parse_block(block, lines_before, part, command):
 
 
 def lines_before_blocks(client, blocks):
-    """How many lines of its file stand before each block."""
+    """How many lines of its file stand before each block. One that cannot be read has none: it fails
+    when it is to be parsed."""
+    counts = client.map(count_lines, blocks, pure=False)
+    wait(counts)
     before = []
-    path, lines = None, 0
-    for block, count in zip(blocks, client.gather(client.map(count_lines, blocks, pure=False))):
-        if block.path != path:
-            path, lines = block.path, 0
+    lines = 0
+    for block, count in zip(blocks, counts):
+        lines = lines if block.offset else 0
         before.append(lines)
-        lines += count
+        lines += count.result() if count.status == "finished" else 0
     return before
 
 
 def run_blocks(client, blocks, folder, command, retries):
     """The sum of all tallies, and what failed: the block with the reason."""
-    parts = [folder / f"part-{number:05}.jsonl" for number in range(len(blocks))]
+    # Names of one length, which their order needs.
+    digits = max(5, len(str(len(blocks))))
+    parts = [folder / f"part-{number:0{digits}}.jsonl" for number in range(len(blocks))]
     tasks = client.map(parse_block, blocks, lines_before_blocks(client, blocks), parts,
                        command=command, retries=retries, pure=False)
     block_of = {task.key: block for task, block in zip(tasks, blocks)}
@@ -173,6 +200,13 @@ def table_of(total, failed):
     }
 
 
+def positive(text):
+    number = int(text)
+    if number < 1:
+        raise ValueError(text)
+    return number
+
+
 def arguments():
     given = sys.argv[1:]
     end = given.index("--") if "--" in given else len(given)
@@ -181,9 +215,9 @@ def arguments():
     parser.add_argument("--out", required=True, type=pathlib.Path, metavar="FOLDER")
     parser.add_argument("--scheduler", metavar="ADDRESS",
                         help="or a scheduler file; default: a cluster on this machine")
-    parser.add_argument("--workers", type=int, help="processes of the cluster on this machine")
+    parser.add_argument("--workers", type=positive, help="processes of the cluster on this machine")
     parser.add_argument("--command", default="tamzo-vast", help="how a worker calls tamzo-vast")
-    parser.add_argument("--block", type=int, default=16 << 20, metavar="BYTES")
+    parser.add_argument("--block", type=positive, default=16 << 20, metavar="BYTES")
     parser.add_argument("--retries", type=int, default=2, help="of a block that fails")
     parser.add_argument("files", nargs="+", metavar="FILE")
     options = parser.parse_args(given[:end])

@@ -57,11 +57,16 @@ if [ "${1-}" = --one-block ]; then
   exit
 fi
 
+# As "sh parallel_batch.sh" is called, the name would be looked for in PATH.
+case $0 in
+  */*) self=$0 ;;
+  *) self=./$0 ;;
+esac
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 status=0
 parallel --pipe --keep-order --block "${BLOCK:-16M}" --jobs "${JOBS:-100%}" --retries 3 \
-  --joblog "$log" --quote "$0" --one-block "$@" | number_lines || status=$?
+  --joblog "$log" --quote sh "$self" --one-block "$@" | number_lines || status=$?
 if awk -F '\t' 'NR > 1 { failed += $7 != 0 || $8 != 0 } END { exit !failed }' "$log"; then
   status=3
 fi

@@ -22,8 +22,9 @@
  * Failing. No function throws, and no exception of a hook passes one. A null where an object is
  * asked for gives nil, 0, false or null, and TAMZO_VAST_INVALID_ARGUMENT from a function that
  * returns a status; nothing is written through the other pointers then, save that a pointer for a
- * result is set to null. In a debug build of the library an object that is used after its release
- * ends the program, with a line on standard error that names the function.
+ * result is set to null. A length that no object can have, such as -1, is as a null. In a debug
+ * build of the library an object that is used after its release ends the program, with a line on
+ * standard error that names the function.
  *
  * Versions. The caller never allocates one of the structs below that the library fills, nor depends
  * on their size: a later version may add members at their ends. TAMZO_VAST_ABI grows when a program

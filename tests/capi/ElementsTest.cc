@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "capi/Boundary.h"
 #include "capi/Objects.h"
@@ -56,6 +59,25 @@ TEST(CElements, TextMayHoldAnything) {
   EXPECT_EQ(viewOf(tamzo_vast_string_text(text)), "\xC3\xA9\t");
   EXPECT_EQ(tamzo_vast_string_text(text).data[3], '\0');
   tamzo_vast_string_release(text);
+}
+
+TEST(CElements, AttributesAreReadByManyThreadsAtOnce) {
+  const tamzo_vast_element root = rootOf("<a b='1' c='2'/>");
+  std::vector<std::thread> threads;
+  std::atomic<int> read = 0;
+  for (int at = 0; at < 8; ++at) {
+    threads.emplace_back([&] {
+      tamzo_vast_attributes* all = nullptr;
+      if (tamzo_vast_element_attributes(&root, &all) == TAMZO_VAST_OK && all->count == 2) {
+        ++read;
+      }
+      tamzo_vast_attributes_release(all);
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(read, 8);
 }
 
 }  // namespace

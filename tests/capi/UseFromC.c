@@ -212,6 +212,34 @@ static void testBadInput(void) {
   tamzo_vast_ad_release(ad);
 }
 
+/* As -1 becomes, and what no object can be. */
+static void testLengthsThatNothingHas(void) {
+  static const size_t kLengths[] = {SIZE_MAX, SIZE_MAX / 2 + 1};
+  tamzo_vast_options* options = NULL;
+  tamzo_vast_ad* icons = parse(kInLine, NULL);
+  const tamzo_vast_element* icon = tamzo_vast_ad_extraActions(icons)->items[0]->icon;
+  EXPECT(tamzo_vast_options_create(&options) == TAMZO_VAST_OK);
+  for (size_t at = 0; at < 2; ++at) {
+    const tamzo_vast_text text = {"a", kLengths[at]};
+    const tamzo_vast_text good = {"a", 1};
+    tamzo_vast_ad* ad = icons;
+    tamzo_vast_string* value = NULL;
+    tamzo_vast_element* node = NULL;
+    EXPECT(tamzo_vast_parse("a", kLengths[at], NULL, &ad) == TAMZO_VAST_INVALID_ARGUMENT);
+    EXPECT(ad == NULL);
+    EXPECT(tamzo_vast_options_set_user_agent(options, text) == TAMZO_VAST_INVALID_ARGUMENT);
+    EXPECT(tamzo_vast_options_set_proxy(options, text) == TAMZO_VAST_INVALID_ARGUMENT);
+    EXPECT(tamzo_vast_options_set_ca_file(options, text) == TAMZO_VAST_INVALID_ARGUMENT);
+    EXPECT(tamzo_vast_options_add_header(options, text, good, good) == TAMZO_VAST_INVALID_ARGUMENT);
+    EXPECT(tamzo_vast_options_add_header(options, good, text, good) == TAMZO_VAST_INVALID_ARGUMENT);
+    EXPECT(tamzo_vast_options_add_header(options, good, good, text) == TAMZO_VAST_INVALID_ARGUMENT);
+    EXPECT(tamzo_vast_element_attribute(icon, text, &value) == TAMZO_VAST_INVALID_ARGUMENT);
+    EXPECT(tamzo_vast_element_at_path(icon, text, &node) == TAMZO_VAST_INVALID_ARGUMENT);
+  }
+  tamzo_vast_options_release(options);
+  tamzo_vast_ad_release(icons);
+}
+
 static void testNulls(void) {
   tamzo_vast_string* string = (tamzo_vast_string*)&failures;
   tamzo_vast_element* element = (tamzo_vast_element*)&failures;
@@ -366,6 +394,7 @@ int main(void) {
   testErrors();
   testRecord();
   testBadInput();
+  testLengthsThatNothingHas();
   testNulls();
   testHooks();
   testOptions();

@@ -175,6 +175,44 @@ class DaskTest(ClusterTest):
         self.assertLessEqual(len(missing), 2)
 
 
+    def test_a_file_that_cannot_be_read_costs_no_other(self):
+        good = self.folder / "good.jsonl"
+        good.write_bytes(line(0) + b"\n")
+        folder = self.folder / "folder.jsonl"
+        folder.mkdir()
+        torn = self.folder / "torn.jsonl.gz"
+        torn.write_bytes(gzip.compress(line(1))[:-20])
+        bad = [self.folder / "none.jsonl", folder, torn]
+        run = self.dask("--command", COMMAND, *bad, good)
+        self.assertEqual(run.returncode, 3, run.stderr[-3000:])
+        for path in bad:
+            self.assertIn(f"{path}, from byte 0: ".encode(), run.stderr)
+        self.assertSameLines(self.answers(), on_one_machine(good.read_bytes())[0])
+        self.assertEqual(json.loads((self.folder / "out" / "table.json").read_text())["failedBlocks"], 3)
+
+    def test_names_and_ids_may_be_odd_and_a_file_be_given_twice(self):
+        contents = {
+            "a[1].jsonl": b'x\n{"id": ' + b"1" * 5000 + b', "vast": "<"}\n',
+            "a1.jsonl": line(1) + b"\n",
+            "a*.jsonl": line(2) + b"\n",
+            "b::a1.jsonl": line(3) + b"\n",
+        }
+        files = []
+        for name, content in contents.items():
+            files.append(self.folder / name)
+            files[-1].write_bytes(content)
+        files.insert(0, files[0])
+        run = self.dask("--command", COMMAND, *files)
+        self.assertEqual(run.returncode, 2, run.stderr[-3000:])
+        self.assertSameLines(self.answers(), [answer for path in files
+                                              for answer in on_one_machine(path.read_bytes())[0]])
+
+    def test_a_block_of_no_bytes_is_refused(self):
+        for size in ("0", "-1", "x"):
+            self.assertEqual(self.dask("--block", size, "a.jsonl").returncode, 2)
+            self.assertFalse((self.folder / "out").exists())
+
+
 class ParallelTest(ClusterTest):
     def parallel(self, content, command, *options):
         return subprocess.run(
@@ -204,6 +242,16 @@ class ParallelTest(ClusterTest):
         ids = [json.loads(answer)["id"] for answer in run.stdout.splitlines()]
         self.assertNotIn(MARK, ids)
         self.assertEqual([ids[0]["n"], ids[-1]["n"]], [0, 79])
+
+    def test_the_shell_may_be_given_the_script_by_its_bare_name(self):
+        folder = self.folder / "a folder"
+        folder.mkdir()
+        script = shutil.copy(EXAMPLES / "parallel_batch.sh", folder)
+        os.chmod(script, 0o644)
+        run = subprocess.run(["sh", "parallel_batch.sh"], cwd=folder, input=line(0), check=False,
+                             stdout=subprocess.PIPE, env=os.environ | {"COMMAND": COMMAND})
+        self.assertEqual(run.returncode, 0)
+        self.assertSameLines(run.stdout.splitlines(), on_one_machine(line(0))[0])
 
     def test_the_exit_status_is_that_of_one_machine(self):
         good = line(0)

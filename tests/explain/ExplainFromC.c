@@ -48,12 +48,34 @@ static void test_bad_input(void) {
   tamzo_vast_string_release(json);
   EXPECT(tamzo_vast_explain(NULL, 1, NULL, false, &json) == TAMZO_VAST_INVALID_ARGUMENT);
   EXPECT(json == NULL);
+  EXPECT(tamzo_vast_explain("", SIZE_MAX, NULL, false, &json) == TAMZO_VAST_INVALID_ARGUMENT);
   EXPECT(tamzo_vast_explain("<VAST/>", 7, NULL, false, NULL) == TAMZO_VAST_INVALID_ARGUMENT);
+}
+
+static bool refuse(void* user, tamzo_vast_reply* reply) {
+  (void)user;
+  (void)reply;
+  return false;
+}
+
+/* The parse takes it for a failure, and so the explanation does. */
+static void test_hook_that_fails(void) {
+  static const char kResponse[] =
+      "<VAST version='4.0'><Ad><InLine><Category>IAB8</Category></InLine></Ad></VAST>";
+  tamzo_vast_options* options = NULL;
+  tamzo_vast_string* json = NULL;
+  EXPECT(tamzo_vast_options_create(&options) == TAMZO_VAST_OK);
+  EXPECT(tamzo_vast_options_set_blocked_categories(options, refuse, NULL, NULL) == TAMZO_VAST_OK);
+  EXPECT(tamzo_vast_explain(kResponse, strlen(kResponse), options, false, &json) == TAMZO_VAST_OK);
+  EXPECT(holds(json, "\"errorCode\":100"));
+  tamzo_vast_string_release(json);
+  tamzo_vast_options_release(options);
 }
 
 int main(void) {
   test_explanation();
   test_observer();
+  test_hook_that_fails();
   test_bad_input();
   return outcome();
 }

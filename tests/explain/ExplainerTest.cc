@@ -178,15 +178,26 @@ TEST_F(ExplainerTest, aParseThatNobodyWatchedHasAnErrorAllTheSame) {
 
 TEST_F(ExplainerTest, aFailureToObserveDoesNotReachTheParse) {
   blockCategories("a");
-  changeHost([](TamzoHost& host) {
-    host.blockedAdCategories = []() -> Text { throw std::runtime_error("no list"); };
-  });
+  changeHost(
+      [](TamzoHost& host) { host.blockedAdCategories = []() -> Text { throw std::bad_alloc(); }; });
   explain::Explainer explainer;
   ParseOptions options;
   options.observer = &explainer;
   const auto ad = TamzoVastAd::initWithVast(Text(kInLine), options);
   EXPECT_EQ(ad->errorCode(), 0);
-  EXPECT_THROW(explainer.explain(*ad), std::runtime_error);
+  EXPECT_THROW(explainer.explain(*ad), std::bad_alloc);
+}
+
+TEST_F(ExplainerTest, aListOfCategoriesThatFailsIsExplained) {
+  blockCategories("a");
+  changeHost([](TamzoHost& host) {
+    host.blockedAdCategories = []() -> Text { throw std::runtime_error("no list"); };
+  });
+  EXPECT_EQ(explainResponse(kInLine).errorCode, 0);
+  const explain::Explanation failed = explainResponse(
+      "<VAST version='4.0'><Ad><InLine><Category>IAB8</Category></InLine></Ad></VAST>");
+  EXPECT_EQ(failed.errorCode, 100);
+  EXPECT_NE(errorOf(failed), nullptr);
 }
 
 TEST_F(ExplainerTest, theSentenceSaysWhatHappenedWhereAndWhose) {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "tests/support/Documents.h"
@@ -219,6 +220,24 @@ TEST(Query, EndsAtNoNul) {
     XmlError error;
     EXPECT_TRUE(r.nodesForXPath(XPath(path), &error).isNil());
     EXPECT_NE(error.message, "");
+  }
+}
+
+// The first one prepares the document, which the others must not see half done.
+TEST(Query, OfAnyKindMayBeMadeByManyThreadsAtOnce) {
+  for (int round = 0; round < 20; ++round) {
+    const DDXMLElement r = root(kTree);
+    std::vector<std::thread> threads;
+    std::vector<Texts> found(8);
+    for (Texts& each : found) {
+      threads.emplace_back([&r, &each] { each = texts(r.nodesForXPath(XPath("//b | //c"))); });
+    }
+    for (std::thread& thread : threads) {
+      thread.join();
+    }
+    for (const Texts& each : found) {
+      EXPECT_EQ(each, (Texts{"1", "x", "2", "3", "4", "5", "6"}));
+    }
   }
 }
 

@@ -32,8 +32,7 @@ struct XmlError {
 ///
 /// What gives texts or lists throws std::bad_alloc when memory runs out, and nothing else throws.
 ///
-/// Reading the nodes of one document from several threads is safe for everything here except
-/// queries that are no plain child path, of which one document takes one at a time.
+/// Reading the nodes of one document from several threads is safe, queries included.
 class TAMZO_EXPORT DDXMLElement {
  public:
   /// Nil.

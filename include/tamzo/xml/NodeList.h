@@ -15,8 +15,7 @@ namespace tamzo {
 /// What a query gives: nil (the query failed or was never made), empty, or nodes in document
 /// order. Keeps the document alive and moves cheaply.
 ///
-/// Reading one list from several threads is safe, queries included (see DDXMLElement for the one
-/// kind of query that is not); assigning to it is not.
+/// Reading one list from several threads is safe, queries included; assigning to it is not.
 class TAMZO_EXPORT NodeList {
  public:
   /// Nil.
