@@ -14,6 +14,7 @@ static bool read_url(void* user, const tamzo_vast_request* request, tamzo_vast_r
   if (file == NULL) return false;
   const size_t length = fread(bytes, 1, sizeof(bytes), file);
   fclose(file);
+  if (length == sizeof(bytes)) return false; /* longer than what this example takes */
   return tamzo_vast_reply_set_bytes(reply, bytes, length) == TAMZO_VAST_OK;
 }
 

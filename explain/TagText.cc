@@ -1,8 +1,11 @@
 #include "explain/TagText.h"
 
+#include <utf8.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <utility>
 
 #include "base/Ascii.h"
@@ -16,24 +19,6 @@ constexpr std::string_view kBlanks = " \t\r\n";
 
 std::size_t findOr(std::size_t found, std::string_view text) noexcept {
   return std::min(found, text.size());
-}
-
-void appendUtf8(std::string& out, std::uint32_t c) {
-  if (c < 0x80U) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800U) {
-    out += static_cast<char>(0xC0U | (c >> 6U));
-    out += static_cast<char>(0x80U | (c & 0x3FU));
-  } else if (c < 0x10000U) {
-    out += static_cast<char>(0xE0U | (c >> 12U));
-    out += static_cast<char>(0x80U | ((c >> 6U) & 0x3FU));
-    out += static_cast<char>(0x80U | (c & 0x3FU));
-  } else {
-    out += static_cast<char>(0xF0U | (c >> 18U));
-    out += static_cast<char>(0x80U | ((c >> 12U) & 0x3FU));
-    out += static_cast<char>(0x80U | ((c >> 6U) & 0x3FU));
-    out += static_cast<char>(0x80U | (c & 0x3FU));
-  }
 }
 
 constexpr std::uint32_t kNoCharacter = 0xFFFFFFFFU;
@@ -128,7 +113,7 @@ std::string decoded(std::string_view written) {
                                         ? kNoCharacter
                                         : characterOf(written.substr(1, semicolon - 1));
     if (character != kNoCharacter) {
-      appendUtf8(text, character);
+      utf8::unchecked::append(character, std::back_inserter(text));
       written.remove_prefix(semicolon + 1);
     } else if (!written.empty()) {
       text += '&';

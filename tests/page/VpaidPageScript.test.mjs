@@ -783,6 +783,20 @@ test("the page's script is that of the tree, without its comments", async () => 
   assert.deepEqual(tokens(script), tokens(`(function () { "use strict"; ${tree} })();`));
 });
 
+// The page fills in what only the SDK knows with what the app gave it, or -1.
+test("the macros that nobody knows are those of the parser", async () => {
+  const namesIn = (file, pattern) => {
+    const text = readFileSync(new URL(`../../sdk/${file}`, import.meta.url), "utf8");
+    return new Set(pattern.exec(text)[1].match(/[A-Z]{2,}/g));
+  };
+  const inPage = namesIn("page/macros.js", /const UNKNOWN = \(([^)]*)\)/);
+  const inParser = namesIn("TamzoMacroReplacementUtil.cc", /kUnknownMacros =([^;]*);/);
+  assert.ok(inParser.size > 30);
+  assert.deepEqual([...inParser].filter((name) => !inPage.has(name)), []);
+  assert.deepEqual([...inPage].filter((name) => !inParser.has(name)),
+    ["BLOCKEDADCATEGORIES", "REGULATIONS"]);
+});
+
 test("a page without an ad has 40 KB at most", async () => {
   const response = inLineAd(mediaFile("https://x.example/"));
   assert.ok(Buffer.byteLength(await pageOf(response)) <= 40960 + response.length);
