@@ -1,7 +1,8 @@
 # The VPAID page in one text: the template with its script, which stands in files of its own, in this
 # order. Comments and indentation stay behind.
 set(TAMZO_VPAID_SCRIPTS
-  builtIns settings app xml macros network vast tracking frame unit watch playback)
+  builtIns settings app xml macros network vast tracking frame unit watch events
+  playback)
 set(TAMZO_VPAID_MOST_BYTES 40960)
 
 # Comments fill whole lines; a line that begins with "/**" or "*" is part of one.

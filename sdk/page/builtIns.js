@@ -1,3 +1,6 @@
+// The files of this folder are one script, and see each other's names: they are put one behind the
+// other in the order that cmake/VpaidPage.cmake has.
+
 // What the page takes from the browser. A unit runs in a frame of the page's own origin and can
 // reach the page, so what its end depends on is taken before the unit loads, and locked.
 

@@ -80,13 +80,13 @@ function addLinear(linear) {
  * @param {Element} played
  */
 function collectTrackers(played) {
-  for (const ad of chain) {
-    addTrackers("Impression", ad, "Impression");
+  for (const element of chain) {
+    addTrackers("Impression", element, "Impression");
     for (const key of ["Viewable", "NotViewable", "ViewUndetermined"]) {
-      addTrackers(key, ad, "ViewableImpression/" + key);
+      addTrackers(key, element, "ViewableImpression/" + key);
     }
-    const isPlayed = ad === chain[chain.length - 1];
-    const linear = isPlayed ? played : findAll(ad, "Creatives/Creative/Linear")[0];
+    const isPlayed = element === chain[chain.length - 1];
+    const linear = isPlayed ? played : findAll(element, "Creatives/Creative/Linear")[0];
     if (linear) {
       addLinear(linear);
     }

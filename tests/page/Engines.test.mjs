@@ -289,6 +289,35 @@ for (const [what, value] of Object.entries(hostileValues)) {
   });
 }
 
+scenario("hostile text in every value is text, from the session id to a click's address", async (stage) => {
+  const text = "</xmp></plaintext></script></style></title><script>window.hacked = 1; " +
+    "parent.hacked = 1;</script><img src=x onerror=\"parent.hacked = 1\">$&$`$'\" onload=\"hacked=1";
+  const quoted = JSON.stringify(text).replace(/</g, "\\u003c");
+  const values = (...names) => names.map((name) => `<${name}><![CDATA[${text}]]></${name}>`).join("");
+  await stage.play(stage.inLine(stage.unit(unitScript(`window.unit.act = function () {
+    this.happen("AdLog", ${quoted});
+    this.happen("AdInteraction", ${quoted});
+    this.happen("AdClickThru", ${quoted}, ${quoted}, true);
+    this.happen("AdStopped");
+  };`)), {
+    parameters: values("AdParameters"), clicks: values("CustomClick", "ClickTracking"),
+    tracking: `<Tracking event="__proto__"><![CDATA[${text}]]></Tracking>`,
+    more: values("Impression", "Error") + `<Impression>${stage.pixel("m?[CLIENTUA]")}</Impression>`,
+    extensions: `<Extensions><Extension><Tamzo>${values("ServerUA", "ClientUA", "DeviceIp",
+      "OMIDPartner", "GDPRConsent", "ClickType", "AnalyticsKey", "AnalyticsData")}</Tamzo></Extension>
+      </Extensions>`
+  }), { sessionId: text, settings: { session: text, macros: { IFA: text } } });
+  assert.deepEqual(await stage.ended(), {});
+  assert.equal(await stage.run("typeof window.hacked"), "undefined");
+  assert.deepEqual(await stage.heard("Moat"), { data: {}, partnerCode: text });
+  assert.equal((await stage.heard("AdLog")).message, text);
+  assert.deepEqual(stage.messages.map(({ session }) => session), stage.messages.map(() => text));
+  const [[, , , parameters]] = await stage.called("initAd");
+  assert.equal(parameters, text);
+  stage.expectPixels(["loaded", "creativeView", "impression", "click", `m?${encodeURIComponent(text)
+    .replace(/'/g, "%27")}`]);
+});
+
 // ---- Units that fail ----------------------------------------------------------------------------
 
 const thrown = {

@@ -82,7 +82,8 @@ export class Chromium {
   async open(html, { settings = {}, onMessage, closesAtLast = false, scheme = "http" }) {
     const path = `/told/${++this.opened}`;  // a page that was left may still have something to say
     this.server.takers.set(path, onMessage);
-    const script = `<script>(${bridge})(${JSON.stringify(settings)}, ` +
+    const literal = JSON.stringify(settings).replace(/</g, "\\u003c");  // a text may end a script
+    const script = `<script>(${bridge})(${literal}, ` +
       `${JSON.stringify({ path, closesAtLast })});</script>`;
     const url = new URL(this.server.serve("page", html.replace("<head>", () => "<head>" + script),
       { type: "text/html" }));
