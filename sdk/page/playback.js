@@ -231,8 +231,8 @@ function onPageHide() {
 
 // ---- The end --------------------------------------------------------------------------------
 
-// Every way out, here, in the unit's events and in the watch, is endWell() or endInError(). Both are
-// end(), which takes the ad down, waits for the last pixels, and gives the last message.
+// Every way out, here, in the unit's events and in the watch, is endWell() or endInError(). Both
+// are end(), which takes the ad down, waits for the last pixels, and gives the last message.
 
 // AdStopped must follow. Not every unit knows.
 function expectEnd() {
