@@ -8,9 +8,7 @@ namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
 
-bool isJson(std::string_view text) {
-  return checkJson(text) == JsonFault::none;
-}
+bool isJson(std::string_view text) { return checkJson(text) == JsonFault::none; }
 
 /// Goes through a line by its strings and brackets, and takes everything else for granted.
 class Scanner {
