@@ -89,7 +89,7 @@ void refuseUnexpected(const CLI::App& app) {
 std::string wordsOf(const CLI::ParseError& error) {
   constexpr std::string_view kRequired = ": 1 required ";
   constexpr std::string_view kMissing = " missing";
-  const std::string text = error.what();
+  std::string text = error.what();
   const std::string name = text.substr(0, text.find(": "));
   const std::size_t required = text.find(kRequired);
   if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
