@@ -49,7 +49,7 @@ bool isSurrogate(std::optional<std::uint32_t> unit, std::uint32_t from) noexcept
 }
 
 // Browsers write a binary body as text with halves of surrogate pairs in it, which are no text.
-std::string withoutHalfPairs(std::string text) {
+void replaceHalfPairs(std::string& text) {
   constexpr std::uint32_t kHigh = 0xD800U;
   constexpr std::uint32_t kLow = 0xDC00U;
   for (std::size_t at = text.find('\\'); at != std::string::npos; at = text.find('\\', at)) {
@@ -64,7 +64,6 @@ std::string withoutHalfPairs(std::string text) {
     }
     at += 2;
   }
-  return text;
 }
 
 // What a browser or a proxy asks beside the request itself, by the same URL.
@@ -301,7 +300,8 @@ class HarWriter {
 }  // namespace
 
 Har readHar(std::string text) {
-  const JsonValue log = JsonValue::parse(Text(withoutHalfPairs(std::move(text)))).find("log");
+  replaceHalfPairs(text);
+  const JsonValue log = JsonValue::parse(Text(std::move(text))).find("log");
   const JsonValue entries = log.find("entries");
   if (entries.kind() != JsonValue::Kind::list || entries.isNil()) {
     throw CommandError("is no HAR: it has no log with entries");
