@@ -2,6 +2,7 @@
 
 #include <utility>
 #include <variant>
+#include <vector>
 
 #include "capi/Boundary.h"
 
@@ -258,13 +259,13 @@ class Converter {
 }  // namespace
 
 void* Arena::zeroed(std::size_t bytes) {
-  return blocks_.emplace_back(std::make_unique<std::byte[]>(bytes)).get();
+  return blocks_.emplace_front(std::make_unique<std::byte[]>(bytes)).get();
 }
 
-tamzo_vast_text Arena::keep(Text text) { return viewOf(texts_.emplace_back(std::move(text))); }
+tamzo_vast_text Arena::keep(Text text) { return viewOf(texts_.emplace_front(std::move(text))); }
 
 const tamzo_vast_element* Arena::keep(const DDXMLElement& element) {
-  return element ? &elements_.emplace_back(element) : nullptr;
+  return element ? &elements_.emplace_front(element) : nullptr;
 }
 
 Values::Values(const TamzoVastAd& record) {
@@ -276,8 +277,8 @@ Values::Values(const TamzoVastAd& record) {
 }
 
 void Values::readIconMap(const TamzoVastAd& record) {
-  auto arena = std::make_unique<Arena>();
-  iconMap = Converter(*arena).convert(record.iconMap());
+  Arena arena;
+  iconMap = Converter(arena).convert(record.iconMap());
   iconArena_ = std::move(arena);
 }
 

@@ -2,9 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <forward_list>
 #include <memory>
-#include <vector>
 
 #include "capi/Objects.h"
 #include "tamzo/tamzo_vast.h"
@@ -36,7 +35,8 @@ template <> struct InC<List<std::shared_ptr<TamzoMeasurementProviderModel>>> { u
 // clang-format on
 
 /// Memory for what C reads of one record: plain structs, the texts behind them, and elements.
-/// Everything in it lives as long as it does, and stays where it is.
+/// Everything in it lives as long as it does, and stays where it is, also when it is moved, which
+/// does not throw.
 class Arena {
  public:
   /// That many of them, all zero; never null, also for 0.
@@ -53,9 +53,9 @@ class Arena {
  private:
   void* zeroed(std::size_t bytes);
 
-  std::vector<std::unique_ptr<std::byte[]>> blocks_;
-  std::deque<Text> texts_;
-  std::deque<tamzo_vast_element> elements_;
+  std::forward_list<std::unique_ptr<std::byte[]>> blocks_;
+  std::forward_list<Text> texts_;
+  std::forward_list<tamzo_vast_element> elements_;
 };
 
 /// A record's properties as C reads them. They borrow from the record and are made once, so that
@@ -74,7 +74,7 @@ class Values {
 
  private:
   Arena arena_;
-  std::unique_ptr<Arena> iconArena_;  // a move of an Arena itself may throw
+  Arena iconArena_;
 };
 
 }  // namespace tamzo::capi
