@@ -101,7 +101,10 @@ RunningCommand::RunningCommand(const std::vector<std::string>& arguments, const 
     dup2(theirs('i', in.theirs), STDIN_FILENO);
     dup2(theirs('o', out.theirs), STDOUT_FILENO);
     dup2(theirs('e', error.theirs), STDERR_FILENO);
-    std::signal(SIGPIPE, SIG_DFL);
+    // A run of the tests in the background may ignore some, which a child would too.
+    for (const int signal : {SIGPIPE, SIGINT, SIGTERM, SIGHUP}) {
+      std::signal(signal, SIG_DFL);
+    }
     streams.inChild();
     execv(kCommand, pointers.data());
     _exit(127);
