@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds the Debian packages, holds them to lintian, lists what they export, weigh and depend on,
 # installs them into a bare Debian of this machine's release, and uses them there: the command, and
-# programs in C, C++, Python and Java. The packages stay in build/debian/packages. Needs root, for the bare
-# Debian, and its mirror, which is that of the machine's apt.
+# programs in C, C++, Python and Java. The packages stay in build/debian/packages. Needs root, for the
+# bare Debian, and its mirror, which is that of the machine's apt.
 # Usage: scripts/debian-package.sh
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

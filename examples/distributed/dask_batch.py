@@ -6,9 +6,9 @@
 Each FILE holds lines {"id": ..., "vast": "..."}; it is a path of a file that there is, or a URL that
 fsspec reads, plain or compressed. It is cut into blocks at ends of lines, and each block is a task.
 FOLDER, which all workers must see, gets part-00000.jsonl and so on: in the order of their names they
-hold one answer a line, in the order of the input. table.json has how many answers there were of each errorCode and, when the
-answers explain, in how many each finding was made, and how often. The same is printed as tables, as
-batch prints them.
+hold one answer a line, in the order of the input. table.json has how many answers there were of each
+errorCode and, when the answers explain, in how many each finding was made, and how often. The same is
+printed as tables, as batch prints them.
 
 Exit status, as that of batch: 0 when no ad failed, 1 when one did, 2 when a line could not be read;
 and 3 when a block failed on every try, such as the one of a file that cannot be read. The answers of
